@@ -1,0 +1,30 @@
+# What every target of ours is compiled with.
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Kind of build" FORCE)
+endif()
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+add_library(quillcaption_options INTERFACE)
+# No fused multiply-add: a time must come out the same on every target.
+target_compile_options(quillcaption_options INTERFACE
+  -Wall -Wextra -Wconversion -Wshadow -ffp-contract=off
+  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor>
+  $<$<BOOL:${QUILLCAPTION_WERROR}>:-Werror>)
+# GCC's remark that a calling convention changed in GCC 7 concerns nobody here.
+target_compile_options(quillcaption_options INTERFACE
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<STREQUAL:${CMAKE_SYSTEM_PROCESSOR},arm>>:-Wno-psabi>)
+
+if(QUILLCAPTION_SANITIZE)
+  add_compile_options(-fsanitize=${QUILLCAPTION_SANITIZE} -fno-omit-frame-pointer
+                      -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${QUILLCAPTION_SANITIZE})
+  if(QUILLCAPTION_SANITIZE MATCHES "undefined")
+    add_compile_options(-fsanitize=float-cast-overflow)
+  endif()
+endif()

@@ -1,0 +1,126 @@
+#include "base/value_parsers.h"
+
+#include <cstdint>
+#include <string>
+
+#include "base/diagnostics.h"
+#include "base/target.h"
+#include "base/text.h"
+
+namespace webvtt {
+namespace {
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/// Reads digits into a 32-bit value that wraps; false at the first other character, with out 0.
+template <typename Unsigned>
+bool parse_digits(std::string_view text, Unsigned& out) {
+    out = 0;
+    for (const char c : text) {
+        if (!is_digit(c)) {
+            out = 0;
+            return false;
+        }
+        out = out * 10 + static_cast<Unsigned>(c - '0');
+    }
+    return !text.empty();
+}
+
+}  // namespace
+
+bool parse_double(std::string_view text, double& out) {
+    if (text.empty()) {
+        return false;
+    }
+    std::uint32_t integer = 0;
+    std::uint32_t divisor = 1;
+    double fraction = 0.0;
+    bool behind_point = false;
+    for (const char c : text) {
+        if (is_digit(c) && !behind_point) {
+            integer = integer * 10 + static_cast<std::uint32_t>(c - '0');
+        } else if (is_digit(c)) {
+            // The divisor wraps, is read as signed, and ends at zero. Tracks with that many digits
+            // are timed by hosts as they come out of this, so it stays.
+            divisor *= 10;
+            fraction += static_cast<double>(c - '0') / static_cast<std::int32_t>(divisor);
+        } else if (c == '.' && !behind_point) {
+            behind_point = true;
+        } else {
+            out = 0.0;
+            print_trace("input is ", text);
+            print_trace("Not a valid data string");
+            return false;
+        }
+    }
+    out = fraction + static_cast<std::int32_t>(integer);
+    return true;
+}
+
+bool parse_percentage(std::string_view text, double& out) {
+    out = 0.0;
+    if (text.size() < 2 || text.back() != '%') {
+        return false;
+    }
+    text.remove_suffix(1);
+    return parse_double(text, out);
+}
+
+bool parse_uint(std::string_view text, unsigned int& out) {
+    return parse_digits(text, out);
+}
+
+bool parse_ulong(std::string_view text, unsigned long& out) {
+    const bool valid = parse_digits(text, out);
+    if (!text.empty()) {
+        // Converted here: a base or a locale that the host has set in std::cout must not show.
+        print_trace("data is ", std::to_string(out));
+    }
+    return valid;
+}
+
+bool parse_anchorpoint(std::string_view text, double& x, double& y) {
+    const Split parts = split_first(text, ',');
+    if (parts.head.empty() || parts.tail.empty()) {
+        return false;
+    }
+    // The caller relies on the stored values only; an invalid part has stored 0.0.
+    parse_percentage(parts.head, x);
+    parse_percentage(parts.tail, y);
+    return true;
+}
+
+bool parse_timestamp(std::string_view text, double& out) {
+    constexpr std::size_t seconds_size = 6;
+    if (text.size() <= seconds_size + 2 || text[text.size() - seconds_size - 1] != ':') {
+        return false;
+    }
+    double seconds = 0.0;
+    if (!parse_double(text.substr(text.size() - seconds_size), seconds) || seconds >= 60.0) {
+        out = 0.0;
+        return false;
+    }
+
+    const Split head = split_first(text.substr(0, text.size() - seconds_size - 1), ':');
+    unsigned int hours = 0;
+    unsigned int minutes = 0;
+    if (!parse_uint(head.head, minutes)) {
+        return false;
+    }
+    // Nothing behind the colon is as good as no colon: "12::34.567" is twelve minutes.
+    if (!head.tail.empty()) {
+        hours = minutes;
+        if (head.tail.size() != 2 || !parse_uint(head.tail, minutes)) {
+            return false;
+        }
+    }
+    if (minutes > 59) {
+        return false;
+    }
+    out = (hours * 3600 + minutes * 60) + seconds;
+    return true;
+}
+
+}  // namespace webvtt
