@@ -1,0 +1,78 @@
+// A cue block, cut into identifier, timing line and payload:
+//
+//     identifier                                   (optional; any line without "-->")
+//     00:01.000 --> 00:02.500 align:end size:50%   (spaces around the arrow are optional)
+//     payload, up to the end of the block
+#include "cue/cue.h"
+
+#include "base/diagnostics.h"
+#include "base/errors.h"
+#include "base/text.h"
+#include "base/value_parsers.h"
+
+namespace webvtt {
+namespace {
+
+constexpr std::string_view kArrow = "-->";
+
+}  // namespace
+
+Cue::~Cue() {
+    vReleaseNode(pRootNode);
+}
+
+bool Cue::fgParse(const char* pcLine, unsigned size) {
+    if (size == 0 || pcLine == nullptr) {
+        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+    }
+    Split line = split_first(pcLine, '\n');
+    if (line.head.empty() || !line.found) {
+        print_error("Invalid Input String of 1st Line, return FALSE");
+        return false;
+    }
+    if (!contains(line.head, kArrow)) {
+        // That was the identifier. The next line is the timing line, whatever it looks like.
+        line = split_first(line.tail, '\n');
+        if (line.head.empty() || !line.found) {
+            print_error("Invalid Input String of 2nd Line, return FALSE");
+            return false;
+        }
+    }
+    if (!fgParseTimingLine(line.head)) {
+        print_error("Parse Cue Time and Settings Failed");
+        return false;
+    }
+    // The tail runs to the block's terminating zero.
+    fgParseCuePayload(line.tail.data(), static_cast<unsigned>(line.tail.size()));
+    return true;
+}
+
+bool Cue::fgParseCueTimeAndSettings(WebvttString& line) {
+    const std::string consumed = std::move(line.text);
+    line.text.clear();
+    return fgParseTimingLine(consumed);
+}
+
+bool Cue::fgParseTimingLine(std::string_view line) {
+    const Split times = split_first(line, kArrow);
+    if (!times.found) {
+        return false;
+    }
+    const std::string_view start = trim_spaces(times.head);
+    if (!parse_timestamp(start, dStartTime)) {
+        // This throws while a bad end time only fails. Hosts tell the two apart by what is printed
+        // and by which cues are missing after it, so both stay as they are.
+        print_error("Invalid Start Time Stamp <%.*s>", WEBVTT_PRINTABLE(start));
+        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+    }
+    const Split rest = split_first(trim_spaces(times.tail), ' ');
+    if (!parse_timestamp(rest.head, dEndTime)) {
+        print_error("Invalid End Time Stamp <%.*s>", WEBVTT_PRINTABLE(rest.head));
+        return false;
+    }
+    vParseSettings(rest.tail);
+    vDeriveSettings();
+    return true;
+}
+
+}  // namespace webvtt
