@@ -1,0 +1,78 @@
+#include "parser/block_buffer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <new>
+
+#include "base/target.h"
+
+namespace webvtt {
+
+bool BlockBuffer::fgAppendLine(std::string_view line) {
+    if (!fgReserve(line.size() + 1)) {
+        return false;
+    }
+    vPut(line);
+    vPut("\n");
+    ++m_line_feeds;
+    return true;
+}
+
+bool BlockBuffer::fgAppendText(std::string_view text) {
+    if (!fgReserve(text.size())) {
+        return false;
+    }
+    vPut(text);
+    m_line_feeds += static_cast<unsigned>(std::count(text.begin(), text.end(), '\n'));
+    return true;
+}
+
+void BlockBuffer::vPut(std::string_view text) {
+    if (!text.empty()) {
+        std::memcpy(m_data.get() + m_size, text.data(), text.size());
+        m_size += text.size();
+    }
+    m_data[m_size] = '\0';
+}
+
+/// Makes room for so many bytes more and the terminating zero.
+bool BlockBuffer::fgReserve(std::size_t uMore) {
+    // The sum cannot wrap: what is to be appended lies in memory beside what is held.
+    const std::size_t needed = m_size + uMore + 1;
+    if (needed <= m_capacity) {
+        return true;
+    }
+    // Half as much again each time: the cost of moving stays in proportion, and old and new
+    // storage together stay below two and a half times the text.
+    const std::size_t grown = m_capacity + m_capacity / 2;
+    const std::size_t capacity = std::max({kFirstCapacity, needed, grown});
+    std::unique_ptr<char[]> data(new (std::nothrow) char[capacity]);
+    if (data == nullptr) {
+        return false;
+    }
+    if (m_size != 0) {
+        std::memcpy(data.get(), m_data.get(), m_size);
+    }
+    m_data = std::move(data);
+    m_capacity = capacity;
+    return true;
+}
+
+void BlockBuffer::vTruncate(std::size_t uNewSize, unsigned uNewLineFeeds) {
+    if (m_data != nullptr) {
+        m_data[uNewSize] = '\0';
+    }
+    m_size = uNewSize;
+    m_line_feeds = uNewLineFeeds;
+}
+
+void BlockBuffer::vClear() {
+    if (m_capacity > kKeptCapacity) {
+        m_data.reset();
+        m_capacity = 0;
+    }
+    vTruncate(0, 0);
+}
+
+}  // namespace webvtt

@@ -1,0 +1,85 @@
+// From a parsed cue to the host: records, their queue, the callback.
+#include <new>
+
+#include "base/errors.h"
+#include "base/saturate.h"
+#include "cue/cue.h"
+#include "parser/webvtt_parser.h"
+
+namespace webvtt {
+namespace {
+
+constexpr std::uint32_t kTicksPerSecond = 90000;
+
+/// Whole seconds only: hosts have always been given times shifted by whole seconds.
+double whole_seconds(unsigned long ticks) {
+    return static_cast<double>(ticks / kTicksPerSecond);
+}
+
+/// The low 8 bits: a size of 300% arrives as 44.
+std::uint8_t to_byte(double percent) {
+    return static_cast<std::uint8_t>(saturating_cast<std::uint32_t>(percent) & 0xFFu);
+}
+
+WebvttCueNode* make_record(const char* text) {
+    try {
+        return new WebvttCueNode(nullptr, text);
+    } catch (const std::bad_alloc&) {
+        throw BadAllocException("Create WebvttCue Node failed", nullptr);
+    }
+}
+
+}  // namespace
+
+void WebVTTParser::vAppendNewCue(const Cue* prCue) {
+    WebvttCueNode* const record = make_record(prCue->strGetCueContent().text.c_str());
+
+    double offset = 0.0;
+    if (prTimeStampHeader != nullptr && prTimeStampHeader->fgIsValid()) {
+        offset = whole_seconds(prTimeStampHeader->u4MpegTs) - prTimeStampHeader->dLocalTime;
+    }
+    const double video = whole_seconds(u4VideoPts);
+    // In this order: a sum of doubles depends on it in the last bit.
+    record->dStartTime = (offset + prCue->dStartTime) - video;
+    record->dEndTime = (offset + prCue->dEndTime) - video;
+    record->i4Line = saturating_cast<std::int32_t>(prCue->dLine);
+    record->fgReserved = 0;
+    record->u1Size = to_byte(prCue->dSize);
+    record->fgSnapToLines = prCue->fgSnapToLines ? 1 : 0;
+    record->u1Position = to_byte(prCue->dPosition);
+    record->eTextAlign = prCue->eTextAlign;
+    record->eVertical = prCue->eVertical;
+
+    prResultTail->prNext = record;
+    prResultTail = record;
+}
+
+void WebVTTParser::vGetParseResult() {
+    WebvttDataInfo info(tResultHead.prNext);
+    // Not checked for null: a host registers its callback before it asks for results.
+    pfnEventNotify(WEBVTT_EVENT_PARSE_RESULT, pvEventTag, &info);
+    // From the head on, not from info: what the callback itself has caused to be queued goes too.
+    vFreeQueue();
+}
+
+void WebVTTParser::vFreeQueue() {
+    while (WebvttCueNode* const first = tResultHead.prNext) {
+        tResultHead.prNext = first->prNext;
+        delete first;
+    }
+    prResultTail = &tResultHead;
+}
+
+void WebVTTParser::vSetWebvttEventNty(void* pvTag,
+                                      void (*pfnNotify)(WEBVTT_EVENT_T, void*, void*)) {
+    if (pfnNotify != nullptr) {
+        pfnEventNotify = pfnNotify;
+        pvEventTag = pvTag;
+    }
+}
+
+void WebVTTParser::vSetVideoPTS(unsigned long u4Pts) {
+    u4VideoPts = u4Pts;
+}
+
+}  // namespace webvtt

@@ -1,0 +1,84 @@
+// Cue blocks: at most ten lines, up to the next blank line.
+//
+// A longer block is cut: its first ten lines are one cue, and what follows is a block of its own,
+// which normally fails for want of a timing line.
+#include "base/diagnostics.h"
+#include "cue/cue.h"
+#include "parser/webvtt_parser.h"
+
+namespace webvtt {
+namespace {
+
+constexpr unsigned kMostLines = 10;
+
+}  // namespace
+
+int WebVTTParser::ersltParseCue() {
+    switch (eReadBlock()) {
+        case Block_Result::kFailed:
+            return WEBVTT_RESULT_ERROR;
+        case Block_Result::kIncomplete:
+            fgCarryTail();
+            return 0;
+        case Block_Result::kComplete:
+            break;
+    }
+    const Block_Guard guard{*this};
+    Cue cue;
+    if (cue.fgParse(m_block.pcText(), static_cast<unsigned>(m_block.uSize() + 1))) {
+        ++u4ParsedCueCount;
+        vAppendNewCue(&cue);
+    } else {
+        print_error("Cue Parse Failed!!!!!!!!!!!!!!!!!!!!!!!!!!!!!");
+        ++u4FailedCueCount;
+    }
+    return 1;
+}
+
+/// Appends lines to the carried text until the block is complete or the chunk has no more lines.
+WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
+    const bool carried = pcUnusedBuffer != nullptr;
+    const std::size_t carried_size = m_block.uSize();
+    const unsigned carried_line_feeds = m_block.uLineFeeds();
+    pcUnusedBuffer = nullptr;  // it has become the front of the block
+
+    unsigned lines = carried_line_feeds;
+    bool content = carried;
+    bool at_line_start = !carried || m_block.fgEndsWithLineFeed();
+    Line_Extent line;
+    while (fgFindLine(&line)) {
+        const std::string_view text = strCutAtZero(line.bytes);
+        const bool cut = text.size() < line.bytes.size();  // the line feed is cut off as well
+        const bool blank = text.size() + (cut ? 0 : 1) <= 1;
+        if (blank && at_line_start) {
+            vConsumeLine(line);
+            if (content) {
+                return Block_Result::kComplete;
+            }
+            continue;  // blank lines before a block
+        }
+        // A blank line behind carried text that ends inside a line completes that line.
+        if (!(cut ? m_block.fgAppendText(text) : m_block.fgAppendLine(text))) {
+            print_error("Alloc %d B memory failed", static_cast<int>(line.bytes.size() + 1));
+            m_block.vTruncate(carried_size, carried_line_feeds);
+            pcUnusedBuffer = carried ? m_block.pcText() : nullptr;
+            return Block_Result::kFailed;
+        }
+        vConsumeLine(line);
+        content = true;
+        at_line_start = true;
+        if (++lines == kMostLines) {
+            return Block_Result::kComplete;
+        }
+    }
+    return Block_Result::kIncomplete;
+}
+
+/// The bytes of a line before its first zero byte.
+std::string_view WebVTTParser::strCutAtZero(std::string_view bytes) {
+    const char* const zero = m_zeros.pcFind(bytes.data(), pcParsingBuffer + u4ParsingBufferLen);
+    const auto before_zero = static_cast<std::size_t>(zero - bytes.data());
+    return bytes.substr(0, before_zero);
+}
+
+}  // namespace webvtt
