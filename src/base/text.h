@@ -21,8 +21,23 @@ inline Split split_first(std::string_view text, std::string_view delimiter) {
     return {text.substr(0, at), text.substr(at + delimiter.size()), true};
 }
 
+/// The same for a single character. A plain loop: the texts, fields and items, are short.
 inline Split split_first(std::string_view text, char delimiter) {
-    return split_first(text, std::string_view(&delimiter, 1));
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] == delimiter) {
+            return {text.substr(0, at), text.substr(at + 1), true};
+        }
+    }
+    return {text, {}, false};
+}
+
+/// A text cut in two at the first line feed.
+inline Split split_line(std::string_view text) {
+    const std::size_t at = text.find('\n');
+    if (at == std::string_view::npos) {
+        return {text, {}, false};
+    }
+    return {text.substr(0, at), text.substr(at + 1), true};
 }
 
 inline bool contains(std::string_view text, std::string_view part) {

@@ -34,26 +34,27 @@ bool parse_double(std::string_view text, double& out) {
     if (text.empty()) {
         return false;
     }
+    const char* c = text.data();
+    const char* const end = c + text.size();
     std::uint32_t integer = 0;
-    std::uint32_t divisor = 1;
+    for (; c != end && is_digit(*c); ++c) {
+        integer = integer * 10 + static_cast<std::uint32_t>(*c - '0');
+    }
     double fraction = 0.0;
-    bool behind_point = false;
-    for (const char c : text) {
-        if (is_digit(c) && !behind_point) {
-            integer = integer * 10 + static_cast<std::uint32_t>(c - '0');
-        } else if (is_digit(c)) {
-            // The divisor wraps, is read as signed, and ends at zero. Tracks with that many digits
-            // are timed by hosts as they come out of this, so it stays.
+    if (c != end && *c == '.') {
+        // The divisor wraps, is read as signed, and ends at zero. Tracks with that many digits
+        // are timed by hosts as they come out of this, so it stays.
+        std::uint32_t divisor = 1;
+        for (++c; c != end && is_digit(*c); ++c) {
             divisor *= 10;
-            fraction += static_cast<double>(c - '0') / static_cast<std::int32_t>(divisor);
-        } else if (c == '.' && !behind_point) {
-            behind_point = true;
-        } else {
-            out = 0.0;
-            print_trace("input is ", text);
-            print_trace("Not a valid data string");
-            return false;
+            fraction += static_cast<double>(*c - '0') / static_cast<std::int32_t>(divisor);
         }
+    }
+    if (c != end) {
+        out = 0.0;
+        print_trace("input is ", text);
+        print_trace("Not a valid data string");
+        return false;
     }
     out = fraction + static_cast<std::int32_t>(integer);
     return true;

@@ -25,24 +25,29 @@ bool Cue::fgParse(const char* pcLine, unsigned size) {
     if (size == 0 || pcLine == nullptr) {
         throw InvalidArgumentException("Input pcLine is empty", nullptr);
     }
-    Split line = split_first(pcLine, '\n');
+    return fgParse(std::string_view(pcLine));
+}
+
+bool Cue::fgParse(std::string_view block) {
+    Split line = split_line(block);
     if (line.head.empty() || !line.found) {
         print_error("Invalid Input String of 1st Line, return FALSE");
         return false;
     }
-    if (!contains(line.head, kArrow)) {
+    Split times = split_first(line.head, kArrow);
+    if (!times.found) {
         // That was the identifier. The next line is the timing line, whatever it looks like.
-        line = split_first(line.tail, '\n');
+        line = split_line(line.tail);
         if (line.head.empty() || !line.found) {
             print_error("Invalid Input String of 2nd Line, return FALSE");
             return false;
         }
+        times = split_first(line.head, kArrow);
     }
-    if (!fgParseTimingLine(line.head)) {
+    if (!fgParseTimes(times)) {
         print_error("Parse Cue Time and Settings Failed");
         return false;
     }
-    // The tail runs to the block's terminating zero.
     fgParseCuePayload(line.tail.data(), static_cast<unsigned>(line.tail.size()));
     return true;
 }
@@ -50,11 +55,11 @@ bool Cue::fgParse(const char* pcLine, unsigned size) {
 bool Cue::fgParseCueTimeAndSettings(WebvttString& line) {
     const std::string consumed = std::move(line.text);
     line.text.clear();
-    return fgParseTimingLine(consumed);
+    return fgParseTimes(split_first(consumed, kArrow));
 }
 
-bool Cue::fgParseTimingLine(std::string_view line) {
-    const Split times = split_first(line, kArrow);
+/// @param times the timing line, cut at its first arrow
+bool Cue::fgParseTimes(const Split& times) {
     if (!times.found) {
         return false;
     }

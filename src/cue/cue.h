@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "base/webvtt_string.h"
 #include "cue/cue_types.h"
 #include "payload/node.h"
@@ -36,6 +37,9 @@ class Cue {
     /// @throws std::out_of_range        "basic_string::at" from a "line" setting without a number
     /// After an exception the cue must only be destroyed.
     bool fgParse(const char* pcLine, unsigned size);
+
+    /// The same for a block that need not be zero-terminated.
+    bool fgParse(std::string_view block);
 
     /// Parses a timing line; the line is consumed. Results and errors as in fgParse.
     bool fgParseCueTimeAndSettings(WebvttString& line);
@@ -99,7 +103,7 @@ class Cue {
 
     /// Builds the tree of a payload under pRootNode; a second call appends to the same root.
     ///
-    /// @param pcPayload zero-terminated
+    /// @param pcPayload ends at its first zero byte, if there is one before its length
     /// @param uLength   its length, which must not be 0
     /// @return true
     /// @throws InvalidArgumentException the payload is empty or null; nothing is built
@@ -146,7 +150,7 @@ class Cue {
     bool fgPositionAlignSet = false;  ///< and it named its alignment
 
   private:
-    bool fgParseTimingLine(std::string_view line);
+    bool fgParseTimes(const Split& times);
     void vParseSettings(std::string_view settings);
     void vDeriveSettings();
 

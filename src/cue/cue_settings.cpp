@@ -81,7 +81,9 @@ void Cue::vParseSettings(std::string_view settings) {
     Split items{{}, settings, true};
     while (items.found) {
         items = split_first(items.tail, ' ');
-        vParseCueSettingItem(WebvttString(items.head));
+        if (items.head.size() >= kShortestItem) {  // not one of the spaces between items
+            vParseCueSettingItem(WebvttString(items.head));
+        }
     }
 }
 

@@ -1,7 +1,6 @@
 #include "parser/block_buffer.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstring>
 #include <new>
 
@@ -9,13 +8,15 @@
 
 namespace webvtt {
 
-bool BlockBuffer::fgAppendLine(std::string_view line) {
-    if (!fgReserve(line.size() + 1)) {
+bool BlockBuffer::fgCopyLine(const ChunkLine& line) {
+    if (!fgReserve(line.text.size() + 1)) {
         return false;
     }
-    vPut(line);
-    vPut("\n");
-    ++m_line_feeds;
+    vPut(line.text);
+    if (!line.is_cut) {
+        vPut("\n");
+        ++m_line_feeds;
+    }
     return true;
 }
 
@@ -36,31 +37,39 @@ void BlockBuffer::vPut(std::string_view text) {
     m_data[m_size] = '\0';
 }
 
-/// Makes room for so many bytes more and the terminating zero.
+/// Makes the text the buffer's own, with room for so many bytes more and the terminating zero.
 bool BlockBuffer::fgReserve(std::size_t uMore) {
     // The sum cannot wrap: what is to be appended lies in memory beside what is held.
     const std::size_t needed = m_size + uMore + 1;
+    if (fgOwns() && needed <= m_capacity) {
+        return true;
+    }
     if (needed <= m_capacity) {
+        // The storage is there, from an earlier text; what is borrowed moves into it.
+        if (m_size != 0) {
+            std::memcpy(m_data.get(), m_text, m_size);
+        }
+        m_text = m_data.get();
         return true;
     }
     // Half as much again each time: the cost of moving stays in proportion, and old and new
     // storage together stay below two and a half times the text.
-    const std::size_t grown = m_capacity + m_capacity / 2;
-    const std::size_t capacity = std::max({kFirstCapacity, needed, grown});
+    const std::size_t capacity = std::max({kFirstCapacity, needed, m_capacity + m_capacity / 2});
     std::unique_ptr<char[]> data(new (std::nothrow) char[capacity]);
     if (data == nullptr) {
         return false;
     }
     if (m_size != 0) {
-        std::memcpy(data.get(), m_data.get(), m_size);
+        std::memcpy(data.get(), m_text, m_size);
     }
     m_data = std::move(data);
+    m_text = m_data.get();
     m_capacity = capacity;
     return true;
 }
 
 void BlockBuffer::vTruncate(std::size_t uNewSize, unsigned uNewLineFeeds) {
-    if (m_data != nullptr) {
+    if (fgOwns()) {
         m_data[uNewSize] = '\0';
     }
     m_size = uNewSize;
@@ -72,7 +81,9 @@ void BlockBuffer::vClear() {
         m_data.reset();
         m_capacity = 0;
     }
-    vTruncate(0, 0);
+    m_text = nullptr;
+    m_size = 0;
+    m_line_feeds = 0;
 }
 
 }  // namespace webvtt

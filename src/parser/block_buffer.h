@@ -5,28 +5,35 @@
 #include <memory>
 #include <string_view>
 
+#include "parser/line_finder.h"
+
 namespace webvtt {
 
-/// A growing, zero-terminated text that outlives chunks.
+/// A text that is put together line by line and outlives chunks.
 ///
-/// A block that arrives in many small chunks is appended to, never copied over, so its cost grows
-/// with its size only. The storage is used again for the next block; storage beyond kKeptCapacity
-/// is given back, so that one huge block does not stay in memory.
+/// A text that lies whole in one chunk is not copied: the buffer borrows it there, for as long as
+/// each next line follows directly. It becomes a copy of its own with the first line that does not,
+/// and with any other text, which is how a chunk's unread tail is kept. A copy is only ever
+/// appended to, so its cost grows with its size and not with the number of chunks. Its storage is
+/// used again for the next text; storage beyond kKeptCapacity is given back, so that one huge
+/// block does not stay in memory.
 class BlockBuffer {
   public:
-    /// The text; valid until the next change. Null before anything was ever appended.
-    char* pcText() { return m_data.get(); }
-    std::size_t uSize() const { return m_size; }
+    /// The text; valid until the next change and, while it is borrowed, as long as its chunk.
+    std::string_view strText() const { return {m_text, m_size}; }
     bool fgIsEmpty() const { return m_size == 0; }
-    bool fgEndsWithLineFeed() const { return m_size != 0 && m_data[m_size - 1] == '\n'; }
+    bool fgEndsWithLineFeed() const { return m_size != 0 && m_text[m_size - 1] == '\n'; }
 
     /// How many line feeds the text holds.
     unsigned uLineFeeds() const { return m_line_feeds; }
 
+    /// The text, zero-terminated, if it is the buffer's own: after fgAppendText, until vClear.
+    char* pcOwned() { return m_data.get(); }
+
     // Both return false when memory ran out; the text is then as before.
 
-    /// Appends a line, which holds no line feed, and the line feed that ends it.
-    bool fgAppendLine(std::string_view line);
+    /// Appends a line of a chunk and, unless the line is cut, a line feed.
+    bool fgAppendLine(const ChunkLine& line);
     /// Appends any text. An empty one is text as well: there is storage afterwards.
     bool fgAppendText(std::string_view text);
 
@@ -40,13 +47,30 @@ class BlockBuffer {
     static constexpr std::size_t kFirstCapacity = 256;
     static constexpr std::size_t kKeptCapacity = 65536;
 
+    bool fgOwns() const { return m_data != nullptr && m_text == m_data.get(); }
+    bool fgCopyLine(const ChunkLine& line);
     bool fgReserve(std::size_t uMore);
     void vPut(std::string_view text);
 
-    std::unique_ptr<char[]> m_data;
-    std::size_t m_size = 0;  // without the terminating zero
-    std::size_t m_capacity = 0;
+    const char* m_text = nullptr;  // in m_data, or borrowed in the chunk
+    std::size_t m_size = 0;        // without the terminating zero
     unsigned m_line_feeds = 0;
+    std::unique_ptr<char[]> m_data;
+    std::size_t m_capacity = 0;
 };
+
+// Inline, as every line of every cue comes through here.
+inline bool BlockBuffer::fgAppendLine(const ChunkLine& line) {
+    const bool follows = m_size == 0 || (!fgOwns() && m_text + m_size == line.text.data());
+    if (!follows || line.is_cut || !line.ends_in_line_feed) {
+        return fgCopyLine(line);
+    }
+    if (m_size == 0) {
+        m_text = line.text.data();
+    }
+    m_size += line.consumed;
+    ++m_line_feeds;
+    return true;
+}
 
 }  // namespace webvtt

@@ -13,11 +13,11 @@ class ByteFinder {
     explicit ByteFinder(char wanted) : m_wanted(wanted) {}
 
     /// Forgets the last chunk.
-    void vReset() { m_found = nullptr; }
+    void reset() { m_found = nullptr; }
 
     /// The first occurrence in [from, end), or end. Between resets, end stays the same and from
     /// never goes back.
-    const char* pcFind(const char* from, const char* end) {
+    const char* find(const char* from, const char* end) {
         if (m_found == nullptr || m_found < from) {
             const void* const found =
                 std::memchr(from, m_wanted, static_cast<std::size_t>(end - from));

@@ -21,9 +21,9 @@ std::uint8_t to_byte(double percent) {
     return static_cast<std::uint8_t>(saturating_cast<std::uint32_t>(percent) & 0xFFu);
 }
 
-WebvttCueNode* make_record(const char* text) {
+WebvttCueNode* make_record(std::string_view text) {
     try {
-        return new WebvttCueNode(nullptr, text);
+        return new WebvttCueNode(text);
     } catch (const std::bad_alloc&) {
         throw BadAllocException("Create WebvttCue Node failed", nullptr);
     }
@@ -32,7 +32,7 @@ WebvttCueNode* make_record(const char* text) {
 }  // namespace
 
 void WebVTTParser::vAppendNewCue(const Cue* prCue) {
-    WebvttCueNode* const record = make_record(prCue->strGetCueContent().text.c_str());
+    WebvttCueNode* const record = make_record(prCue->strGetCueContent().text);
 
     double offset = 0.0;
     if (prTimeStampHeader != nullptr && prTimeStampHeader->fgIsValid()) {

@@ -25,7 +25,7 @@ int WebVTTParser::ersltParseCue() {
     }
     const Block_Guard guard{*this};
     Cue cue;
-    if (cue.fgParse(m_block.pcText(), static_cast<unsigned>(m_block.uSize() + 1))) {
+    if (cue.fgParse(m_block.strText())) {
         ++u4ParsedCueCount;
         vAppendNewCue(&cue);
     } else {
@@ -38,19 +38,16 @@ int WebVTTParser::ersltParseCue() {
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.
 WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
     const bool carried = pcUnusedBuffer != nullptr;
-    const std::size_t carried_size = m_block.uSize();
+    const std::size_t carried_size = m_block.strText().size();
     const unsigned carried_line_feeds = m_block.uLineFeeds();
     pcUnusedBuffer = nullptr;  // it has become the front of the block
 
     unsigned lines = carried_line_feeds;
     bool content = carried;
     bool at_line_start = !carried || m_block.fgEndsWithLineFeed();
-    Line_Extent line;
+    ChunkLine line;
     while (fgFindLine(&line)) {
-        const std::string_view text = strCutAtZero(line.bytes);
-        const bool cut = text.size() < line.bytes.size();  // the line feed is cut off as well
-        const bool blank = text.size() + (cut ? 0 : 1) <= 1;
-        if (blank && at_line_start) {
+        if (line.is_blank() && at_line_start) {
             vConsumeLine(line);
             if (content) {
                 return Block_Result::kComplete;
@@ -58,10 +55,10 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
             continue;  // blank lines before a block
         }
         // A blank line behind carried text that ends inside a line completes that line.
-        if (!(cut ? m_block.fgAppendText(text) : m_block.fgAppendLine(text))) {
+        if (!m_block.fgAppendLine(line)) {
             print_error("Alloc %d B memory failed", static_cast<int>(line.bytes.size() + 1));
             m_block.vTruncate(carried_size, carried_line_feeds);
-            pcUnusedBuffer = carried ? m_block.pcText() : nullptr;
+            pcUnusedBuffer = carried ? m_block.pcOwned() : nullptr;
             return Block_Result::kFailed;
         }
         vConsumeLine(line);
@@ -72,13 +69,6 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
         }
     }
     return Block_Result::kIncomplete;
-}
-
-/// The bytes of a line before its first zero byte.
-std::string_view WebVTTParser::strCutAtZero(std::string_view bytes) {
-    const char* const zero = m_zeros.pcFind(bytes.data(), pcParsingBuffer + u4ParsingBufferLen);
-    const auto before_zero = static_cast<std::size_t>(zero - bytes.data());
-    return bytes.substr(0, before_zero);
 }
 
 }  // namespace webvtt

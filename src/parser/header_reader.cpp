@@ -29,7 +29,7 @@ int WebVTTParser::ersltParseMetadataHeader() {
         }
         pcUnusedBuffer = nullptr;  // it has become the header text
         const Block_Guard guard{*this};
-        if (m_block.uSize() == 1) {
+        if (m_block.strText().size() == 1) {
             return WEBVTT_RESULT_OK;
         }
         vReadHeaderLine(&map_made);
@@ -39,15 +39,15 @@ int WebVTTParser::ersltParseMetadataHeader() {
 }
 
 void WebVTTParser::vReadHeaderLine(bool* pfgMapMade) {
-    const std::string_view header(m_block.pcText(), m_block.uSize());
+    const std::string_view header = m_block.strText();
     if (starts_with(header, RegionMetaDataHeader::REGION_SETTING_HEADER->text)) {
-        prKeepHeader(std::make_unique<RegionMetaDataHeader>())->vParse(m_block.pcText());
+        prKeepHeader(std::make_unique<RegionMetaDataHeader>())->vParse(m_block.pcOwned());
     } else if (starts_with(header, TimeStampMetaDataHeader::TIMESTAMP_ID->text) && !*pfgMapMade) {
         // The first map of a call counts; one in a later call takes its place. It is the current
         // map from before it is parsed, and stays it when the parse throws.
         *pfgMapMade = true;
         prTimeStampHeader = prKeepHeader(std::make_unique<TimeStampMetaDataHeader>());
-        prTimeStampHeader->vParse(m_block.pcText());
+        prTimeStampHeader->vParse(m_block.pcOwned());
     }
 }
 

@@ -15,9 +15,7 @@ namespace webvtt {
 void WebVTTParser::vSetParsingBuffer(char* pcBuf, unsigned int u4Len) {
     pcParsingBuffer = pcBuf;
     u4ParsingBufferLen = u4Len;
-    m_line_feeds.vReset();
-    m_carriage_returns.vReset();
-    m_zeros.vReset();
+    m_lines.reset();
 }
 
 bool WebVTTParser::fgIsBufferAvailable() const {
@@ -25,35 +23,21 @@ bool WebVTTParser::fgIsBufferAvailable() const {
 }
 
 /// Looks for the next complete line without consuming it. Notes a CR that ends the chunk.
-bool WebVTTParser::fgFindLine(Line_Extent* prLine) {
-    if (!fgIsBufferAvailable()) {
+bool WebVTTParser::fgFindLine(ChunkLine* line) {
+    if (!fgIsBufferAvailable() ||
+        !m_lines.find(pcParsingBuffer, pcParsingBuffer + u4ParsingBufferLen, line)) {
         return false;
     }
-    const char* const begin = pcParsingBuffer;
-    const char* const end = begin + u4ParsingBufferLen;
-    const char* const line_feed = m_line_feeds.pcFind(begin, end);
-    const char* const carriage_return = m_carriage_returns.pcFind(begin, end);
-    const char* const line_end = line_feed < carriage_return ? line_feed : carriage_return;
-    if (line_end == end) {
-        return false;
+    if (line->ends_in_open_cr) {
+        fgPendingCR = true;
     }
-    std::size_t consumed = static_cast<std::size_t>(line_end - begin) + 1;
-    if (line_end == carriage_return) {
-        if (line_end + 1 == end) {
-            fgPendingCR = true;
-        } else if (line_end[1] == '\n') {
-            ++consumed;
-        }
-    }
-    prLine->bytes = {begin, static_cast<std::size_t>(line_end - begin)};
-    prLine->u4Consumed = consumed;
     return true;
 }
 
-void WebVTTParser::vConsumeLine(const Line_Extent& line) {
-    if (line.u4Consumed < u4ParsingBufferLen) {
-        pcParsingBuffer += line.u4Consumed;
-        u4ParsingBufferLen -= line.u4Consumed;
+void WebVTTParser::vConsumeLine(const ChunkLine& line) {
+    if (line.consumed < u4ParsingBufferLen) {
+        pcParsingBuffer += line.consumed;
+        u4ParsingBufferLen -= line.consumed;
     } else {
         print_error("Buffer Exhausted");
         vSetParsingBuffer(nullptr, 0);
@@ -65,7 +49,7 @@ bool WebVTTParser::fgCollectLine(char** ppcLine) {
     if (*ppcLine != nullptr) {
         throw InvalidArgumentException("Input pcLine Shall be empty", nullptr);
     }
-    Line_Extent line;
+    ChunkLine line;
     if (!fgFindLine(&line)) {
         return false;
     }
@@ -104,16 +88,15 @@ bool WebVTTParser::fgCarryTail() {
     }
     std::string_view tail;
     if (fgIsBufferAvailable()) {
-        const char* const end = pcParsingBuffer + u4ParsingBufferLen;
-        const char* const zero = m_zeros.pcFind(pcParsingBuffer, end);
-        tail = {pcParsingBuffer, static_cast<std::size_t>(zero - pcParsingBuffer)};
+        tail = m_lines.cut_at_zero({pcParsingBuffer, u4ParsingBufferLen},
+                                   pcParsingBuffer + u4ParsingBufferLen);
     }
     if (!m_block.fgAppendText(tail)) {
         m_block.vClear();
         throw BadAllocException("Create Unused Buffer failed", nullptr);
     }
     // Carried text may be empty (a tail that begins with a zero byte) and is carried all the same.
-    pcUnusedBuffer = m_block.pcText();
+    pcUnusedBuffer = m_block.pcOwned();
     return true;
 }
 

@@ -1,27 +1,32 @@
 #include "parser/result_records.h"
 
 #include <cstddef>
-#include <cstring>
 
 #include "quillcaption/quillcaption.h"
 
 namespace webvtt {
 namespace {
 
+char* copy_text(std::string_view text) {
+    char* const copy = new char[text.size() + 1];
+    copy[text.copy(copy, text.size())] = '\0';
+    return copy;
+}
+
 char* copy_text(const char* pcText) {
-    if (pcText == nullptr) {
-        return nullptr;
-    }
-    const std::size_t size = std::strlen(pcText) + 1;
-    return static_cast<char*>(std::memcpy(new char[size], pcText, size));
+    return pcText != nullptr ? copy_text(std::string_view(pcText)) : nullptr;
 }
 
 }  // namespace
 
-// Both constructors delegate, so that the destructor frees the first text if the second one fails.
+// The constructors delegate, so that the destructor frees the first text if the second one fails.
 WebvttCue::WebvttCue(const char* pcAux, const char* pcCueText) : WebvttCue() {
     pcAuxText = copy_text(pcAux);
     pcText = copy_text(pcCueText);
+}
+
+WebvttCue::WebvttCue(std::string_view cueText) : WebvttCue() {
+    pcText = copy_text(cueText);
 }
 
 WebvttCue::WebvttCue(const WebvttCue& other) : WebvttCue() {

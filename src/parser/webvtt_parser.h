@@ -10,7 +10,7 @@
 #include "header/metadata_header.h"
 #include "header/timestamp_header.h"
 #include "parser/block_buffer.h"
-#include "parser/byte_finder.h"
+#include "parser/line_finder.h"
 #include "parser/result_records.h"
 #include "quillcaption/quillcaption.h"
 
@@ -96,12 +96,6 @@ class WebVTTParser {
         PARSE_REJECTED = 4
     };
 
-    /// A complete line where it lies in the chunk.
-    struct Line_Extent {
-        std::string_view bytes;   // without the line end
-        unsigned int u4Consumed;  // with the line end
-    };
-
     enum class Block_Result { kComplete, kIncomplete, kFailed };
 
     /// Empties the block when its reader is done with it, also when an exception leaves the module.
@@ -131,16 +125,13 @@ class WebVTTParser {
     template <typename Header>
     Header* prKeepHeader(std::unique_ptr<Header> header);
     Block_Result eReadBlock();
-    std::string_view strCutAtZero(std::string_view bytes);
-    bool fgFindLine(Line_Extent* prLine);
-    void vConsumeLine(const Line_Extent& line);
+    bool fgFindLine(ChunkLine* line);
+    void vConsumeLine(const ChunkLine& line);
     bool fgCarryTail();
     void vFreeQueue();
 
     BlockBuffer m_block;  // carried text, then the block or header line it grows into
-    ByteFinder m_line_feeds{'\n'};
-    ByteFinder m_carriage_returns{'\r'};
-    ByteFinder m_zeros{'\0'};
+    LineFinder m_lines;
 };
 
 }  // namespace webvtt

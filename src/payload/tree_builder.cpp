@@ -136,7 +136,7 @@ bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
         }
     }
     TreeBuilder builder(*this, pRootNode);
-    // The terminating zero ends the payload even if the length says otherwise.
+    // A zero byte ends the payload even if the length says otherwise.
     const char* const end = pcPayload + strnlen(pcPayload, uLength);
     while (pcPayload < end) {
         Tokenizer_Data token(pcPayload, static_cast<int>(end - pcPayload));
