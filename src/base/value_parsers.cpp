@@ -14,16 +14,40 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Reads digits into a 32-bit value that wraps; false at the first other character, with out 0.
+/// Reads digits into a 32-bit value that wraps, and moves c behind them.
+template <typename Unsigned>
+Unsigned read_digits(const char*& c, const char* end) {
+    Unsigned value = 0;
+    for (; c != end && is_digit(*c); ++c) {
+        value = value * 10 + static_cast<Unsigned>(*c - '0');
+    }
+    return value;
+}
+
+/// Reads digits, a point and digits, each of which may be missing, and moves c behind them.
+double read_decimal(const char*& c, const char* end) {
+    const auto integer = static_cast<std::int32_t>(read_digits<std::uint32_t>(c, end));
+    double fraction = 0.0;
+    if (c != end && *c == '.') {
+        // The divisor wraps, is read as signed, and ends at zero. Tracks with that many digits
+        // are timed by hosts as they come out of this, so it stays.
+        std::uint32_t divisor = 1;
+        for (++c; c != end && is_digit(*c); ++c) {
+            divisor *= 10;
+            fraction += static_cast<double>(*c - '0') / static_cast<std::int32_t>(divisor);
+        }
+    }
+    return fraction + integer;
+}
+
 template <typename Unsigned>
 bool parse_digits(std::string_view text, Unsigned& out) {
-    out = 0;
-    for (const char c : text) {
-        if (!is_digit(c)) {
-            out = 0;
-            return false;
-        }
-        out = out * 10 + static_cast<Unsigned>(c - '0');
+    const char* c = text.data();
+    const char* const end = c + text.size();
+    out = read_digits<Unsigned>(c, end);
+    if (c != end) {
+        out = 0;
+        return false;
     }
     return !text.empty();
 }
@@ -36,27 +60,13 @@ bool parse_double(std::string_view text, double& out) {
     }
     const char* c = text.data();
     const char* const end = c + text.size();
-    std::uint32_t integer = 0;
-    for (; c != end && is_digit(*c); ++c) {
-        integer = integer * 10 + static_cast<std::uint32_t>(*c - '0');
-    }
-    double fraction = 0.0;
-    if (c != end && *c == '.') {
-        // The divisor wraps, is read as signed, and ends at zero. Tracks with that many digits
-        // are timed by hosts as they come out of this, so it stays.
-        std::uint32_t divisor = 1;
-        for (++c; c != end && is_digit(*c); ++c) {
-            divisor *= 10;
-            fraction += static_cast<double>(*c - '0') / static_cast<std::int32_t>(divisor);
-        }
-    }
+    out = read_decimal(c, end);
     if (c != end) {
         out = 0.0;
         print_trace("input is ", text);
         print_trace("Not a valid data string");
         return false;
     }
-    out = fraction + static_cast<std::int32_t>(integer);
     return true;
 }
 
@@ -104,17 +114,26 @@ bool parse_timestamp(std::string_view text, double& out) {
         return false;
     }
 
-    const Split head = split_first(text.substr(0, text.size() - seconds_size - 1), ':');
+    const char* c = text.data();
+    const char* const end = c + text.size() - seconds_size - 1;
     unsigned int hours = 0;
-    unsigned int minutes = 0;
-    if (!parse_uint(head.head, minutes)) {
+    auto minutes = read_digits<unsigned int>(c, end);
+    if (c == text.data()) {
         return false;
     }
-    // Nothing behind the colon is as good as no colon: "12::34.567" is twelve minutes.
-    if (!head.tail.empty()) {
-        hours = minutes;
-        if (head.tail.size() != 2 || !parse_uint(head.tail, minutes)) {
+    if (c != end) {
+        if (*c != ':') {
             return false;
+        }
+        ++c;
+        // Nothing behind the colon is as good as no colon: "12::34.567" is twelve minutes.
+        if (c != end) {
+            const bool two_characters = end - c == 2;
+            hours = minutes;
+            minutes = read_digits<unsigned int>(c, end);
+            if (!two_characters || c != end) {
+                return false;
+            }
         }
     }
     if (minutes > 59) {

@@ -25,10 +25,25 @@ bool Cue::fgParse(const char* pcLine, unsigned size) {
     if (size == 0 || pcLine == nullptr) {
         throw InvalidArgumentException("Input pcLine is empty", nullptr);
     }
-    return fgParse(std::string_view(pcLine));
+    std::string_view payload;
+    if (!fgParseHead(pcLine, &payload)) {
+        return false;
+    }
+    fgParseCuePayload(payload.data(), static_cast<unsigned>(payload.size()));
+    return true;
 }
 
-bool Cue::fgParse(std::string_view block) {
+bool Cue::fgParseForText(std::string_view block) {
+    std::string_view payload;
+    if (!fgParseHead(block, &payload)) {
+        return false;
+    }
+    vReadPayloadText(payload);
+    return true;
+}
+
+/// Parses all but the payload, which it finds.
+bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
     Split line = split_line(block);
     if (line.head.empty() || !line.found) {
         print_error("Invalid Input String of 1st Line, return FALSE");
@@ -48,7 +63,7 @@ bool Cue::fgParse(std::string_view block) {
         print_error("Parse Cue Time and Settings Failed");
         return false;
     }
-    fgParseCuePayload(line.tail.data(), static_cast<unsigned>(line.tail.size()));
+    *pstrPayload = line.tail;
     return true;
 }
 

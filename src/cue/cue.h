@@ -38,8 +38,14 @@ class Cue {
     /// After an exception the cue must only be destroyed.
     bool fgParse(const char* pcLine, unsigned size);
 
-    /// The same for a block that need not be zero-terminated.
-    bool fgParse(std::string_view block);
+    /// The same for a host, which gets no more of the payload than its text: no tree is built and
+    /// no class name kept, so tags cost no memory however many there are and however deep they
+    /// nest. The text is strPlainText(); results and errors are those of fgParse.
+    /// @param block need not be zero-terminated; must outlive the cue
+    bool fgParseForText(std::string_view block);
+
+    /// After fgParseForText: the text that strGetCueContent gives after fgParse.
+    std::string_view strPlainText() const { return m_plain_text; }
 
     /// Parses a timing line; the line is consumed. Results and errors as in fgParse.
     bool fgParseCueTimeAndSettings(WebvttString& line);
@@ -150,7 +156,9 @@ class Cue {
     bool fgPositionAlignSet = false;  ///< and it named its alignment
 
   private:
+    bool fgParseHead(std::string_view block, std::string_view* pstrPayload);
     bool fgParseTimes(const Split& times);
+    void vReadPayloadText(std::string_view payload);
     void vParseSettings(std::string_view settings);
     void vDeriveSettings();
 
@@ -163,6 +171,10 @@ class Cue {
 
     struct Setting;
     static const Setting kSettings[6];
+
+    std::string_view m_plain_text;  // in the block, or in m_joined_text
+    std::string m_joined_text;      // of a payload with markup
+    bool m_for_text = false;        // class names are not kept
 };
 
 }  // namespace webvtt

@@ -12,21 +12,26 @@ class ByteFinder {
   public:
     explicit ByteFinder(char wanted) : m_wanted(wanted) {}
 
-    /// Forgets the last chunk.
-    void reset() { m_found = nullptr; }
+    /// Starts on a new chunk, which may be empty.
+    void start(const char* begin, const char* end) {
+        m_found = begin == end ? end : search(begin, end);
+    }
 
-    /// The first occurrence in [from, end), or end. Between resets, end stays the same and from
+    /// The first occurrence in [from, end), or end. From start on, end stays the same and from
     /// never goes back.
     const char* find(const char* from, const char* end) {
-        if (m_found == nullptr || m_found < from) {
-            const void* const found =
-                std::memchr(from, m_wanted, static_cast<std::size_t>(end - from));
-            m_found = found != nullptr ? static_cast<const char*>(found) : end;
+        if (m_found < from) {
+            m_found = search(from, end);
         }
         return m_found;
     }
 
   private:
+    const char* search(const char* from, const char* end) const {
+        const void* const found = std::memchr(from, m_wanted, static_cast<std::size_t>(end - from));
+        return found != nullptr ? static_cast<const char*>(found) : end;
+    }
+
     char m_wanted;
     const char* m_found = nullptr;
 };

@@ -21,18 +21,26 @@ std::uint8_t to_byte(double percent) {
     return static_cast<std::uint8_t>(saturating_cast<std::uint32_t>(percent) & 0xFFu);
 }
 
-WebvttCueNode* make_record(std::string_view text) {
-    try {
-        return new WebvttCueNode(text);
-    } catch (const std::bad_alloc&) {
+/// A record with its text right behind it. It is never destroyed: its memory is the arena's.
+WebvttCueNode* make_record(RecordArena& arena, std::string_view text) {
+    void* const memory = arena.pvTake(sizeof(WebvttCueNode) + text.size() + 1);
+    if (memory == nullptr) {
         throw BadAllocException("Create WebvttCue Node failed", nullptr);
     }
+    WebvttCueNode* const record = new (memory) WebvttCueNode;
+    record->pcText = reinterpret_cast<char*>(record + 1);
+    record->pcText[text.copy(record->pcText, text.size())] = '\0';
+    return record;
 }
 
 }  // namespace
 
 void WebVTTParser::vAppendNewCue(const Cue* prCue) {
-    WebvttCueNode* const record = make_record(prCue->strGetCueContent().text);
+    // A cue that was parsed for its text has no tree, and none is walked.
+    const bool has_tree = prCue->pRootNode != nullptr;
+    const WebvttString content = has_tree ? prCue->strGetCueContent() : WebvttString();
+    WebvttCueNode* const record =
+        make_record(m_records, has_tree ? std::string_view(content.text) : prCue->strPlainText());
 
     double offset = 0.0;
     if (prTimeStampHeader != nullptr && prTimeStampHeader->fgIsValid()) {
@@ -63,10 +71,8 @@ void WebVTTParser::vGetParseResult() {
 }
 
 void WebVTTParser::vFreeQueue() {
-    while (WebvttCueNode* const first = tResultHead.prNext) {
-        tResultHead.prNext = first->prNext;
-        delete first;
-    }
+    m_records.vFreeAll();
+    tResultHead.prNext = nullptr;
     prResultTail = &tResultHead;
 }
 

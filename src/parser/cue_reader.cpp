@@ -25,7 +25,7 @@ int WebVTTParser::ersltParseCue() {
     }
     const Block_Guard guard{*this};
     Cue cue;
-    if (cue.fgParse(m_block.strText())) {
+    if (cue.fgParseForText(m_block.strText())) {
         ++u4ParsedCueCount;
         vAppendNewCue(&cue);
     } else {

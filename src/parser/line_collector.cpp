@@ -15,34 +15,12 @@ namespace webvtt {
 void WebVTTParser::vSetParsingBuffer(char* pcBuf, unsigned int u4Len) {
     pcParsingBuffer = pcBuf;
     u4ParsingBufferLen = u4Len;
-    m_lines.reset();
+    m_lines.start(pcBuf, pcBuf + (pcBuf != nullptr ? u4Len : 0));
 }
 
-bool WebVTTParser::fgIsBufferAvailable() const {
-    return pcParsingBuffer != nullptr && u4ParsingBufferLen != 0;
-}
-
-/// Looks for the next complete line without consuming it. Notes a CR that ends the chunk.
-bool WebVTTParser::fgFindLine(ChunkLine* line) {
-    if (!fgIsBufferAvailable() ||
-        !m_lines.find(pcParsingBuffer, pcParsingBuffer + u4ParsingBufferLen, line)) {
-        return false;
-    }
-    if (line->ends_in_open_cr) {
-        fgPendingCR = true;
-    }
-    return true;
-}
-
-void WebVTTParser::vConsumeLine(const ChunkLine& line) {
-    if (line.consumed < u4ParsingBufferLen) {
-        pcParsingBuffer += line.consumed;
-        u4ParsingBufferLen -= line.consumed;
-    } else {
-        print_error("Buffer Exhausted");
-        vSetParsingBuffer(nullptr, 0);
-    }
-    ++u4LineCount;
+void WebVTTParser::vExhaustBuffer() {
+    print_error("Buffer Exhausted");
+    vSetParsingBuffer(nullptr, 0);
 }
 
 bool WebVTTParser::fgCollectLine(char** ppcLine) {
@@ -88,8 +66,7 @@ bool WebVTTParser::fgCarryTail() {
     }
     std::string_view tail;
     if (fgIsBufferAvailable()) {
-        tail = m_lines.cut_at_zero({pcParsingBuffer, u4ParsingBufferLen},
-                                   pcParsingBuffer + u4ParsingBufferLen);
+        tail = m_lines.tail(pcParsingBuffer);
     }
     if (!m_block.fgAppendText(tail)) {
         m_block.vClear();

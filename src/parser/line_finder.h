@@ -25,40 +25,42 @@ struct ChunkLine {
 /// Looks at no byte of a chunk twice, whatever mixture of line ends the chunk holds.
 class LineFinder {
   public:
-    /// Forgets the last chunk.
-    void reset() {
-        m_line_feeds.reset();
-        m_carriage_returns.reset();
-        m_zeros.reset();
+    /// Starts on a new chunk, which may be empty.
+    void start(const char* begin, const char* end) {
+        m_end = end;
+        m_line_feeds.start(begin, end);
+        m_carriage_returns.start(begin, end);
+        m_zeros.start(begin, end);
     }
 
-    /// Finds the line that begins at begin; false when it has no end in the chunk. Between resets
-    /// end stays the same and begin never goes back.
-    bool find(const char* begin, const char* end, ChunkLine* line) {
-        const char* const line_feed = m_line_feeds.find(begin, end);
-        const char* const carriage_return = m_carriage_returns.find(begin, end);
+    /// Finds the line that begins at begin; false when it has no end in the chunk. From start on
+    /// begin never goes back.
+    bool find(const char* begin, ChunkLine* line) {
+        const char* const line_feed = m_line_feeds.find(begin, m_end);
+        const char* const carriage_return = m_carriage_returns.find(begin, m_end);
         const bool is_line_feed = line_feed < carriage_return;
         const char* const line_end = is_line_feed ? line_feed : carriage_return;
-        if (line_end == end) {
+        if (line_end == m_end) {
             return false;
         }
-        const bool is_pair = line_feed == line_end + 1 && line_feed != end;
+        const char* const zero = m_zeros.find(begin, m_end);
+        line->is_cut = zero < line_end;
         line->bytes = {begin, static_cast<std::size_t>(line_end - begin)};
-        line->text = cut_at_zero(line->bytes, end);
+        line->text = {begin, static_cast<std::size_t>((line->is_cut ? zero : line_end) - begin)};
+        const bool is_pair = line_feed == line_end + 1 && line_feed != m_end;
         line->consumed = line->bytes.size() + (is_pair ? 2 : 1);
-        line->is_cut = line->text.size() < line->bytes.size();
         line->ends_in_line_feed = is_line_feed;
-        line->ends_in_open_cr = !is_line_feed && line_end + 1 == end;
+        line->ends_in_open_cr = !is_line_feed && line_end + 1 == m_end;
         return true;
     }
 
-    /// The bytes before the first zero.
-    std::string_view cut_at_zero(std::string_view bytes, const char* end) {
-        const char* const zero = m_zeros.find(bytes.data(), end);
-        return bytes.substr(0, static_cast<std::size_t>(zero - bytes.data()));
+    /// What follows from begin on, up to the first zero.
+    std::string_view tail(const char* begin) {
+        return {begin, static_cast<std::size_t>(m_zeros.find(begin, m_end) - begin)};
     }
 
   private:
+    const char* m_end = nullptr;
     ByteFinder m_line_feeds{'\n'};
     ByteFinder m_carriage_returns{'\r'};
     ByteFinder m_zeros{'\0'};

@@ -11,6 +11,7 @@
 #include "header/timestamp_header.h"
 #include "parser/block_buffer.h"
 #include "parser/line_finder.h"
+#include "parser/record_arena.h"
 #include "parser/result_records.h"
 #include "quillcaption/quillcaption.h"
 
@@ -57,7 +58,9 @@ class WebVTTParser {
 
     /// Installs a chunk; it is not copied.
     void vSetParsingBuffer(char* pcBuf, unsigned int u4Len);
-    bool fgIsBufferAvailable() const;
+    bool fgIsBufferAvailable() const {
+        return pcParsingBuffer != nullptr && u4ParsingBufferLen != 0;
+    }
 
     /// Hands out the next complete line: its bytes, one line feed whatever ended it, and a zero.
     /// The caller frees it with vDestoryLine. False when the chunk holds no complete line.
@@ -127,11 +130,36 @@ class WebVTTParser {
     Block_Result eReadBlock();
     bool fgFindLine(ChunkLine* line);
     void vConsumeLine(const ChunkLine& line);
+    void vExhaustBuffer();
     bool fgCarryTail();
     void vFreeQueue();
 
     BlockBuffer m_block;  // carried text, then the block or header line it grows into
     LineFinder m_lines;
+    RecordArena m_records;  // the queued ones
 };
+
+// Inline, as every line of a track comes through these two.
+
+/// Looks for the next complete line without consuming it. Notes a CR that ends the chunk.
+inline bool WebVTTParser::fgFindLine(ChunkLine* line) {
+    if (!fgIsBufferAvailable() || !m_lines.find(pcParsingBuffer, line)) {
+        return false;
+    }
+    if (line->ends_in_open_cr) {
+        fgPendingCR = true;
+    }
+    return true;
+}
+
+inline void WebVTTParser::vConsumeLine(const ChunkLine& line) {
+    if (line.consumed < u4ParsingBufferLen) {
+        pcParsingBuffer += line.consumed;
+        u4ParsingBufferLen -= line.consumed;
+    } else {
+        vExhaustBuffer();
+    }
+    ++u4LineCount;
+}
 
 }  // namespace webvtt

@@ -1,8 +1,45 @@
-// The plain text that a host receives, drawn from the tree of a payload.
-#include "cue/cue.h"
+// The plain text that a host receives.
+#include "base/errors.h"
 #include "payload/node_walk.h"
+#include "payload/payload_reader.h"
 
 namespace webvtt {
+namespace {
+
+/// Joins the runs of text. Tags need not even be paired for that.
+class TextCollector final : public PayloadSink {
+  public:
+    explicit TextCollector(std::string& joined) : m_joined(joined) {}
+
+    void vText(std::string& text) override { m_joined += text; }
+    void vOpenTag(Node_Type /*eType*/) override {}
+    void vCloseTag(Node_Type /*eType*/) override {}
+    void vTimestamp() override {}
+
+  private:
+    std::string& m_joined;
+};
+
+bool has_markup(std::string_view payload) {
+    return payload.find('<') != std::string_view::npos ||
+           payload.find('&') != std::string_view::npos;
+}
+
+}  // namespace
+
+void Cue::vReadPayloadText(std::string_view payload) {
+    if (payload.empty()) {
+        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+    }
+    if (!has_markup(payload)) {
+        m_plain_text = payload;  // where it lies: nothing is copied but into the record
+        return;
+    }
+    m_for_text = true;
+    TextCollector collector(m_joined_text);
+    read_payload(*this, payload, collector);
+    m_plain_text = m_joined_text;
+}
 
 void Cue::vTravelNodeTreeWithAction(WebvttNode* pNode, Travel_Action_Type eAction,
                                     void* pvData) const {

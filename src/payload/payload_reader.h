@@ -1,0 +1,30 @@
+// Reads a payload token by token, for whoever wants to know what it holds.
+#pragma once
+
+#include <string_view>
+
+#include "cue/cue.h"
+
+namespace webvtt {
+
+/// What a payload is read into. The reader knows which tags there are and reports those that it
+/// does not know; a sink sees only what counts.
+class PayloadSink {
+  public:
+    /// A run of text, character references replaced. The sink may take it away.
+    virtual void vText(std::string& text) = 0;
+    virtual void vOpenTag(Node_Type eType) = 0;
+    /// Closes the innermost open tag if it is of this type; otherwise nothing is closed.
+    virtual void vCloseTag(Node_Type eType) = 0;
+    /// A timestamp tag with a valid time.
+    virtual void vTimestamp() = 0;
+
+  protected:
+    ~PayloadSink() = default;
+};
+
+/// @param cue its tokenizer is used, which records class names there
+/// @throws BadAllocException a start tag is not known; the rest of the payload is not read
+void read_payload(Cue& cue, std::string_view payload, PayloadSink& sink);
+
+}  // namespace webvtt
