@@ -28,6 +28,15 @@ Node_Type find_tag(std::string_view name) {
     return NODE_ROOT;
 }
 
+/// Where the ordinary text at the front ends.
+std::size_t find_run_end(std::string_view payload) {
+    std::size_t end = 0;
+    while (end < payload.size() && payload[end] != '<' && payload[end] != '&') {
+        ++end;
+    }
+    return end;
+}
+
 void read_start_tag(const std::string& name, PayloadSink& sink) {
     const Node_Type eType = find_tag(name);
     if (eType == NODE_ROOT) {
@@ -61,6 +70,13 @@ void read_timestamp(const std::string& text, PayloadSink& sink) {
 
 void read_payload(Cue& cue, std::string_view payload, PayloadSink& sink) {
     while (!payload.empty()) {
+        // Text that ends at a tag, or at the end, is a token as it lies there.
+        const std::size_t run = find_run_end(payload);
+        if (run == payload.size() || (run != 0 && payload[run] == '<')) {
+            sink.vText(payload.substr(0, run));
+            payload.remove_prefix(run);
+            continue;
+        }
         Cue::Tokenizer_Data token(payload.data(), static_cast<int>(payload.size()));
         switch (cue.eTokenizer(token)) {
             case Cue::TOKEN_STRING:

@@ -11,7 +11,7 @@ class TextCollector final : public PayloadSink {
   public:
     explicit TextCollector(std::string& joined) : m_joined(joined) {}
 
-    void vText(std::string& text) override { m_joined += text; }
+    void vText(std::string_view text) override { m_joined += text; }
     void vOpenTag(Node_Type /*eType*/) override {}
     void vCloseTag(Node_Type /*eType*/) override {}
     void vTimestamp() override {}
@@ -36,6 +36,7 @@ void Cue::vReadPayloadText(std::string_view payload) {
         return;
     }
     m_for_text = true;
+    m_joined_text.reserve(payload.size());
     TextCollector collector(m_joined_text);
     read_payload(*this, payload, collector);
     m_plain_text = m_joined_text;

@@ -36,10 +36,8 @@ class TreeBuilder final : public PayloadSink {
   public:
     TreeBuilder(Cue& cue, WebvttNode* root) : m_cue(cue), m_current(root) {}
 
-    void vText(std::string& text) override {
-        WebvttString taken;
-        taken.text.swap(text);
-        prAppend(new (std::nothrow) WebvttTextNode(std::move(taken)));
+    void vText(std::string_view text) override {
+        prAppend(new (std::nothrow) WebvttTextNode(WebvttString(text)));
     }
 
     void vOpenTag(Node_Type eType) override {
