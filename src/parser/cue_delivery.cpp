@@ -13,7 +13,8 @@ constexpr std::uint32_t kTicksPerSecond = 90000;
 
 /// Whole seconds only: hosts have always been given times shifted by whole seconds.
 double whole_seconds(unsigned long ticks) {
-    return static_cast<double>(ticks / kTicksPerSecond);
+    const unsigned long seconds = ticks / kTicksPerSecond;
+    return static_cast<double>(seconds);
 }
 
 /// The low 8 bits: a size of 300% arrives as 44.
@@ -27,7 +28,7 @@ WebvttCueNode* make_record(RecordArena& arena, std::string_view text) {
     if (memory == nullptr) {
         throw BadAllocException("Create WebvttCue Node failed", nullptr);
     }
-    WebvttCueNode* const record = new (memory) WebvttCueNode;
+    auto* const record = new (memory) WebvttCueNode;
     record->pcText = reinterpret_cast<char*>(record + 1);
     record->pcText[text.copy(record->pcText, text.size())] = '\0';
     return record;

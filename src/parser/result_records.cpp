@@ -56,8 +56,7 @@ WebvttCueNode& WebvttCueNode::operator=(const WebvttCueNode& /*other*/) {
     return *this;
 }
 
-WebvttDataInfo::WebvttDataInfo(WebvttCueNode* prFirst)
-    : prCueList(prFirst), u4CueCount(0), u4Reserved(0) {
+WebvttDataInfo::WebvttDataInfo(WebvttCueNode* prFirst) : prCueList(prFirst) {
     for (const WebvttCueNode* node = prFirst; node != nullptr; node = node->prNext) {
         ++u4CueCount;
     }

@@ -59,8 +59,8 @@ struct WebvttDataInfo {
     explicit WebvttDataInfo(WebvttCueNode* prFirst);
 
     WebvttCueNode* prCueList;
-    std::uint32_t u4CueCount;
-    std::uint32_t u4Reserved;
+    std::uint32_t u4CueCount = 0;
+    std::uint32_t u4Reserved = 0;
 };
 
 }  // namespace webvtt

@@ -45,23 +45,37 @@ int find_run_end(const Cue::Tokenizer_Data& data) {
     return end;
 }
 
-using StateHandler = void (Cue::*)(Cue::Tokenizer_Data&);
-
-constexpr StateHandler kHandlers[] = {
-    &Cue::vProcessDataState,          &Cue::vProcessEscapeState,
-    &Cue::vProcessTagState,           &Cue::vProcessStartTagState,
-    &Cue::vProcessStartTagClassState, &Cue::vProcessStartTagAnnotationState,
-    &Cue::vProcessEndTagState,        &Cue::vProcessTimeStampState,
-};
-
 }  // namespace
 
 Cue::Token_Type Cue::eTokenizer(Tokenizer_Data& data) {
     while (!data.fgTokenReady) {
-        if (data.eState > STATE_TIMESTAMP) {
-            data.fgTokenReady = true;
-        } else {
-            (this->*kHandlers[data.eState])(data);
+        switch (data.eState) {
+            case STATE_DATA:
+                vProcessDataState(data);
+                break;
+            case STATE_ESCAPE:
+                vProcessEscapeState(data);
+                break;
+            case STATE_TAG:
+                vProcessTagState(data);
+                break;
+            case STATE_START_TAG:
+                vProcessStartTagState(data);
+                break;
+            case STATE_START_TAG_CLASS:
+                vProcessStartTagClassState(data);
+                break;
+            case STATE_START_TAG_ANNOTATION:
+                vProcessStartTagAnnotationState(data);
+                break;
+            case STATE_END_TAG:
+                vProcessEndTagState(data);
+                break;
+            case STATE_TIMESTAMP:
+                vProcessTimeStampState(data);
+                break;
+            default:
+                data.fgTokenReady = true;
         }
     }
     return data.eTokenType;
