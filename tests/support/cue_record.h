@@ -1,0 +1,72 @@
+// Delivered records, read by numeric offset.
+//
+// A second witness beside the headers: a mistake in a struct that the module and its host share
+// would go unseen if tests read through that struct as well.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace support {
+
+/// A value at a byte offset of a record.
+template <typename Value>
+Value value_at(const void* record, std::size_t offset) {
+    Value value;
+    std::memcpy(&value, static_cast<const char*>(record) + offset, sizeof(value));
+    return value;
+}
+
+/// A copy of one cue record, all 48 bytes of it accounted for but the padding.
+struct CueRecord {
+    explicit CueRecord(const void* record)
+        : has_aux_text(value_at<const char*>(record, 0) != nullptr),
+          start(value_at<double>(record, 8)),
+          end(value_at<double>(record, 16)),
+          line(value_at<std::int32_t>(record, 28)),
+          reserved(value_at<std::uint8_t>(record, 32)),
+          snap_to_lines(value_at<std::uint8_t>(record, 33)),
+          position(value_at<std::uint8_t>(record, 34)),
+          size(value_at<std::uint8_t>(record, 35)),
+          text_align(value_at<std::int32_t>(record, 36)),
+          vertical(value_at<std::int32_t>(record, 40)) {
+        const char* const bytes = value_at<const char*>(record, 24);
+        has_text = bytes != nullptr;
+        text = has_text ? bytes : "";
+    }
+
+    static const void* next_of(const void* record) { return value_at<const void*>(record, 44); }
+
+    bool has_aux_text;
+    double start;
+    double end;
+    bool has_text;
+    std::string text;
+    int line;
+    unsigned reserved;
+    unsigned snap_to_lines;
+    unsigned position;
+    unsigned size;
+    int text_align;
+    int vertical;
+};
+
+/// What one delivery handed over.
+struct Delivery {
+    /// Reads the info block that the callback gets and the list behind it.
+    explicit Delivery(const void* info)
+        : count(value_at<std::uint32_t>(info, 4)), reserved(value_at<std::uint32_t>(info, 8)) {
+        for (const void* record = value_at<const void*>(info, 0); record != nullptr;
+             record = CueRecord::next_of(record)) {
+            cues.emplace_back(record);
+        }
+    }
+
+    std::vector<CueRecord> cues;
+    std::uint32_t count;
+    std::uint32_t reserved;
+};
+
+}  // namespace support

@@ -1,0 +1,71 @@
+// All memory that a parser takes comes back, also when any one allocation fails.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "parser/webvtt_parser.h"
+#include "support/exact_block.h"
+#include "support/failing_new.h"
+#include "support/stdout_capture.h"
+
+namespace webvtt {
+namespace {
+
+// Headers, carried text in every state, all markup, errors, and records that are not delivered.
+const char* const kChunks[] = {
+    "WEBVTT with a title that is longer than a string's own buffer\n",
+    "Region: id=a lines=3 width=40% regionanchor=1%,2%\nX-TIMESTAMP-MAP=MPEGTS:90",
+    "0000,LOCAL:00:00:00.000\nRegion: lines=x\n\nan identifier that is long enough\n00:01",
+    ".000 --> 00:02.000 align:end line:50%,end region:longer-than-sixteen-bytes\n<v.loud Bob>a",
+    " longer payload &amp; more</v> <lang en><b><i>x</i></b></lang>\n<ruby>y<rt>z</rt></ruby>\n\n",
+    "00:02.000 --> 00:03.000 size:x%\na<00:02.500>b</unknown-end-tag>\n\nbad --> 00:04.000\nx\n\n",
+    "00:05.000 --> 00:06.000\n<c.one.two.three.of.many.classes>text that needs the heap</c>\n\n",
+    "00:07.000 --> bad\nx\n\n00:08.000 --> 00:09.000\n<unknown-start-tag>x\n\n",
+    "00:10.000 --> 00:11.000\nundelivered\n\n00:12.000 --> 00:13.000\nunfinished",
+};
+constexpr std::size_t kDelivered = 6;  // asks for the result behind this many chunks
+
+/// Plays the track with the allocation behind the spared ones failing. Gives whether one failed.
+bool play(unsigned spared) {
+    bool reported = false;
+    support::StdoutCapture capture;
+    auto parser = std::make_unique<WebVTTParser>();
+    parser->vSetWebvttEventNty(nullptr, [](WEBVTT_EVENT_T, void*, void*) {});
+    std::vector<std::unique_ptr<support::ExactBlock>> blocks;
+    for (const char* chunk : kChunks) {
+        blocks.push_back(std::make_unique<support::ExactBlock>(chunk));
+    }
+    const support::FailingNew failing(1, spared, 1);
+    for (std::size_t index = 0; index < blocks.size(); ++index) {
+        const unsigned failures = failing.failures();
+        bool lost = false;
+        try {
+            lost = parser->rsltParse(blocks[index]->data(), blocks[index]->size()) == 2;
+        } catch (const std::bad_alloc&) {
+            lost = true;
+        }
+        reported = reported || (lost && failing.failures() != failures);
+        if (index == kDelivered) {
+            parser->vGetParseResult();
+        }
+    }
+    EXPECT_EQ(reported, failing.failures() != 0) << spared;  // never silent
+    return failing.failures() != 0;
+}
+
+TEST(MemoryBalance, HoldsWhicheverAllocationFails) {
+    const long before = support::live_blocks();
+    unsigned spared = 0;
+    while (play(spared)) {
+        ASSERT_EQ(support::live_blocks(), before) << spared;
+        ++spared;
+    }
+    EXPECT_EQ(support::live_blocks(), before);
+    EXPECT_GT(spared, 20u);  // the track is rich enough to mean something
+}
+
+}  // namespace
+}  // namespace webvtt

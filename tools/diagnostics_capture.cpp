@@ -1,0 +1,89 @@
+#include "tools/diagnostics_capture.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "tools/escape.h"
+#include "tools/failure.h"
+
+namespace quill {
+namespace {
+
+// A file without a name, not one of the three standard descriptors.
+Descriptor UnnamedFile() {
+    const Descriptor in_memory(memfd_create("quill diagnostics", MFD_CLOEXEC));
+    if (in_memory.valid()) {
+        return DuplicatePrivately(in_memory.get());
+    }
+    char name[] = "/tmp/quill.XXXXXX";
+    const Descriptor on_disk(mkstemp(name));  // a kernel older than memfd_create
+    if (on_disk.valid()) {
+        unlink(name);
+    }
+    return DuplicatePrivately(on_disk.get());
+}
+
+void ShowOnStandardError(int file, off_t size) {
+    std::array<char, 16384> buffer;
+    std::string line;  // what is read of the last line
+    for (off_t position = 0; position < size;) {
+        const ssize_t count = pread(file, buffer.data(), buffer.size(), position);
+        if (count <= 0) {
+            break;
+        }
+        position += count;
+        std::string_view read(buffer.data(), static_cast<std::size_t>(count));
+        // Whole lines at a time, so that no UTF-8 character is taken apart by the buffer's end.
+        const std::size_t whole = position < size ? read.rfind('\n') + 1 : read.size();
+        if (whole > 0) {
+            line += read.substr(0, whole);
+            WriteFully(STDERR_FILENO, Escape(line, LineFeeds::kKeep));
+            line.clear();
+            read.remove_prefix(whole);
+        }
+        line += read;
+    }
+}
+
+}  // namespace
+
+DiagnosticsCapture::DiagnosticsCapture(Mode mode)
+    : mode_(mode), original_(DuplicatePrivately(STDOUT_FILENO)), file_(UnnamedFile()) {
+    if (!original_.valid() || !file_.valid() || dup2(file_.get(), STDOUT_FILENO) < 0) {
+        throw Failure(kExitUsage, "no file for the module's diagnostics: " + ErrorText(errno));
+    }
+}
+
+DiagnosticsCapture::~DiagnosticsCapture() {
+    Drain();
+    dup2(original_.get(), STDOUT_FILENO);
+}
+
+void DiagnosticsCapture::Drain() noexcept {
+    std::fflush(stdout);
+    const off_t size = lseek(file_.get(), 0, SEEK_CUR);
+    if (size <= 0) {
+        return;
+    }
+    if (mode_ == Mode::kShow) {
+        try {
+            ShowOnStandardError(file_.get(), size);
+        } catch (const std::exception&) {
+            // Out of memory: the cues matter more than what the module says about them.
+        }
+    }
+    // Descriptor 1 shares the file's position.
+    if (ftruncate(file_.get(), 0) == 0) {
+        lseek(file_.get(), 0, SEEK_SET);
+    }
+}
+
+}  // namespace quill

@@ -1,0 +1,53 @@
+// Keeps what the module prints out of quill's own output, and shows it on standard error.
+#ifndef TOOLS_DIAGNOSTICS_CAPTURE_H_
+#define TOOLS_DIAGNOSTICS_CAPTURE_H_
+
+#include "tools/descriptor.h"
+
+namespace quill {
+
+// The module writes diagnostics to standard output by contract, and quotes the track in them. So
+// while an object of this class lives, descriptor 1 is an unnamed file; after each call into the
+// module Drain() moves what was written to standard error, with control bytes escaped. A file
+// and not a pipe, because nobody would empty a pipe during the call.
+//
+// One object at a time, made before the module is loaded and destroyed after it is unloaded.
+class DiagnosticsCapture {
+  public:
+    enum class Mode { kShow, kDrop };
+
+    // Throws Failure when the system gives no file.
+    explicit DiagnosticsCapture(Mode mode);
+    DiagnosticsCapture(const DiagnosticsCapture&) = delete;
+    DiagnosticsCapture& operator=(const DiagnosticsCapture&) = delete;
+    // Drains once more and gives descriptor 1 back.
+    ~DiagnosticsCapture();
+
+    // Call after each call into the module. Never fails: what cannot be shown is dropped.
+    void Drain() noexcept;
+
+    // While an object of this class lives, diagnostics are dropped whatever the mode: for calls
+    // that only ask the module a question.
+    class Mute {
+      public:
+        explicit Mute(DiagnosticsCapture& capture) : capture_(capture), mode_(capture.mode_) {
+            capture_.mode_ = Mode::kDrop;
+        }
+        Mute(const Mute&) = delete;
+        Mute& operator=(const Mute&) = delete;
+        ~Mute() { capture_.mode_ = mode_; }
+
+      private:
+        DiagnosticsCapture& capture_;
+        Mode mode_;
+    };
+
+  private:
+    Mode mode_;
+    Descriptor original_;
+    Descriptor file_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_DIAGNOSTICS_CAPTURE_H_

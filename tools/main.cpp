@@ -1,0 +1,79 @@
+// quill: drives the caption module from the command line, through the interface that a player
+// uses and nothing else.
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
+#include <memory>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "quillcaption/quillcaption.h"
+#include "tools/command.h"
+#include "tools/cues_command.h"
+#include "tools/failure.h"
+#include "tools/message.h"
+#include "tools/output.h"
+
+namespace quill {
+namespace {
+
+// A word that stands in the subcommand's place is the mistake, rather than that one is missing.
+std::string DescribeMistake(const CLI::App& app, const CLI::ParseError& error) {
+    const std::vector<std::string> unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty()) {
+        return "there is no subcommand or option \"" + unknown.front() + "\"";
+    }
+    return error.what();
+}
+
+ExitCode RunChosen(const std::vector<std::unique_ptr<Command>>& commands, Output& output) {
+    for (const auto& command : commands) {
+        if (command->IsChosen()) {
+            return command->Run(output);
+        }
+    }
+    return kExitUsage;
+}
+
+ExitCode Run(int argc, char** argv) {
+    CLI::App app("Drives the WebVTT caption module from the command line", "quill");
+    app.set_version_flag("--version", "quill " QUILLCAPTION_VERSION);
+    app.require_subcommand(1);
+    std::vector<std::unique_ptr<Command>> commands;
+    commands.push_back(std::make_unique<CuesCommand>(app));
+
+    Output output;
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::CallForHelp&) {
+        output.Write(app.help());
+        return kExitDone;
+    } catch (const CLI::CallForVersion& version) {
+        output.Write(std::string(version.what()) + "\n");
+        return kExitDone;
+    } catch (const CLI::ParseError& error) {
+        throw Failure(kExitUsage, DescribeMistake(app, error) + " (--help says more)");
+    }
+    return RunChosen(commands, output);
+}
+
+}  // namespace
+}  // namespace quill
+
+int main(int argc, char** argv) {
+    // A closed pipe is an error of the write that meets it.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        return quill::Run(argc, argv);
+    } catch (const quill::Failure& failure) {
+        quill::Say(failure.what());
+        return failure.code();
+    } catch (const std::bad_alloc&) {
+        quill::Say("out of memory");
+        return quill::kExitUsage;
+    } catch (const std::exception& error) {
+        quill::Say(error.what());
+        return quill::kExitTrack;
+    }
+}

@@ -1,0 +1,82 @@
+#include "tools/module_handle.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <array>
+
+#include "tools/elf_check.h"
+#include "tools/failure.h"
+
+namespace quill {
+namespace {
+
+constexpr char kModuleName[] = "quillcaption.so";
+
+// Of an installation; a relative one starts at the program's folder. The build sets it.
+constexpr char kInstalledFolder[] = QUILL_MODULE_DIR;
+
+// The folder that this program's file lies in, with a slash at its end.
+std::string OwnFolder() {
+    std::array<char, 4096> path;
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    const std::string program(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
+    return program.substr(0, program.rfind('/') + 1);
+}
+
+const WebvttModuleMethods* FindMethods(void* library, const std::string& path) {
+    const void* symbol = dlsym(library, QUILLCAPTION_DESCRIPTOR_SYMBOL);
+    if (symbol == nullptr) {
+        throw Failure(kExitUnloadable, path + " is not a caption module: it does not export " +
+                                           QUILLCAPTION_DESCRIPTOR_SYMBOL);
+    }
+    const WebvttModuleMethods* methods = static_cast<const WebvttModuleInfo*>(symbol)->prMethods;
+    if (methods == nullptr) {
+        throw Failure(kExitUnloadable, path + " cannot be used: its descriptor has no table");
+    }
+    if (methods->pfnCreate == nullptr || methods->pfnRelease == nullptr ||
+        methods->pfnParse == nullptr || methods->pfnSetEventNty == nullptr ||
+        methods->pfnGetParseResult == nullptr || methods->pfnSetVideoPTS == nullptr) {
+        throw Failure(kExitUnloadable, path + " cannot be used: its table has an empty slot");
+    }
+    return methods;
+}
+
+}  // namespace
+
+std::string FindDefaultModule() {
+    const std::string own_folder = OwnFolder();
+    std::string beside = own_folder + kModuleName;
+    if (access(beside.c_str(), F_OK) == 0) {
+        return beside;
+    }
+    const std::string start = kInstalledFolder[0] == '/' ? "" : own_folder;
+    std::string installed = start + kInstalledFolder + "/" + kModuleName;
+    if (access(installed.c_str(), F_OK) == 0) {
+        return installed;
+    }
+    throw Failure(kExitUnloadable, "no module: there is neither " + beside + " nor " + installed +
+                                       "; name one with --module FILE");
+}
+
+ModuleHandle::ModuleHandle(const std::string& path) {
+    CheckModuleTarget(path);
+    // A name without a slash would send the loader to the system's library folders.
+    const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
+    library_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library_ == nullptr) {
+        throw Failure(kExitUnloadable, "cannot load the module: " + std::string(dlerror()));
+    }
+    try {
+        methods_ = FindMethods(library_, path);
+    } catch (const Failure&) {
+        dlclose(library_);
+        throw;
+    }
+}
+
+ModuleHandle::~ModuleHandle() {
+    dlclose(library_);
+}
+
+}  // namespace quill
