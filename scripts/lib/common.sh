@@ -1,0 +1,54 @@
+# shellcheck shell=bash disable=SC2034
+# Shared by the scripts in this folder; sourced, never run.
+# Sets root, the top folder of the tree, and goes there, so that scripts run from anywhere.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+cd "$root" || exit
+jobs=$(nproc)
+
+say() { printf '%s\n' "${0##*/}: $*" >&2; }
+
+fail() {
+    say "$*"
+    exit 1
+}
+
+# Runs a command without a word; when it fails, shows the last lines that it wrote.
+quietly() {
+    local log status=0
+    log=$(mktemp)
+    "$@" >"$log" 2>&1 </dev/null || status=$?
+    if [ "$status" -ne 0 ]; then
+        tail -n 100 "$log" >&2
+        say "this failed: $*"
+    fi
+    rm -f "$log"
+    return "$status"
+}
+
+# Prints the header comment of the calling script: from its second line to the first empty one.
+usage() { sed -n '2,/^$/{ s/^# \{0,1\}//; /^$/d; p; }' "$0"; }
+
+# The checks are written for Debian 12's clang tools: other versions format differently and know
+# other checks. clang_tool NAME sets clang_tool to that version of the tool, or ends the script as
+# skipped when it is not here.
+skipped=77
+clang_tool() {
+    for clang_tool in "$1-14" "$1"; do
+        if "$clang_tool" --version 2>/dev/null | grep -q 'version 14\.'; then
+            return
+        fi
+    done
+    say "skipped: needs $1 14, which scripts/setup test installs on Debian 12"
+    exit "$skipped"
+}
+
+# The C and C++ sources of the given folders, those that do not exist left out.
+sources_in() {
+    local folder
+    for folder in "$@"; do
+        [ -d "$folder" ] || continue
+        find "$folder" -name build -prune -o -type f \
+            \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) -print
+    done | sort
+}
