@@ -6,4 +6,4 @@ set(CMAKE_CXX_COMPILER mipsel-linux-gnu-g++)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-mipsel -L /usr/mipsel-linux-gnu)
 set(QUILLCAPTION_COMPILER_HINT
-    "install Debian's g++-mipsel-linux-gnu (./campaign --setup does), or use the preset i386")
+    "install Debian's g++-mipsel-linux-gnu (scripts/setup campaign does), or use the preset i386")

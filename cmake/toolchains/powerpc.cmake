@@ -8,4 +8,4 @@ set(CMAKE_CXX_COMPILER powerpc-linux-gnu-g++)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_CROSSCOMPILING_EMULATOR qemu-ppc -L /usr/powerpc-linux-gnu)
 set(QUILLCAPTION_COMPILER_HINT
-    "install Debian's g++-powerpc-linux-gnu (./campaign --setup does), or use the preset i386")
+    "install Debian's g++-powerpc-linux-gnu (scripts/setup campaign does), or use the preset i386")

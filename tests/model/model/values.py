@@ -25,7 +25,7 @@ def str_to_double(text, out):
         elif byte in DIGITS:
             digits_behind += 1
             # The power wraps in 32 bits: no power of ten from the 10th digit on, 0 from the 32nd.
-            power = signed32(10 ** digits_behind)
+            power = signed32(pow(10, digits_behind, 2 ** 32))
             fraction += divide(byte - ord("0"), power)
         elif byte == ord(".") and not seen_point:
             seen_point = True

@@ -1,0 +1,157 @@
+// Dialogue through the module, beside two limits on the same text:
+//
+//   dialogue [--size BYTES]...                          times, as a table
+//   dialogue --only SUBJECT [--size BYTES] [--passes N] one subject, for an instruction counter
+//
+// A subject is "scan", "copy" (scan_limits.h), or a chunk size for the module.
+#include <getopt.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "bench/loaded_module.h"
+#include "bench/measured.h"
+#include "bench/player.h"
+#include "bench/scan_limits.h"
+#include "bench/track_generator.h"
+
+namespace bench {
+namespace {
+
+constexpr std::size_t kChunkSizes[] = {65536, 1460};  // a file's buffer, a network packet
+constexpr std::size_t kDefaultSize = 1000000;
+constexpr double kSecondsPerSubject = 2.0;
+constexpr unsigned kFewestPasses = 5;
+
+struct Subject {
+    std::string name;
+    std::function<void()> work;
+    double best = std::numeric_limits<double>::infinity();  // seconds
+};
+
+struct Track {
+    explicit Track(std::size_t size) : text(make_dialogue(size, &cues)) {}
+    unsigned cues = 0;
+    std::string text;
+};
+
+void play(const WebvttModuleMethods& module, const Track& track, std::size_t chunk_size) {
+    Player player(module);
+    player.feed_in_chunks(track.text, chunk_size);
+    if (player.cue_count() != track.cues) {
+        std::fprintf(stderr, "%u cues were fed but %zu came out\n", track.cues, player.cue_count());
+        std::exit(1);
+    }
+}
+
+Subject make_subject(const std::string& name, const WebvttModuleMethods& module,
+                     const Track& track) {
+    if (name == "scan") {
+        return {name, [&track] { scan_lines(track.text); }};
+    }
+    if (name == "copy") {
+        return {name, [&track] { copy_lines(track.text); }};
+    }
+    const std::size_t chunk_size = std::strtoul(name.c_str(), nullptr, 10);
+    if (chunk_size == 0) {
+        std::fprintf(stderr, "not a subject: %s\n", name.c_str());
+        std::exit(2);
+    }
+    return {name, [&module, &track, chunk_size] { play(module, track, chunk_size); }};
+}
+
+double seconds_of(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    bench_measured(work, 1);
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// In turns, so that a machine that is busy for a while slows all of them; the best pass counts.
+void take_times(std::vector<Subject>& subjects) {
+    double spent = 0.0;
+    const double allowed = kSecondsPerSubject * static_cast<double>(subjects.size());
+    for (unsigned pass = 0; pass < kFewestPasses || spent < allowed; ++pass) {
+        for (Subject& subject : subjects) {
+            const double seconds = seconds_of(subject.work);
+            subject.best = std::min(subject.best, seconds);
+            spent += seconds;
+        }
+    }
+}
+
+void print_times(std::FILE* report, const WebvttModuleMethods& module, std::size_t size) {
+    const Track track(size);
+    std::vector<Subject> subjects;
+    for (const char* const limit : {"scan", "copy"}) {
+        subjects.push_back(make_subject(limit, module, track));
+    }
+    for (const std::size_t chunk_size : kChunkSizes) {
+        subjects.push_back(make_subject(std::to_string(chunk_size), module, track));
+    }
+    take_times(subjects);
+
+    const auto bytes = static_cast<double>(track.text.size());
+    std::fprintf(report, "%zu bytes, %u cues of %.1f bytes\n", track.text.size(), track.cues,
+                 bytes / track.cues);
+    std::fprintf(report, "%-22s %10s %10s %10s %10s\n", "", "MB/s", "ns a cue", "x scan", "x copy");
+    for (const Subject& subject : subjects) {
+        const bool limit = subject.name == "scan" || subject.name == "copy";
+        std::fprintf(report, "%-22s %10.1f %10.1f %10.2f %10.2f\n",
+                     (limit ? "limit: " + subject.name : "module, " + subject.name).c_str(),
+                     bytes / subject.best / 1e6, subject.best * 1e9 / track.cues,
+                     subject.best / subjects[0].best, subject.best / subjects[1].best);
+    }
+}
+
+int run(int argc, char** argv) {
+    static const option kOptions[] = {{"only", required_argument, nullptr, 'o'},
+                                      {"size", required_argument, nullptr, 's'},
+                                      {"passes", required_argument, nullptr, 'p'},
+                                      {}};
+    std::string only;
+    std::vector<std::size_t> sizes;
+    unsigned passes = 1;
+    for (int letter; (letter = getopt_long(argc, argv, "", kOptions, nullptr)) != -1;) {
+        switch (letter) {
+            case 'o':
+                only = optarg;
+                break;
+            case 's':
+                sizes.push_back(std::strtoul(optarg, nullptr, 10));
+                break;
+            case 'p':
+                passes = static_cast<unsigned>(std::strtoul(optarg, nullptr, 10));
+                break;
+            default:
+                return 2;
+        }
+    }
+    if (sizes.empty()) {
+        sizes.push_back(kDefaultSize);
+    }
+
+    std::FILE* const report = silence_standard_output();
+    const WebvttModuleMethods& module = load_module();
+    if (only.empty()) {
+        for (const std::size_t size : sizes) {
+            print_times(report, module, size);
+        }
+        return 0;
+    }
+    const Track track(sizes[0]);
+    bench_measured(make_subject(only, module, track).work, passes);
+    std::fprintf(report, "bytes %zu\ncues %u\n", track.text.size(), track.cues);
+    std::fclose(report);
+    return 0;
+}
+
+}  // namespace
+}  // namespace bench
+
+int main(int argc, char** argv) {
+    return bench::run(argc, argv);
+}

@@ -1,0 +1,122 @@
+"""Runs the bench programs and counts their instructions; shared by the scripts of this folder.
+
+i386 programs are counted by valgrind's callgrind, which takes the instructions of the one function
+that matters. ARM programs run under qemu-arm with a small plugin, compiled here, that counts them
+all; what lies outside that function is found by a run that leaves it out, and subtracted.
+Both counts repeat from run to run, on a busy machine too.
+"""
+
+import argparse
+import os
+import re
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+TREE = Path(__file__).resolve().parent.parent
+MEASURED = "bench_measured"
+ARM_LIBRARIES = "/usr/arm-linux-gnueabihf"
+
+
+class Failure(Exception):
+    """Something that the user must mend; told in one line."""
+
+
+def run(command, **options):
+    """Runs a command and returns the completed process; its output is kept."""
+    try:
+        done = subprocess.run([str(word) for word in command], capture_output=True, text=True,
+                              stdin=subprocess.DEVNULL, check=False, **options)
+    except FileNotFoundError as error:
+        raise Failure(f"{error.filename} is not here") from error
+    if done.returncode != 0:
+        raise Failure(f"{' '.join(map(str, command))} ended with {done.returncode}:\n"
+                      f"{done.stderr}{done.stdout}")
+    return done
+
+
+def numbers(text):
+    """The "name number" lines that a bench program prints."""
+    return {name: float(value) if "." in value else int(value)
+            for name, value in (line.rsplit(" ", 1) for line in text.splitlines())}
+
+
+class Build:
+    """A build folder with the bench programs in it."""
+
+    def __init__(self, folder):
+        self.folder = Path(folder).resolve()
+        self.programs = self.folder / "bench"
+        if not (self.programs / "dialogue").exists():
+            raise Failure(f"{self.folder} holds no bench programs: build it with "
+                          "-DQUILLCAPTION_BENCH=ON")
+        self.module = self.folder / "quillcaption.so"
+        self.is_arm = elf_machine(self.module) == 40
+        self._plugin = None
+
+    @property
+    def target(self):
+        return "armhf" if self.is_arm else "i386"
+
+    def play(self, program, *arguments):
+        """Runs a bench program and returns what it prints."""
+        emulator = ["qemu-arm", "-L", ARM_LIBRARIES] if self.is_arm else []
+        return run([*emulator, self.programs / program, *arguments]).stdout
+
+    def count(self, program, *arguments):
+        """Counts the instructions of the part that matters. Returns (count, what was printed)."""
+        return (self._count_arm if self.is_arm else self._count_i386)(program, arguments)
+
+    def _count_i386(self, program, arguments):
+        done = run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
+                    f"--toggle-collect={MEASURED}", self.programs / program, *arguments])
+        collected = int(re.search(r"Collected : (\d+)", done.stderr).group(1))
+        if collected == 0:
+            raise Failure(f"{program} has no function {MEASURED} that callgrind could find")
+        return collected, numbers(done.stdout)
+
+    def _count_arm(self, program, arguments):
+        def count_all(passes):
+            done = run(["qemu-arm", "-plugin", self.plugin(), "-L", ARM_LIBRARIES,
+                        self.programs / program, *arguments, "--passes", passes])
+            return int(re.search(r"^instructions (\d+)$", done.stderr, re.M).group(1)), done.stdout
+        outside, _ = count_all(0)
+        everything, printed = count_all(1)
+        return everything - outside, numbers(printed)
+
+    def plugin(self):
+        """The plugin's file, compiled for this machine when first asked for."""
+        if self._plugin is None:
+            self._plugin = tempfile.TemporaryDirectory()  # pylint: disable=consider-using-with
+            run(["cc", "-shared", "-fPIC", "-O2", "-o", Path(self._plugin.name) / "counter.so",
+                 TREE / "bench" / "instruction_counter.c"])
+        return Path(self._plugin.name) / "counter.so"
+
+
+def elf_machine(path):
+    """The number of the machine that an ELF file is for; 40 is ARM."""
+    with open(path, "rb") as file:
+        return int.from_bytes(file.read(20)[18:20], "little")
+
+
+def parser_for(script_doc):
+    """An argument parser with the options that every script has."""
+    parser = argparse.ArgumentParser(description=script_doc,
+                                     formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--build", metavar="DIR", default=TREE / "build" / "i386",
+                        help="the build folder to measure (build/i386)")
+    return parser
+
+
+def main(body):
+    """Runs a script's body; its result is the exit status."""
+    sys.stdout.reconfigure(line_buffering=True)
+    os.environ.pop("LD_BIND_NOW", None)
+    try:
+        sys.exit(body())
+    except Failure as failure:
+        print(f"{Path(sys.argv[0]).name}: {failure}", file=sys.stderr)
+        sys.exit(2)
+    except KeyboardInterrupt:
+        sys.exit(130)
