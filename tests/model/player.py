@@ -6,6 +6,8 @@ import subprocess
 from script import format_script
 
 ENDINGS = ("ret", "done", "throw")
+BATCH_TIMEOUT = 600  # seconds: only a parser that hangs takes that long
+SCRIPT_TIMEOUT = 60
 
 
 class PlayerError(Exception):
@@ -13,9 +15,8 @@ class PlayerError(Exception):
 
 
 class Player:
-    def __init__(self, program, module, emulator="", timeout=600):
+    def __init__(self, program, module, emulator=""):
         self.command = shlex.split(emulator) + [program, module]
-        self.timeout = timeout
 
     def play_one(self, calls):
         return self.play([calls])[0]
@@ -44,9 +45,10 @@ class Player:
         """(reports up to the first crash, what happened or None)."""
         batch = "".join(f"script {number}\n{format_script(calls)}end\n"
                         for number, calls in enumerate(scripts))
+        timeout = BATCH_TIMEOUT if len(scripts) > 1 else SCRIPT_TIMEOUT
         try:
             done = subprocess.run(self.command, input=batch.encode(), capture_output=True,
-                                  timeout=self.timeout, check=False)
+                                  timeout=timeout, check=False)
             output, errors, code = done.stdout, done.stderr, done.returncode
         except subprocess.TimeoutExpired as late:
             output, errors, code = late.stdout or b"", b"", None
@@ -56,7 +58,7 @@ class Player:
             raise PlayerError(errors.decode(errors="replace").strip())
         crash = None
         if code is None:
-            crash = f"no end within {self.timeout} s"
+            crash = f"no end within {timeout} s"
         elif code != 0:
             crash = f"the player ended with {code}: {errors.decode(errors='replace').strip()}"
         reports, unfinished = split_report(output.decode("ascii", errors="replace"))

@@ -261,5 +261,24 @@ TEST(CueSettings, Keywords) {
     }
 }
 
+TEST(CueSettings, RegionGoesWithAnySizeButAHundred) {
+    const struct {
+        const char* timing_line;
+        const char* region;
+    } cases[] = {
+        {"00:01.000 --> 00:02.000 line:50% region:here", "here"},
+        {"00:01.000 --> 00:02.000 line:50% region:here size:100%", "here"},
+        {"00:01.000 --> 00:02.000 line:50% region:here size:99%", ""},
+        {"00:01.000 --> 00:02.000 line:50% region:here size:150%", ""},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.timing_line);
+        Cue cue;
+        WebvttString line(c.timing_line);
+        EXPECT_TRUE(cue.fgParseCueTimeAndSettings(line));
+        EXPECT_STREQ(cue.acRegionId, c.region);
+    }
+}
+
 }  // namespace
 }  // namespace webvtt

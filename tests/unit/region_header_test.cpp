@@ -199,6 +199,13 @@ TEST(RegionHeader, ItemIsRecognisedByItsName) {
     }
 }
 
+// Only a line feed is taken off the end; a carriage return belongs to the last value.
+TEST(RegionHeader, CarriageReturnStaysInTheValue) {
+    RegionMetaDataHeader region;
+    region.vParse("Region: scroll=up\r\n");
+    EXPECT_EQ(region.fgScroll, 0U);
+}
+
 TEST(RegionHeader, EmptyLineIsAnError) {
     RegionMetaDataHeader region;
     try {
