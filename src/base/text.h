@@ -40,6 +40,20 @@ inline Split split_line(std::string_view text) {
     return {text.substr(0, at), text.substr(at + 1), true};
 }
 
+/// Whether two short texts are the same. A plain loop: words that differ do so early.
+inline bool same_word(std::string_view word, std::string_view other) {
+    if (word.size() != other.size()) {
+        return false;
+    }
+    const char* c = other.data();
+    for (const char letter : word) {
+        if (letter != *c++) {
+            return false;
+        }
+    }
+    return true;
+}
+
 inline bool contains(std::string_view text, std::string_view part) {
     return text.find(part) != std::string_view::npos;
 }

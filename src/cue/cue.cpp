@@ -8,18 +8,16 @@
 #include "base/diagnostics.h"
 #include "base/errors.h"
 #include "base/text.h"
+#include "base/usual_timestamp.h"
 #include "base/value_parsers.h"
 
 namespace webvtt {
 namespace {
 
 constexpr std::string_view kArrow = "-->";
+constexpr std::string_view kUsualArrow = " --> ";
 
 }  // namespace
-
-Cue::~Cue() {
-    vReleaseNode(pRootNode);
-}
 
 bool Cue::fgParse(const char* pcLine, unsigned size) {
     if (size == 0 || pcLine == nullptr) {
@@ -33,17 +31,56 @@ bool Cue::fgParse(const char* pcLine, unsigned size) {
     return true;
 }
 
-bool Cue::fgParseForText(std::string_view block) {
+bool Cue::fgParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined) {
     std::string_view payload;
     if (!fgParseHead(block, &payload)) {
         return false;
     }
-    vReadPayloadText(payload);
+    if (payload.empty()) {
+        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+    }
+    if (fgMayHaveMarkup) {
+        vReadPayloadText(payload, joined);
+    } else {
+        m_plain_text = payload;  // where it lies: nothing is copied but into the record
+    }
+    return true;
+}
+
+/// Parses the timing line that nearly every block begins with, in place:
+/// "00:01:02.000 --> 00:01:04.500", and a space and settings if there are any. False, with nothing
+/// changed, for every other.
+inline bool Cue::fgParseUsualHead(std::string_view block, std::string_view* pstrPayload) {
+    constexpr std::size_t arrow_at = kUsualTimestampSize;
+    constexpr std::size_t end_at = arrow_at + kUsualArrow.size();
+    constexpr std::size_t settings_at = end_at + kUsualTimestampSize;
+    double start = 0.0;
+    double end = 0.0;
+    if (block.size() <= settings_at || (block[settings_at] != '\n' && block[settings_at] != ' ') ||
+        block.compare(arrow_at, kUsualArrow.size(), kUsualArrow) != 0 ||
+        !parse_usual_timestamp(block.data(), start) ||
+        !parse_usual_timestamp(block.data() + end_at, end)) {
+        return false;
+    }
+    Split line{{}, block.substr(settings_at + 1), true};
+    if (block[settings_at] == ' ') {
+        line = split_line(line.tail);
+        if (!line.found) {
+            return false;
+        }
+        vParseSettings(line.head);
+    }  // Without settings the fields stay what they are in a new cue.
+    dStartTime = start;
+    dEndTime = end;
+    *pstrPayload = line.tail;
     return true;
 }
 
 /// Parses all but the payload, which it finds.
 bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
+    if (fgParseUsualHead(block, pstrPayload)) {
+        return true;
+    }
     Split line = split_line(block);
     if (line.head.empty() || !line.found) {
         print_error("Invalid Input String of 1st Line, return FALSE");
@@ -52,6 +89,9 @@ bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
     Split times = split_first(line.head, kArrow);
     if (!times.found) {
         // That was the identifier. The next line is the timing line, whatever it looks like.
+        if (fgParseUsualHead(line.tail, pstrPayload)) {
+            return true;
+        }
         line = split_line(line.tail);
         if (line.head.empty() || !line.found) {
             print_error("Invalid Input String of 2nd Line, return FALSE");
@@ -91,7 +131,6 @@ bool Cue::fgParseTimes(const Split& times) {
         return false;
     }
     vParseSettings(rest.tail);
-    vDeriveSettings();
     return true;
 }
 

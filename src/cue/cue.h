@@ -25,7 +25,11 @@ class Cue {
     Cue() = default;
     Cue(const Cue&) = delete;
     Cue& operator=(const Cue&) = delete;
-    ~Cue();
+    ~Cue() {
+        if (pRootNode != nullptr) {
+            vReleaseNode(pRootNode);
+        }
+    }
 
     /// Parses a block: an optional identifier line, the timing line, the payload.
     ///
@@ -41,10 +45,14 @@ class Cue {
     /// The same for a host, which gets no more of the payload than its text: no tree is built and
     /// no class name kept, so tags cost no memory however many there are and however deep they
     /// nest. The text is strPlainText(); results and errors are those of fgParse.
-    /// @param block need not be zero-terminated; must outlive the cue
-    bool fgParseForText(std::string_view block);
+    /// @param block           need not be zero-terminated; must outlive the cue
+    /// @param fgMayHaveMarkup false when there is no "<" and no "&" in the block
+    /// @param joined          takes the text of a payload with markup; must outlive the cue. The
+    ///                        caller's, so that its storage serves one cue after the other.
+    bool fgParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined);
 
-    /// After fgParseForText: the text that strGetCueContent gives after fgParse.
+    /// After fgParseForText: the text that strGetCueContent gives after fgParse. It lies in the
+    /// block or in the joined text.
     std::string_view strPlainText() const { return m_plain_text; }
 
     /// Parses a timing line; the line is consumed. Results and errors as in fgParse.
@@ -118,6 +126,8 @@ class Cue {
     bool fgParseCuePayload(const char* pcPayload, unsigned int uLength);
 
     void vAddApplicableClass(WebvttString strClass);
+    /// False while a cue is parsed for its text: class names are then dropped.
+    bool fgKeepsClasses() const { return !m_for_text; }
     void vPushApplicableLanguage(WebvttString strLanguage);
     /// The stack must not be empty.
     void vPopApplicableLanguage();
@@ -157,9 +167,11 @@ class Cue {
 
   private:
     bool fgParseHead(std::string_view block, std::string_view* pstrPayload);
+    bool fgParseUsualHead(std::string_view block, std::string_view* pstrPayload);
     bool fgParseTimes(const Split& times);
-    void vReadPayloadText(std::string_view payload);
+    void vReadPayloadText(std::string_view payload, std::string& joined);
     void vParseSettings(std::string_view settings);
+    void vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon);
     void vDeriveSettings();
 
     void vSetRegion(std::string_view value);
@@ -172,9 +184,8 @@ class Cue {
     struct Setting;
     static const Setting kSettings[6];
 
-    std::string_view m_plain_text;  // in the block, or in m_joined_text
-    std::string m_joined_text;      // of a payload with markup
-    bool m_for_text = false;        // class names are not kept
+    std::string_view m_plain_text;
+    bool m_for_text = false;  // class names are not kept
 };
 
 }  // namespace webvtt

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/byte_finder.h"
 #include "base/diagnostics.h"
 #include "base/text.h"
 #include "base/value_parsers.h"
@@ -15,7 +16,7 @@
 namespace webvtt {
 namespace {
 
-constexpr std::size_t kShortestItem = 3;
+constexpr std::ptrdiff_t kShortestItem = 3;
 
 template <typename Value>
 struct Keyword {
@@ -39,7 +40,7 @@ constexpr Keyword<Line_Align_Type> kLineAlignments[] = {
 template <typename Value, std::size_t Count>
 Value look_up(const Keyword<Value> (&keywords)[Count], std::string_view text) {
     for (const Keyword<Value>& keyword : keywords) {
-        if (keyword.name == text) {
+        if (same_word(keyword.name, text)) {
             return keyword.value;
         }
     }
@@ -78,31 +79,48 @@ Line_Align_Type Cue::eMapLineAlign(const WebvttString& keyword) const {
 void Cue::vParseSettings(std::string_view settings) {
     fgPositionSet = false;
     fgPositionAlignSet = false;
-    Split items{{}, settings, true};
-    while (items.found) {
-        items = split_first(items.tail, ' ');
-        if (items.head.size() >= kShortestItem) {  // not one of the spaces between items
-            vParseCueSettingItem(WebvttString(items.head));
+    // One look at each character finds the items and the colons in them.
+    const char* const end = settings.data() + settings.size();
+    const char* item = settings.data();
+    const char* colon = nullptr;
+    for (const char* at = item; at != end; ++at) {
+        if (*at == ' ') {
+            vParseSetting(item, at, colon);
+            item = at + 1;
+            colon = nullptr;
+        } else if (*at == ':' && colon == nullptr) {
+            colon = at;
         }
     }
+    vParseSetting(item, end, colon);
+    vDeriveSettings();
 }
 
 void Cue::vParseCueSettingItem(const WebvttString& item) {
-    if (item.text.size() < kShortestItem) {
+    const char* const begin = item.text.data();
+    const char* const end = begin + item.text.size();
+    const char* const colon = find_byte(begin, end, ':');
+    vParseSetting(begin, end, colon != end ? colon : nullptr);
+}
+
+/// @param pcColon the item's first colon, or null
+void Cue::vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon) {
+    if (pcEnd - pcItem < kShortestItem) {  // one of the spaces between items, too
         return;
     }
-    const Split setting = split_first(item.text, ':');
-    if (!setting.found || setting.head.empty()) {
+    if (pcColon == nullptr || pcColon == pcItem) {
         print_error("Item is Empty");
         return;
     }
-    if (setting.tail.empty()) {
-        print_error("Item %.*s value is empty!", WEBVTT_PRINTABLE(setting.head));
+    const std::string_view name(pcItem, static_cast<std::size_t>(pcColon - pcItem));
+    const std::string_view value(pcColon + 1, static_cast<std::size_t>(pcEnd - pcColon - 1));
+    if (value.empty()) {
+        print_error("Item %.*s value is empty!", WEBVTT_PRINTABLE(name));
         return;
     }
     for (const Setting& known : kSettings) {
-        if (setting.head == known.name.text) {
-            (this->*known.vSet)(setting.tail);
+        if (same_word(name, known.name.text)) {
+            (this->*known.vSet)(value);
             return;
         }
     }
@@ -152,7 +170,7 @@ void Cue::vSetLine(std::string_view value) {
         fgSnapToLines = false;
     }
     dLine = line;
-    eLineAlign = eMapLineAlign(WebvttString(parts.tail));
+    eLineAlign = look_up(kLineAlignments, parts.tail);
 }
 
 void Cue::vSetSize(std::string_view value) {
@@ -172,7 +190,7 @@ void Cue::vSetPosition(std::string_view value) {
     }
     dPosition = position;
     fgPositionSet = true;
-    ePositionAlign = eMapTextPositionAlign(WebvttString(parts.tail));
+    ePositionAlign = look_up(kLineAlignments, parts.tail);
     // START also stands for "not given" and "not known"; only the word itself counts as given.
     if (ePositionAlign != Line_Align_Type::START || parts.tail == "start") {
         fgPositionAlignSet = true;
@@ -180,7 +198,7 @@ void Cue::vSetPosition(std::string_view value) {
 }
 
 void Cue::vSetAlign(std::string_view value) {
-    eTextAlign = eMapTextAlign(WebvttString(value));
+    eTextAlign = look_up(kTextAlignments, value);
 }
 
 void Cue::vDeriveSettings() {

@@ -76,14 +76,9 @@ void BlockBuffer::vTruncate(std::size_t uNewSize, unsigned uNewLineFeeds) {
     m_line_feeds = uNewLineFeeds;
 }
 
-void BlockBuffer::vClear() {
-    if (m_capacity > kKeptCapacity) {
-        m_data.reset();
-        m_capacity = 0;
-    }
-    m_text = nullptr;
-    m_size = 0;
-    m_line_feeds = 0;
+void BlockBuffer::vFreeStorage() {
+    m_data.reset();
+    m_capacity = 0;
 }
 
 }  // namespace webvtt

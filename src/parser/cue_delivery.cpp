@@ -13,7 +13,7 @@ constexpr std::uint32_t kTicksPerSecond = 90000;
 
 /// Whole seconds only: hosts have always been given times shifted by whole seconds.
 double whole_seconds(unsigned long ticks) {
-    const unsigned long seconds = ticks / kTicksPerSecond;
+    const auto seconds = static_cast<std::int32_t>(ticks / kTicksPerSecond);  // 47,721 at most
     return static_cast<double>(seconds);
 }
 

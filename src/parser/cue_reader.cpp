@@ -14,7 +14,7 @@ constexpr unsigned kMostLines = 10;
 }  // namespace
 
 int WebVTTParser::ersltParseCue() {
-    switch (eReadBlock()) {
+    switch (fgBorrowBlock() ? Block_Result::kComplete : eReadBlock()) {
         case Block_Result::kFailed:
             return WEBVTT_RESULT_ERROR;
         case Block_Result::kIncomplete:
@@ -25,7 +25,7 @@ int WebVTTParser::ersltParseCue() {
     }
     const Block_Guard guard{*this};
     Cue cue;
-    if (cue.fgParseForText(m_block.strText())) {
+    if (cue.fgParseForText(m_block.strText(), m_block.fgMayHaveMarkup(), m_joined_text)) {
         ++u4ParsedCueCount;
         vAppendNewCue(&cue);
     } else {
@@ -33,6 +33,18 @@ int WebVTTParser::ersltParseCue() {
         ++u4FailedCueCount;
     }
     return 1;
+}
+
+/// Takes the next block as it lies in the chunk, which nearly every block allows.
+inline bool WebVTTParser::fgBorrowBlock() {
+    ChunkBlock block;
+    if (pcUnusedBuffer != nullptr || !fgIsBufferAvailable() ||
+        !m_lines.find_block(pcParsingBuffer, kMostLines, &block)) {
+        return false;
+    }
+    m_block.vBorrow(block);
+    vConsume(block.consumed, block.line_feeds + block.blank_lines);
+    return true;
 }
 
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.

@@ -1,10 +1,11 @@
 // Finds the lines of a chunk where they lie.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string_view>
 
-#include "parser/byte_finder.h"
+#include "base/byte_finder.h"
 
 namespace webvtt {
 
@@ -22,16 +23,32 @@ struct ChunkLine {
     bool is_blank() const { return text.size() + (is_cut ? 0 : 1) <= 1; }
 };
 
-/// Looks at no byte of a chunk twice, whatever mixture of line ends the chunk holds.
+/// A block of a chunk that can be used as it lies there: its lines end in LF alone and hold no zero
+/// byte, and a blank line, or the number of its lines, ends it.
+struct ChunkBlock {
+    std::string_view text;  ///< with each line's LF, without the blank lines around it
+    unsigned line_feeds;    ///< how many lines that is
+    unsigned blank_lines;   ///< before it, and the one behind it if that ended it
+    std::size_t consumed;   ///< how many bytes all of them take
+    bool may_have_markup;   ///< false when there is no "<" and no "&" in the text
+};
+
+/// Looks at no byte of a chunk twice for any one purpose, whatever mixture of line ends the chunk
+/// holds.
 class LineFinder {
   public:
     /// Starts on a new chunk, which may be empty.
     void start(const char* begin, const char* end) {
-        m_end = end;
-        m_line_feeds.start(begin, end);
-        m_carriage_returns.start(begin, end);
-        m_zeros.start(begin, end);
+        m_end = begin == nullptr ? nullptr : end;
+        for (ByteFinder* const finder :
+             {&m_line_feeds, &m_carriage_returns, &m_zeros, &m_brackets, &m_ampersands}) {
+            finder->start();
+        }
     }
+
+    /// Finds the block that begins at begin, behind any blank lines. False when it is not complete,
+    /// or cannot be used as it lies; find then gets its lines one by one.
+    bool find_block(const char* begin, unsigned most_lines, ChunkBlock* block);
 
     /// Finds the line that begins at begin; false when it has no end in the chunk. From start on
     /// begin never goes back.
@@ -60,10 +77,48 @@ class LineFinder {
     }
 
   private:
+    bool has_markup(std::string_view text) {
+        const char* const text_end = text.data() + text.size();
+        return m_brackets.find(text.data(), m_end) < text_end ||
+               m_ampersands.find(text.data(), m_end) < text_end;
+    }
+
     const char* m_end = nullptr;
     ByteFinder m_line_feeds{'\n'};
     ByteFinder m_carriage_returns{'\r'};
     ByteFinder m_zeros{'\0'};
+    ByteFinder m_brackets{'<'};
+    ByteFinder m_ampersands{'&'};
 };
+
+inline bool LineFinder::find_block(const char* begin, unsigned most_lines, ChunkBlock* block) {
+    // Up to here every line ends in LF alone and hides nothing.
+    const char* const plain_end =
+        std::min(m_carriage_returns.find(begin, m_end), m_zeros.find(begin, m_end));
+    const char* line = begin;
+    while (line != plain_end && *line == '\n') {
+        ++line;
+    }
+    const char* const text = line;
+    block->blank_lines = static_cast<unsigned>(text - begin);
+    block->line_feeds = 0;
+    do {
+        const char* const line_feed = find_byte(line, plain_end, '\n');
+        if (line_feed == plain_end) {
+            return false;
+        }
+        line = line_feed + 1;
+        ++block->line_feeds;
+    } while (block->line_feeds != most_lines && (line == plain_end || *line != '\n'));
+
+    block->text = {text, static_cast<std::size_t>(line - text)};
+    if (block->line_feeds != most_lines) {
+        ++block->blank_lines;
+        ++line;
+    }
+    block->consumed = static_cast<std::size_t>(line - begin);
+    block->may_have_markup = has_markup(block->text);
+    return true;
+}
 
 }  // namespace webvtt

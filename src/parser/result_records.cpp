@@ -1,20 +1,22 @@
 #include "parser/result_records.h"
 
 #include <cstddef>
+#include <cstring>
 
 #include "quillcaption/quillcaption.h"
 
 namespace webvtt {
 namespace {
 
-char* copy_text(std::string_view text) {
-    char* const copy = new char[text.size() + 1];
-    copy[text.copy(copy, text.size())] = '\0';
-    return copy;
-}
-
+/// Null for null.
 char* copy_text(const char* pcText) {
-    return pcText != nullptr ? copy_text(std::string_view(pcText)) : nullptr;
+    if (pcText == nullptr) {
+        return nullptr;
+    }
+    const std::size_t size = std::strlen(pcText) + 1;
+    char* const copy = new char[size];
+    std::memcpy(copy, pcText, size);
+    return copy;
 }
 
 }  // namespace
@@ -23,10 +25,6 @@ char* copy_text(const char* pcText) {
 WebvttCue::WebvttCue(const char* pcAux, const char* pcCueText) : WebvttCue() {
     pcAuxText = copy_text(pcAux);
     pcText = copy_text(pcCueText);
-}
-
-WebvttCue::WebvttCue(std::string_view cueText) : WebvttCue() {
-    pcText = copy_text(cueText);
 }
 
 WebvttCue::WebvttCue(const WebvttCue& other) : WebvttCue() {

@@ -19,9 +19,6 @@ class WebvttCue {
     /// Copies each text that is not null.
     /// @throws std::bad_alloc memory ran out; nothing is left behind
     WebvttCue(const char* pcAux, const char* pcCueText);
-    /// Copies the cue's text, which need not be zero-terminated. No auxiliary text.
-    /// @throws std::bad_alloc
-    explicit WebvttCue(std::string_view cueText);
     WebvttCue(const WebvttCue& other);
     WebvttCue& operator=(const WebvttCue&) = delete;
     ~WebvttCue();
@@ -44,7 +41,6 @@ class WebvttCueNode : public WebvttCue {
   public:
     WebvttCueNode() = default;
     WebvttCueNode(const char* pcAux, const char* pcCueText) : WebvttCue(pcAux, pcCueText) {}
-    explicit WebvttCueNode(std::string_view cueText) : WebvttCue(cueText) {}
     /// A copy is not in the queue: its prNext is null.
     WebvttCueNode(const WebvttCueNode& other) : WebvttCue(other) {}
     /// Changes nothing, on purpose: a queued record is never overwritten.

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -104,7 +105,7 @@ class WebVTTParser {
     /// Empties the block when its reader is done with it, also when an exception leaves the module.
     struct Block_Guard {
         WebVTTParser& parser;
-        ~Block_Guard() { parser.vClearUnusedBuffer(); }
+        ~Block_Guard() { parser.vClearBlock(); }
     };
 
     WebvttCueNode tResultHead;                   // sentinel
@@ -128,18 +129,22 @@ class WebVTTParser {
     template <typename Header>
     Header* prKeepHeader(std::unique_ptr<Header> header);
     Block_Result eReadBlock();
+    bool fgBorrowBlock();
     bool fgFindLine(ChunkLine* line);
-    void vConsumeLine(const ChunkLine& line);
+    void vConsumeLine(const ChunkLine& line) { vConsume(line.consumed, 1); }
+    void vConsume(std::size_t uBytes, unsigned uLines);
+    void vClearBlock();
     void vExhaustBuffer();
     bool fgCarryTail();
     void vFreeQueue();
 
     BlockBuffer m_block;  // carried text, then the block or header line it grows into
     LineFinder m_lines;
-    RecordArena m_records;  // the queued ones
+    RecordArena m_records;      // the queued ones
+    std::string m_joined_text;  // of a cue with markup; used again for the next one
 };
 
-// Inline, as every line of a track comes through these two.
+// Inline, as every line or block of a track comes through these.
 
 /// Looks for the next complete line without consuming it. Notes a CR that ends the chunk.
 inline bool WebVTTParser::fgFindLine(ChunkLine* line) {
@@ -152,14 +157,21 @@ inline bool WebVTTParser::fgFindLine(ChunkLine* line) {
     return true;
 }
 
-inline void WebVTTParser::vConsumeLine(const ChunkLine& line) {
-    if (line.consumed < u4ParsingBufferLen) {
-        pcParsingBuffer += line.consumed;
-        u4ParsingBufferLen -= line.consumed;
+inline void WebVTTParser::vConsume(std::size_t uBytes, unsigned uLines) {
+    if (uBytes < u4ParsingBufferLen) {
+        pcParsingBuffer += uBytes;
+        u4ParsingBufferLen -= uBytes;
     } else {
         vExhaustBuffer();
     }
-    ++u4LineCount;
+    u4LineCount += uLines;
+}
+
+inline void WebVTTParser::vClearBlock() {
+    vClearUnusedBuffer();
+    if (m_joined_text.capacity() > BlockBuffer::kKeptCapacity) {
+        std::string().swap(m_joined_text);
+    }
 }
 
 }  // namespace webvtt

@@ -1,8 +1,13 @@
 #include "payload/payload_reader.h"
 
+#include <algorithm>
+
+#include "base/byte_finder.h"
 #include "base/diagnostics.h"
 #include "base/errors.h"
+#include "base/text.h"
 #include "base/value_parsers.h"
+#include "payload/references.h"
 #include "payload/tokenizer.h"
 
 namespace webvtt {
@@ -18,26 +23,159 @@ constexpr Tag kTags[] = {
     {"ruby", NODE_RUBY}, {"rt", NODE_RUBY_TEXT}, {"v", NODE_VOICE}, {"lang", NODE_LANGUAGE},
 };
 
+constexpr std::size_t kLongestTagName = 4;
+
 /// NODE_ROOT when no tag has this name.
 Node_Type find_tag(std::string_view name) {
     for (const Tag& tag : kTags) {
-        if (tag.name == name) {
+        if (same_word(tag.name, name)) {
             return tag.eType;
         }
     }
     return NODE_ROOT;
 }
 
-/// Where the ordinary text at the front ends.
-std::size_t find_run_end(std::string_view payload) {
-    std::size_t end = 0;
-    while (end < payload.size() && payload[end] != '<' && payload[end] != '&') {
-        ++end;
+/// Where a tag's classes end: at the ">", or at whitespace, which only the tokenizer knows.
+std::size_t find_classes_end(std::string_view text, std::size_t from) {
+    while (from < text.size() && text[from] != '>' && !is_tag_space(text[from]) &&
+           text[from] != '\n') {
+        ++from;
     }
-    return end;
+    return from;
 }
 
-void read_start_tag(const std::string& name, PayloadSink& sink) {
+/// Cuts a payload into tokens. What is plain is read in place: ordinary text, references that are
+/// known, tags with at most classes or an annotation. The tokenizer gets the rest.
+class PayloadReader {
+  public:
+    PayloadReader(Cue& cue, std::string_view payload, PayloadSink& sink)
+        : m_cue(cue), m_rest(payload), m_sink(sink) {}
+
+    void read() {
+        while (!m_rest.empty()) {
+            if (m_rest.front() != '<') {
+                read_text();
+            } else if (!read_plain_tag()) {
+                read_token();
+            }
+        }
+    }
+
+  private:
+    void read_text();
+    std::size_t find_run_end();
+    bool read_plain_tag();
+    void add_classes(std::string_view classes);
+    void read_token();
+    void read_start_tag(const std::string& name);
+    void read_end_tag(const std::string& name);
+    void read_timestamp(const std::string& text);
+
+    Cue& m_cue;
+    std::string_view m_rest;
+    PayloadSink& m_sink;
+    // They remember what lies ahead, so that a megabyte of either costs no more than any text.
+    ByteFinder m_brackets{'<'};
+    ByteFinder m_ampersands{'&'};
+};
+
+/// Reads a run of text, up to the next tag or the end.
+void PayloadReader::read_text() {
+    while (!m_rest.empty() && m_rest.front() != '<') {
+        if (m_rest.front() != '&') {
+            const std::size_t run = find_run_end();
+            m_sink.vText(m_rest.substr(0, run));
+            m_rest.remove_prefix(run);
+        } else if (const Reference* const reference = find_reference_in_front(m_rest)) {
+            m_sink.vText(reference->replacement);
+            m_rest.remove_prefix(reference->name.text.size() + 1);
+        } else {
+            // From here on the run may hold any mixture of what is a reference and what is none.
+            read_token();
+            return;
+        }
+    }
+    m_sink.vEndText();
+}
+
+/// Where the ordinary text at the front ends.
+std::size_t PayloadReader::find_run_end() {
+    const char* const begin = m_rest.data();
+    const char* const end = begin + m_rest.size();
+    const char* const run_end =
+        std::min(m_brackets.find(begin, end), m_ampersands.find(begin, end));
+    return static_cast<std::size_t>(run_end - begin);
+}
+
+/// Reads "<name>", "<name.class>", "<name annotation>" or "</name>" with a name that is known.
+/// False, with nothing read, when there is no such tag here, or when it ends the payload, where
+/// tags read otherwise.
+bool PayloadReader::read_plain_tag() {
+    const bool closes = m_rest.size() > 1 && m_rest[1] == '/';
+    const std::size_t name_at = closes ? 2 : 1;
+    std::size_t end = name_at;
+    while (end < m_rest.size() && end <= name_at + kLongestTagName && m_rest[end] >= 'a' &&
+           m_rest[end] <= 'z') {
+        ++end;
+    }
+    const Node_Type eType = find_tag(m_rest.substr(name_at, end - name_at));
+    if (eType == NODE_ROOT) {
+        return false;
+    }
+    const std::size_t classes_at = end;
+    if (!closes && end < m_rest.size()) {
+        if (m_rest[end] == ' ') {
+            end = m_rest.find('>', end);  // an annotation, which nobody is told of
+        } else if (m_rest[end] == '.') {
+            end = find_classes_end(m_rest, end);
+        }
+    }
+    if (end >= m_rest.size() - 1 || m_rest[end] != '>') {
+        return false;
+    }
+    if (m_rest[classes_at] == '.') {
+        add_classes(m_rest.substr(classes_at + 1, end - classes_at - 1));
+    }
+    m_rest.remove_prefix(end + 1);
+    if (closes) {
+        m_sink.vCloseTag(eType);
+    } else {
+        m_sink.vOpenTag(eType);
+    }
+    return true;
+}
+
+void PayloadReader::add_classes(std::string_view classes) {
+    Split names{{}, classes, m_cue.fgKeepsClasses()};
+    while (names.found) {
+        names = split_first(names.tail, '.');
+        m_cue.vAddApplicableClass(WebvttString(names.head));
+    }
+}
+
+void PayloadReader::read_token() {
+    Cue::Tokenizer_Data token(m_rest.data(), static_cast<int>(m_rest.size()));
+    switch (m_cue.eTokenizer(token)) {
+        case Cue::TOKEN_STRING:
+            m_sink.vText(token.strResult.text);
+            m_sink.vEndText();
+            break;
+        case Cue::TOKEN_START_TAG:
+            read_start_tag(token.strResult.text);
+            break;
+        case Cue::TOKEN_END_TAG:
+            read_end_tag(token.strResult.text);
+            break;
+        case Cue::TOKEN_TIMESTAMP:
+            read_timestamp(token.strResult.text);
+            break;
+        case Cue::TOKEN_NONE:  // a list of classes that a line feed ended
+            break;
+    }
+    m_rest.remove_prefix(static_cast<std::size_t>(token.iPosition));
+}
+
+void PayloadReader::read_start_tag(const std::string& name) {
     const Node_Type eType = find_tag(name);
     if (eType == NODE_ROOT) {
         // "Ignored" is what it prints, but the rest of the payload is given up: hosts count on
@@ -45,57 +183,31 @@ void read_start_tag(const std::string& name, PayloadSink& sink) {
         print_error("unexcepted start tag <%s> detected. Ignored", name.c_str());
         throw BadAllocException("create new Node Failed\n", nullptr);
     }
-    sink.vOpenTag(eType);
+    m_sink.vOpenTag(eType);
 }
 
-void read_end_tag(const std::string& name, PayloadSink& sink) {
+void PayloadReader::read_end_tag(const std::string& name) {
     const Node_Type eType = find_tag(name);
     if (eType == NODE_ROOT) {
         print_error("unexcepted end tag <%s> detected. Ignored", name.c_str());
         return;
     }
-    sink.vCloseTag(eType);
+    m_sink.vCloseTag(eType);
 }
 
-void read_timestamp(const std::string& text, PayloadSink& sink) {
+void PayloadReader::read_timestamp(const std::string& text) {
     double checked = 0.0;
     if (!parse_timestamp(text, checked)) {
         print_error("Invalid time stamp tag <%s> detected. Ignored", text.c_str());
         return;
     }
-    sink.vTimestamp();
+    m_sink.vTimestamp();
 }
 
 }  // namespace
 
 void read_payload(Cue& cue, std::string_view payload, PayloadSink& sink) {
-    while (!payload.empty()) {
-        // Text that ends at a tag, or at the end, is a token as it lies there.
-        const std::size_t run = find_run_end(payload);
-        if (run == payload.size() || (run != 0 && payload[run] == '<')) {
-            sink.vText(payload.substr(0, run));
-            payload.remove_prefix(run);
-            continue;
-        }
-        Cue::Tokenizer_Data token(payload.data(), static_cast<int>(payload.size()));
-        switch (cue.eTokenizer(token)) {
-            case Cue::TOKEN_STRING:
-                sink.vText(token.strResult.text);
-                break;
-            case Cue::TOKEN_START_TAG:
-                read_start_tag(token.strResult.text, sink);
-                break;
-            case Cue::TOKEN_END_TAG:
-                read_end_tag(token.strResult.text, sink);
-                break;
-            case Cue::TOKEN_TIMESTAMP:
-                read_timestamp(token.strResult.text, sink);
-                break;
-            case Cue::TOKEN_NONE:  // a list of classes that a line feed ended
-                break;
-        }
-        payload.remove_prefix(static_cast<std::size_t>(token.iPosition));
-    }
+    PayloadReader(cue, payload, sink).read();
 }
 
 }  // namespace webvtt

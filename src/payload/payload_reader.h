@@ -11,8 +11,10 @@ namespace webvtt {
 /// does not know; a sink sees only what counts.
 class PayloadSink {
   public:
-    /// A run of text, character references replaced. Valid during the call.
-    virtual void vText(std::string_view text) = 0;
+    /// A piece of a run of text, character references replaced. Valid during the call.
+    virtual void vText(std::string_view piece) = 0;
+    /// The run of text ends; there was one piece of it at least.
+    virtual void vEndText() = 0;
     virtual void vOpenTag(Node_Type eType) = 0;
     /// Closes the innermost open tag if it is of this type; otherwise nothing is closed.
     virtual void vCloseTag(Node_Type eType) = 0;

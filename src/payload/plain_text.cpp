@@ -1,5 +1,4 @@
 // The plain text that a host receives.
-#include "base/errors.h"
 #include "payload/node_walk.h"
 #include "payload/payload_reader.h"
 
@@ -11,7 +10,8 @@ class TextCollector final : public PayloadSink {
   public:
     explicit TextCollector(std::string& joined) : m_joined(joined) {}
 
-    void vText(std::string_view text) override { m_joined += text; }
+    void vText(std::string_view piece) override { m_joined += piece; }
+    void vEndText() override {}
     void vOpenTag(Node_Type /*eType*/) override {}
     void vCloseTag(Node_Type /*eType*/) override {}
     void vTimestamp() override {}
@@ -20,26 +20,15 @@ class TextCollector final : public PayloadSink {
     std::string& m_joined;
 };
 
-bool has_markup(std::string_view payload) {
-    return payload.find('<') != std::string_view::npos ||
-           payload.find('&') != std::string_view::npos;
-}
-
 }  // namespace
 
-void Cue::vReadPayloadText(std::string_view payload) {
-    if (payload.empty()) {
-        throw InvalidArgumentException("Input pcLine is empty", nullptr);
-    }
-    if (!has_markup(payload)) {
-        m_plain_text = payload;  // where it lies: nothing is copied but into the record
-        return;
-    }
+void Cue::vReadPayloadText(std::string_view payload, std::string& joined) {
     m_for_text = true;
-    m_joined_text.reserve(payload.size());
-    TextCollector collector(m_joined_text);
+    joined.clear();
+    joined.reserve(payload.size());
+    TextCollector collector(joined);
     read_payload(*this, payload, collector);
-    m_plain_text = m_joined_text;
+    m_plain_text = joined;
 }
 
 void Cue::vTravelNodeTreeWithAction(WebvttNode* pNode, Travel_Action_Type eAction,

@@ -1,48 +1,32 @@
 // The states outside of tags: text and character references.
 #include "payload/tokenizer.h"
 
-#include "cue/cue_constants.h"
+#include "payload/references.h"
 
 namespace webvtt {
 namespace {
 
-struct Reference {
-    const WebvttString& name;  // with the "&", without the ";"
-    std::string_view replacement;
-};
-
-const Reference kReferences[] = {
-    {ESCAPE_AMP, "&"},
-    {ESCAPE_LT, "<"},
-    {ESCAPE_GT, ">"},
-    {ESCAPE_LRM, "\xE2\x80\x8E"},  // U+200E left-to-right mark
-    {ESCAPE_RLM, "\xE2\x80\x8F"},  // U+200F right-to-left mark
-    {ESCAPE_NBSP, "\xC2\xA0"},     // U+00A0 no-break space
-};
-
 /// Appends what the reference stands for; a name that is not known stays as it was written.
 void append_reference(std::string& text, const std::string& name) {
-    for (const Reference& reference : kReferences) {
-        if (reference.name.text == name) {
-            text += reference.replacement;
-            return;
-        }
+    if (const Reference* const reference = find_reference(name)) {
+        text += reference->replacement;
+    } else {
+        text += name;
+        text += ';';
     }
-    text += name;
-    text += ';';
+}
+
+/// Where the ordinary text at the front ends: at the first "<" or "&", or with the text.
+std::size_t find_text_end(std::string_view text) {
+    std::size_t end = 0;
+    while (end < text.size() && text[end] != '<' && text[end] != '&') {
+        ++end;
+    }
+    return end;
 }
 
 bool is_ascii_alphanumeric(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
-/// Where the run of ordinary text that starts at the current character ends.
-int find_run_end(const Cue::Tokenizer_Data& data) {
-    int end = data.iPosition;
-    while (end < data.iLength && data.pcInput[end] != '&' && data.pcInput[end] != '<') {
-        ++end;
-    }
-    return end;
 }
 
 }  // namespace
@@ -82,9 +66,11 @@ Cue::Token_Type Cue::eTokenizer(Tokenizer_Data& data) {
 }
 
 void Cue::vProcessDataState(Tokenizer_Data& data) {
-    const int run_end = find_run_end(data);
-    data.strResult.text.append(data.pcInput + data.iPosition, data.pcInput + run_end);
-    data.iPosition = run_end;
+    const std::string_view rest(data.pcInput + data.iPosition,
+                                static_cast<std::size_t>(data.iLength - data.iPosition));
+    const std::size_t run = find_text_end(rest);
+    data.strResult.text.append(rest.data(), run);
+    data.iPosition += static_cast<int>(run);
 
     const char c = data.cRead();
     if (data.fgStop) {

@@ -13,6 +13,11 @@
 
 namespace webvtt {
 
+/// Whitespace inside a tag, the line feed apart; a carriage return is none.
+inline bool is_tag_space(char c) {
+    return c == '\t' || c == '\f' || c == ' ';
+}
+
 /// The state of one token. A fresh one is made for every token, over the rest of the payload.
 struct Cue::Tokenizer_Data {
     /// @param pcText not owned, read only while the token is being cut

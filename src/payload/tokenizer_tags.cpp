@@ -9,11 +9,6 @@
 namespace webvtt {
 namespace {
 
-/// Whitespace inside a tag, the line feed apart; a carriage return is none.
-bool is_tag_space(char c) {
-    return c == '\t' || c == '\f' || c == ' ';
-}
-
 /// Collects everything up to ">" or the end of the input: an end tag or a timestamp.
 void take_until_bracket(Cue::Tokenizer_Data& data, Cue::Token_Type eType) {
     char c = data.cRead();

@@ -36,8 +36,11 @@ class TreeBuilder final : public PayloadSink {
   public:
     TreeBuilder(Cue& cue, WebvttNode* root) : m_cue(cue), m_current(root) {}
 
-    void vText(std::string_view text) override {
-        prAppend(new (std::nothrow) WebvttTextNode(WebvttString(text)));
+    void vText(std::string_view piece) override { m_text += piece; }
+
+    void vEndText() override {
+        prAppend(new (std::nothrow) WebvttTextNode(WebvttString(m_text)));
+        m_text.clear();
     }
 
     void vOpenTag(Node_Type eType) override {
@@ -72,6 +75,7 @@ class TreeBuilder final : public PayloadSink {
 
     Cue& m_cue;
     WebvttNode* m_current;
+    std::string m_text;  // of the run that is being read
 };
 
 }  // namespace
@@ -93,7 +97,7 @@ bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
 }
 
 void Cue::vAddApplicableClass(WebvttString strClass) {
-    if (!m_for_text) {
+    if (fgKeepsClasses()) {
         vecApplicableClasses.push_back(std::move(strClass));
     }
 }

@@ -63,6 +63,24 @@ TEST(BlockBuffer, BorrowsLinesThatFollowEachOther) {
     EXPECT_TRUE(buffer.fgEndsWithLineFeed());
 }
 
+TEST(BlockBuffer, BorrowsAWholeBlock) {
+    const Chunk chunk("\none\ntwo\n\nthree");
+    for (const bool may_have_markup : {false, true}) {
+        const std::string_view text(chunk.lines[1].text.data(), 8);
+        BlockBuffer buffer;
+        EXPECT_TRUE(buffer.fgMayHaveMarkup());  // as long as nobody knows
+        buffer.vBorrow({text, 2, 2, 10, may_have_markup});
+        EXPECT_EQ(buffer.strText().data(), text.data());
+        EXPECT_EQ(buffer.strText(), "one\ntwo\n");
+        EXPECT_EQ(buffer.uLineFeeds(), 2u);
+        EXPECT_EQ(buffer.fgMayHaveMarkup(), may_have_markup);
+        buffer.vClear();
+        EXPECT_TRUE(buffer.fgIsEmpty());
+        EXPECT_EQ(buffer.uLineFeeds(), 0u);
+        EXPECT_TRUE(buffer.fgMayHaveMarkup());
+    }
+}
+
 TEST(BlockBuffer, CopiesWhatDoesNotLieAsItIsUsed) {
     const struct {
         std::string chunk, text;

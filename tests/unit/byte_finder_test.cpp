@@ -1,5 +1,5 @@
 // Looking for a byte in a chunk from places that only move forward.
-#include "parser/byte_finder.h"
+#include "base/byte_finder.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@ namespace {
 class FinderInChunk {
   public:
     FinderInChunk(char wanted, std::string_view chunk) : m_chunk(chunk), m_finder(wanted) {
-        m_finder.start(begin(), end());
+        m_finder.start();
     }
 
     std::ptrdiff_t find(std::size_t from) { return m_finder.find(begin() + from, end()) - begin(); }
@@ -55,7 +55,7 @@ TEST(ByteFinder, AbsentByteIsTheEnd) {
 
 TEST(ByteFinder, NullIsAnEmptyChunk) {
     ByteFinder finder('x');
-    finder.start(nullptr, nullptr);
+    finder.start();
     EXPECT_EQ(finder.find(nullptr, nullptr), nullptr);
 }
 
@@ -63,9 +63,9 @@ TEST(ByteFinder, ForgetsTheLastChunk) {
     support::ExactBlock chunk("..x.x");
     const char* const begin = chunk.data();
     ByteFinder finder('x');
-    finder.start(begin, begin + 5);
+    finder.start();
     EXPECT_EQ(finder.find(begin + 3, begin + 5), begin + 4);
-    finder.start(begin, begin + 4);
+    finder.start();
     EXPECT_EQ(finder.find(begin, begin + 4), begin + 2);
     EXPECT_EQ(finder.find(begin + 3, begin + 4), begin + 4);
 }

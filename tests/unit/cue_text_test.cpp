@@ -44,8 +44,10 @@ std::string describe(const Cue& cue, std::string_view text) {
 Outcome parse_for_text(const std::string& block) {
     support::ExactBlock exact(block);  // without a terminating zero
     return outcome_of([&]() -> std::string {
+        std::string joined = "of an earlier cue";
         Cue cue;
-        if (!cue.fgParseForText({exact.data(), exact.size()})) {
+        const bool may_have_markup = block.find_first_of("<&") != std::string::npos;
+        if (!cue.fgParseForText({exact.data(), exact.size()}, may_have_markup, joined)) {
             return "false";
         }
         EXPECT_EQ(cue.pRootNode, nullptr);

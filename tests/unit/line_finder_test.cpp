@@ -68,6 +68,57 @@ TEST(LineFinder, FindsEveryLine) {
     }
 }
 
+/// "[text]lines:3 blank:1 takes:9 markup, " for each block of at most three lines, then what is
+/// left to be read line by line.
+std::string dump_blocks(std::string_view bytes) {
+    support::ExactBlock chunk(bytes);
+    const char* begin = chunk.data();
+    LineFinder finder;
+    finder.start(begin, begin + chunk.size());
+    std::string dump;
+    ChunkBlock block;
+    while (finder.find_block(begin, 3, &block)) {
+        dump += "[" + std::string(block.text) + "]lines:" + std::to_string(block.line_feeds) +
+                " blank:" + std::to_string(block.blank_lines) +
+                " takes:" + std::to_string(block.consumed) +
+                (block.may_have_markup ? " markup, " : ", ");
+        begin += block.consumed;
+    }
+    return dump + "+" + std::string(begin, static_cast<const char*>(chunk.data()) + chunk.size());
+}
+
+TEST(LineFinder, FindsWholeBlocks) {
+    const struct {
+        std::string chunk, blocks;
+    } cases[] = {
+        {"", "+"},
+        {"\n\n", "+\n\n"},
+        {"a\n", "+a\n"},
+        {"a\n\n", "[a\n]lines:1 blank:1 takes:3, +"},
+        {"\n\na\nb\n\nc", "[a\nb\n]lines:2 blank:3 takes:7, +c"},
+        {"a\nb\nc\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, +"},
+        {"a\nb\nc\n\nd\n\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, [d\n]lines:1 blank:2 takes:4, +"},
+        {"a\nb\nc\nd\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, +d\n"},
+        {" \n\n", "[ \n]lines:1 blank:1 takes:3, +"},
+        {"a<\n\nb\n\nc&\n\n",
+         "[a<\n]lines:1 blank:1 takes:4 markup, [b\n]lines:1 blank:1 takes:3, "
+         "[c&\n]lines:1 blank:1 takes:4 markup, +"},
+        // A carriage return or a zero in or right behind a block: its lines are not plain.
+        {"a\r\n\n", "+a\r\n\n"},
+        {"a\n\r\n", "+a\n\r\n"},
+        {"a\nb\rc\n\n", "+a\nb\rc\n\n"},
+        {"a\0\n\n"s, "+a\0\n\n"s},
+        {"a\n\0\n\n"s, "+a\n\0\n\n"s},
+        {"a\n\n\rb", "[a\n]lines:1 blank:1 takes:3, +\rb"},
+        {"a\n\n\0b"s, "[a\n]lines:1 blank:1 takes:3, +\0b"s},
+        {"a\nb\nc\n\r\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, +\r\n"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.chunk));
+        EXPECT_EQ(dump_blocks(c.chunk), c.blocks);
+    }
+}
+
 TEST(LineFinder, FindingConsumesNothing) {
     support::ExactBlock chunk("one\ntwo\n");
     LineFinder finder;

@@ -67,5 +67,26 @@ TEST(MemoryBalance, HoldsWhicheverAllocationFails) {
     EXPECT_GT(spared, 20u);  // the track is rich enough to mean something
 }
 
+/// The blocks that a parser holds once the chunk and a small cue behind it are delivered.
+long blocks_held_after(const std::string& chunk) {
+    support::StdoutCapture capture;
+    const auto parser = std::make_unique<WebVTTParser>();
+    parser->vSetWebvttEventNty(nullptr, [](WEBVTT_EVENT_T, void*, void*) {});
+    const long before = support::live_blocks();
+    for (const std::string& text :
+         {"WEBVTT\n\n" + chunk, std::string("00:01.000 --> 00:02.000\nx\n\n")}) {
+        support::ExactBlock block(text);
+        parser->rsltParse(block.data(), block.size());
+        parser->vGetParseResult();
+    }
+    return support::live_blocks() - before;
+}
+
+TEST(MemoryBalance, StorageForAHugeTextWithMarkupIsGivenBack) {
+    const std::string timing = "00:01.000 --> 00:02.000\n";
+    EXPECT_EQ(blocks_held_after(timing + "<i>" + std::string(200000, 'x') + "</i>\n\n"),
+              blocks_held_after(timing + "plain\n\n"));
+}
+
 }  // namespace
 }  // namespace webvtt

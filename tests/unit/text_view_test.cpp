@@ -72,5 +72,19 @@ TEST(TextView, TextFromAcceptsTheEnd) {
     EXPECT_EQ(out_of_range_text([] { text_from("", 1); }), "basic_string::substr");
 }
 
+TEST(SameWord, ComparesEveryCharacter) {
+    const struct {
+        std::string_view word, other;
+        bool same;
+    } cases[] = {
+        {"", "", true},         {"a", "", false},        {"", "a", false},
+        {"line", "line", true}, {"line", "lind", false}, {"line", "xine", false},
+        {"line", "lin", false}, {"lin", "line", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(same_word(c.word, c.other), c.same) << c.word << " " << c.other;
+    }
+}
+
 }  // namespace
 }  // namespace webvtt
