@@ -171,5 +171,58 @@ TEST(TimingLine, ForgetsThatAPositionWasGivenBefore) {
     EXPECT_EQ(dump_settings(cue), "pos=100 posalign=2 align=2");
 }
 
+/// The same line at the head of a block, where its usual form is read in place.
+std::string result_in_block(const std::string& line, const Timing& alone) {
+    Cue cue;
+    std::string result = "false";
+    const std::string output = support::output_of([&] {
+        try {
+            if (cue.fgParse((line + "\nx\n").c_str(), 1)) {
+                result = short_number(cue.dStartTime) + " " + short_number(cue.dEndTime);
+            }
+        } catch (const InvalidArgumentException& error) {
+            result = "throws " + error.strGetMessage();
+        }
+    });
+    const bool failed = result == "false";
+    EXPECT_EQ(output,
+              alone.output + (failed ? error_line("Parse Cue Time and Settings Failed") : ""));
+    EXPECT_EQ(dump_settings(cue), dump_settings(alone.cue));
+    return result;
+}
+
+TEST(TimingLine, UsualFormAndItsNeighboursReadAlikeInABlock) {
+    const struct {
+        const char *line, *result;
+    } cases[] = {
+        {"00:00:01.000 --> 00:00:02.000", "1 2"},
+        {"10:59:59.125 --> 11:00:00.500", "39599.125 39600.5"},
+        {"00:00:01.000 --> 00:00:02.000 ", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000 align:end", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000   line:5%   size:50%  ", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000 size:50% align:end line:-2", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000 position:10%,end region:a", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000 align:a:end :x xx a: size:5%", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000 --> align:end", "1 2"},
+        {"00:00:01.000 --> 00:00:02.000\talign:end", "false"},
+        {"00:00:01.000 --> 00:00:02.000x", "false"},
+        {"00:00:01.000 --> 00:00:02.00", "false"},
+        {" 00:00:01.000 --> 00:00:02.000 align:end", "1 2"},
+        {"00:00:01.000  --> 00:00:02.000 align:end", "1 2"},
+        {"00:00:01.000-->00:00:02.000 align:end", "1 2"},
+        {"00:00:01.000 -->  00:00:02.000 align:end", "1 2"},
+        {"00:01.000 --> 00:02.000 align:end", "1 2"},
+        {"00:60:01.000 --> 00:00:02.000", "throws Input pcLine is empty"},
+        {"00:00:01.000 --> 00:00:60.000", "false"},
+        {"100:00:01.000 --> 100:00:02.000", "360001 360002"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.line);
+        const Timing alone(c.line);
+        EXPECT_EQ(alone.result, c.result);
+        EXPECT_EQ(result_in_block(c.line, alone), c.result);
+    }
+}
+
 }  // namespace
 }  // namespace webvtt
