@@ -184,6 +184,8 @@ TEST_F(AllocationFailure, PayloadNodes) {
          {"x", "<b>x", "<i>x", "<u>x", "<c>x", "<v>x", "<ruby>x", "<rt>x", "<00:01.000>x"}) {
         EXPECT_EQ(parse_payload(payload, 1), "create new Node Failed\n") << payload;
     }
+    EXPECT_EQ(parse_payload("<lang>x", 1), "the standard error");  // the list of languages
+    EXPECT_EQ(parse_payload("<lang>x", 2), "create new Node Failed\n");
     EXPECT_EQ(parse_payload("x", 2), "the standard error");  // the root's list of children
     EXPECT_EQ(support::live_blocks(), before);
 }

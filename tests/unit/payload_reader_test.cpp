@@ -117,6 +117,7 @@ TEST(PayloadReader, TellsASinkWhatAPayloadHolds) {
         {"x<i>", "[x]<i>[>]"},
         {"x</i>", "[x]</i>"},
         {"<rubyx>a", "!"},
+        {"<i~>a", "!"},
         {"</rubyx>a", "[a]"},
         {"a<", "[a]!"},
     };

@@ -65,6 +65,7 @@ TEST(TokenizerText, PendingReferenceIsDroppedAtAnyOtherCharacter) {
     const TokenCase cases[] = {
         {"x &amp y", "text[x  y]8"},
         {"a & b", "text[a  b]5"},
+        {"a &b{ c", "text[a { c]7"},
         {"&x y", "text[ y]4"},
         {"&#38;", "text[#38;]5"},
         {"&amp\n", "text[\n]5"},
