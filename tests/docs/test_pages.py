@@ -50,6 +50,7 @@ PAGES = [
     ("```c\nint a;\n```\n", ["needs the name"]),
     ("```c a.c\nint a;\n```\n", []),
     ("```c a.c\nint a\n```\n", ["does not compile"]),
+    ("```cpp a.cpp\n#include <string>\nstd::string a;\n```\n", []),
     ("```cpp a.cpp\nauto a = nullptr;\n```\n", []),
     ("```c examples/host.c\n#include <dlfcn.h>\n#include <stdio.h>\n```\n", []),
     ("```c examples/host.c\n#include <stdio.h>\n#include <dlfcn.h>\n```\n", ["no excerpt"]),
