@@ -3,7 +3,7 @@
 A block's opening line says what it is, and may name a file:
 
     ```console            commands, each after "$ ", and what they print
-    ```text               anything that is no command
+    ```text               anything that is no command; likewise vtt and json
     ```text live.vtt      a file that later commands of the page find under this name
     ```c player.c         the same, and it is compiled
     ```c examples/host.c  an excerpt of a file of the tree, letter by letter
@@ -14,7 +14,9 @@ In what a command prints, a line "..." stands for any lines. A line after "> " g
 import dataclasses
 import re
 
-LANGUAGES = ("console", "text", "c", "cpp", "cmake")
+TEXTS = ("text", "vtt", "json")
+CODE = ("c", "cpp", "cmake")
+LANGUAGES = ("console", *TEXTS, *CODE)
 FENCE = re.compile(r"^( *)(`{3,}|~{3,})(.*)$")
 LIST_ITEM = re.compile(r"^( *(?:[-*+]|\d+[.)]) +)")
 
@@ -74,7 +76,7 @@ def open_block(number, words):
     if language not in LANGUAGES or len(words) > 2:
         raise Mistake(f"{number}: a block is one of {', '.join(LANGUAGES)}, with or without the "
                       f"name of a file, not \"{' '.join(words)}\"")
-    if language not in ("console", "text") and not name:
+    if language in CODE and not name:
         raise Mistake(f"{number}: a block of {language} needs the name of a file: a new one, or one "
                       "that it is an excerpt of")
     return Block(number, language, name, [])
@@ -99,7 +101,7 @@ def commands(block):
 
 
 def holds_a_command(block):
-    return block.language == "text" and any(line.startswith("$ ") for line in block.lines)
+    return block.language in TEXTS and any(line.startswith("$ ") for line in block.lines)
 
 
 def agrees(printed, expected):

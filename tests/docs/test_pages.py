@@ -39,6 +39,8 @@ PAGES = [
     ("```console\n$ fuzz/runner\n```\n", ["no fuzz/runner"]),
     ("```text\n$ echo a\n```\n", ["use console"]),
     ("```text\nno command\n```\n", []),
+    ("```vtt\nWEBVTT\n```\n", []),
+    ("```json\n$ echo a\n```\n", ["use console"]),
     ("```\nanything\n```\n", ["a block is one of"]),
     ("```sh\necho\n```\n", ["a block is one of"]),
     ("```text\nnot closed\n", ["never closed"]),
