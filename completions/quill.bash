@@ -1,0 +1,48 @@
+# bash completion for quill. Needs nothing but bash.
+
+# Subcommands, and the options of each; a test compares both with what quill --help says.
+_quill_subcommands='check conform cues inspect'
+declare -A _quill_options=(
+    [quill]='--help --version'
+    [check]='--help --format --chunk --fail-on --codes --module --quiet'
+    [conform]='--help --list --only --failed-only --cases --timeout --format'
+    [cues]='--help --format --chunk --pts --module --quiet'
+    [inspect]='--help --format'
+)
+
+# _quill_value SUBCOMMAND OPTION WORD: offers what may be the option's value, nothing where that is
+# a number or a pattern. Fails when the option takes no value.
+_quill_value() {
+    local word=$3 values=
+    case $1:$2 in
+        cues:--format) values='text json srt' ;;
+        *:--format) values='text json' ;;
+        check:--fail-on) values='lost changed remark never' ;;
+        *:--module | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--chunk | *:--pts | conform:--timeout | conform:--only) ;;
+        *) return 1 ;;
+    esac
+    if [ -n "$values" ]; then
+        mapfile -t COMPREPLY < <(compgen -W "$values" -- "$word")
+    fi
+}
+
+_quill() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} subcommand=quill
+    COMPREPLY=()
+    if [ "$COMP_CWORD" -gt 1 ]; then
+        subcommand=${COMP_WORDS[1]}
+    fi
+    if _quill_value "$subcommand" "$before" "$word"; then
+        return
+    fi
+    if [[ $word == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "${_quill_options[$subcommand]-}" -- "$word")
+    elif [ "$subcommand" = quill ]; then
+        mapfile -t COMPREPLY < <(compgen -W "$_quill_subcommands" -- "$word")
+    elif [ -n "${_quill_options[$subcommand]-}" ]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    fi
+}
+
+complete -o filenames -F _quill quill

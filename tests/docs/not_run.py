@@ -1,0 +1,22 @@
+"""Commands in the documents that the test of the documents does not run, each with the reason.
+
+A command is left out when it begins with the text of a row. A row that leaves out no command any
+more is a failure, and so is one whose script is gone. A command that is left out still has to
+exist: its first word is looked up in the tree when it has a slash.
+"""
+
+BUILDS = "builds and tests, as continuous integration does"
+HOURS = "takes minutes to hours"
+
+NOT_RUN = [
+    ("scripts/demo", "installs packages and builds"),
+    ("scripts/test", "installs packages, builds and tests"),
+    ("cmake --preset", BUILDS),
+    ("ctest --preset", BUILDS),
+    ("cmake --build build/board", "takes a minute; the preset armhf builds the same"),
+    ("cd build/board && cpack", "needs that build; the tests of the installation make packages"),
+    ("fuzz/run", HOURS),
+    ("tests/mutation/run", HOURS),
+    ("scripts/coverage", HOURS),
+    ("./campaign", HOURS),
+]
