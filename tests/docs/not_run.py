@@ -18,5 +18,9 @@ NOT_RUN = [
     ("fuzz/run", HOURS),
     ("tests/mutation/run", HOURS),
     ("scripts/coverage", HOURS),
+    ("bench/", "the figures belong to the machine; bench.gate holds the ratios"),
+    ("build/i386/bench/", "the figures belong to the machine; bench.memory holds the limits"),
+    ("cmake -S . -B build/profile", "builds, for a profile that people read"),
+    ("cmake --build build/profile", "the same"),
     ("./campaign", HOURS),
 ]
