@@ -105,9 +105,9 @@ std::uint64_t DiagnosticsCapture::kept() const {
 
 std::string DiagnosticsCapture::Read(std::uint64_t skipped, std::size_t most) const {
     std::fflush(stdout);
-    std::string read(static_cast<std::size_t>(
-                         std::min<std::uint64_t>(kept() - std::min(kept(), skipped), most)),
-                     '\0');
+    std::string read(
+        static_cast<std::size_t>(std::min<std::uint64_t>(kept() - std::min(kept(), skipped), most)),
+        '\0');
     const ssize_t count = pread(file_.get(), read.data(), read.size(), static_cast<off_t>(skipped));
     read.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     return read;

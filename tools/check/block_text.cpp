@@ -25,7 +25,8 @@ void BlockText::Read(std::string_view track, const Block& block) {
 }
 
 bool BlockText::HasZeroByte() const {
-    return std::any_of(lines_.begin(), lines_.end(), [](const Line& line) { return line.is_cut(); });
+    return std::any_of(lines_.begin(), lines_.end(),
+                       [](const Line& line) { return line.is_cut(); });
 }
 
 bool BlockText::HasArrow(std::size_t index) const {
@@ -34,7 +35,8 @@ bool BlockText::HasArrow(std::size_t index) const {
 
 bool BlockText::IsComment() const {
     const std::string_view first = text(0);
-    return first.substr(0, 4) == "NOTE" && (first.size() == 4 || first[4] == ' ' || first[4] == '\t');
+    return first.substr(0, 4) == "NOTE" &&
+           (first.size() == 4 || first[4] == ' ' || first[4] == '\t');
 }
 
 bool BlockText::IsStyle() const {

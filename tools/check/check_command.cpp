@@ -87,8 +87,7 @@ std::string ReadAll(TrackReader& reader, Progress& progress) {
 CheckCommand::CheckCommand(CLI::App& app)
     : command_line_(app.add_subcommand("check", "Say what becomes of every block of a track")) {
     CLI::App& line = *command_line_;
-    line.add_option("TRACK", tracks_, "The tracks to check; - reads standard input")
-        ->type_name("");
+    line.add_option("TRACK", tracks_, "The tracks to check; - reads standard input")->type_name("");
     line.add_option_function<std::string>(
             "--format", [this](const std::string& name) { in_json_ = ParseFormat(name); },
             "How findings are printed: text (default) or json")
@@ -96,8 +95,8 @@ CheckCommand::CheckCommand(CLI::App& app)
     line.add_option_function<std::string>(
             "--chunk",
             [this](const std::string& text) {
-                chunk_size_ = ParseWholeNumber("--chunk", "a whole number of bytes", text, 1,
-                                               kLargestTrack);
+                chunk_size_ =
+                    ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestTrack);
             },
             "Play the track in chunks of this size (default: all of\n"
             "it in one); the first one always holds the first line")
@@ -107,7 +106,8 @@ CheckCommand::CheckCommand(CLI::App& app)
             "What ends in exit code 1: lost (default), changed (or\n"
             "lost), remark (any finding), or never")
         ->type_name("LEVEL");
-    line.add_flag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
+    line.add_flag("--codes", only_codes_,
+                  "List all codes with cause and mend, and do nothing else");
     line.add_flag("--quiet", quiet_, "Print no sums, and show no progress");
     AddModuleOption(line, module_);
     line.footer(kFooter);

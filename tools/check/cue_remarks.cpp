@@ -32,8 +32,9 @@ void ExamineTimes(const BlockText& block, const TimingLine& timing, const CueCop
     for (const auto& [written, delivered] :
          {std::pair(timing.start, cue.start), std::pair(timing.end, cue.end)}) {
         if (WrittenHours(written) * kSecondsPerHour > delivered) {
-            findings.emplace_back(line, "hours-wrap",
-                                  Quoted(written) + " is delivered as " + FormatTime(delivered, '.'));
+            findings.emplace_back(
+                line, "hours-wrap",
+                Quoted(written) + " is delivered as " + FormatTime(delivered, '.'));
         }
     }
     if (cue.end <= cue.start) {

@@ -38,9 +38,9 @@ bool SameSettings(const CueCopy& one, const CueCopy& other) {
 
 std::uint32_t Fingerprint(const CueCopy& cue) {
     std::uint32_t hash = static_cast<std::uint32_t>(std::hash<std::string>()(cue.text));
-    for (const int value : {static_cast<int>(cue.line), cue.size, cue.position,
-                            static_cast<int>(cue.snap_to_lines), static_cast<int>(cue.align),
-                            static_cast<int>(cue.vertical)}) {
+    for (const int value :
+         {static_cast<int>(cue.line), cue.size, cue.position, static_cast<int>(cue.snap_to_lines),
+          static_cast<int>(cue.align), static_cast<int>(cue.vertical)}) {
         hash = hash * 31 + static_cast<std::uint32_t>(value);
     }
     return hash;

@@ -57,7 +57,8 @@ std::size_t TagLine(const BlockText& block, std::string_view name) {
             continue;
         }
         const std::string_view behind = block.text(index).substr(at + tag.size());
-        if (behind.empty() || std::string_view(">. \t\f").find(behind[0]) != std::string_view::npos) {
+        if (behind.empty() ||
+            std::string_view(">. \t\f").find(behind[0]) != std::string_view::npos) {
             return index;
         }
     }

@@ -73,9 +73,9 @@ void Player::Feed(std::string_view bytes, std::size_t chunk) {
 
 void Player::NoteEnd(std::optional<int> result, std::size_t chunk, std::size_t cues_before) {
     const bool was_in_header = in_header_;
-    in_header_ = in_header_ &&
-                 (result ? *result == WEBVTT_RESULT_HEADER
-                         : std::binary_search(throwing_chunks_.begin(), throwing_chunks_.end(), chunk));
+    in_header_ = in_header_ && (result ? *result == WEBVTT_RESULT_HEADER
+                                       : std::binary_search(throwing_chunks_.begin(),
+                                                            throwing_chunks_.end(), chunk));
     if (was_in_header) {
         play_.header_chunk = chunk;
     }

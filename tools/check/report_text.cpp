@@ -53,15 +53,15 @@ class TextReport : public Report {
     }
 
     std::string Format(const std::string& track, const Sums& sums) const override {
-        return Escape(track, LineFeeds::kEscape) + ": " +
-               Count(sums.cues_delivered, "cue") + " delivered, " +
-               std::to_string(sums.Count(Severity::kLost)) + " lost, " +
+        return Escape(track, LineFeeds::kEscape) + ": " + Count(sums.cues_delivered, "cue") +
+               " delivered, " + std::to_string(sums.Count(Severity::kLost)) + " lost, " +
                std::to_string(sums.Count(Severity::kChanged)) + " changed, " +
                Count(sums.Count(Severity::kRemark), "remark") + "\n" +
                "  lost: " + LostBlocks(sums) + "\n" +
                "  header lines: " + std::to_string(sums.header_lines_used) + " used, " +
-               std::to_string(sums.header_lines_ignored) + " ignored; comments: " +
-               std::to_string(sums.comments) + "\n" + "  bytes: " + Bytes(sums) + "\n";
+               std::to_string(sums.header_lines_ignored) +
+               " ignored; comments: " + std::to_string(sums.comments) + "\n" +
+               "  bytes: " + Bytes(sums) + "\n";
     }
 
     std::string Format(const Code& code) const override {

@@ -73,7 +73,8 @@ void CompareNumbers(const Setting& setting, const CueCopy& cue, Findings& findin
     const unsigned delivered = Delivered(setting.name, cue);
     if (delivered != written) {
         findings.emplace_back(
-            0, "number-wraps", Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
+            0, "number-wraps",
+            Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
     } else if (setting.first.find_first_of("123456789", end) != std::string::npos) {
         findings.emplace_back(
             0, "fraction", Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
@@ -97,9 +98,9 @@ Findings Used(const Setting& setting, const CueCopy& cue) {
     }
     CompareNumbers(setting, cue, findings);
     if (setting.has_second && !IsAlignment(setting.second)) {
-        findings.emplace_back(0, "alignment-part",
-                              Quoted(setting.second) + " in " + Quoted(setting.text) +
-                                  " is taken for start");
+        findings.emplace_back(
+            0, "alignment-part",
+            Quoted(setting.second) + " in " + Quoted(setting.text) + " is taken for start");
     }
     return findings;
 }
@@ -130,7 +131,8 @@ void SettingRemarks::Examine(std::string_view settings, std::uint32_t line, Find
 
 const Findings& SettingRemarks::AnswerFor(const std::string& item) {
     const auto known = answers_.find(item);
-    return known != answers_.end() ? known->second : answers_.emplace(item, Ask(item)).first->second;
+    return known != answers_.end() ? known->second
+                                   : answers_.emplace(item, Ask(item)).first->second;
 }
 
 Findings SettingRemarks::Ask(const std::string& item) {

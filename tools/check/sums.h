@@ -48,7 +48,7 @@ struct Sums {
     std::uint32_t header_lines_ignored = 0;
     std::uint32_t comments = 0;
     std::array<std::uint64_t, kByteClassCount> bytes{};
-    std::array<std::uint32_t, 3> findings{};          // by severity
+    std::array<std::uint32_t, 3> findings{};           // by severity
     std::map<std::string, std::uint32_t> lost_blocks;  // by the number of the code
 };
 

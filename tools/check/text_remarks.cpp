@@ -1,6 +1,7 @@
 #include "tools/check/text_remarks.h"
 
 #include <algorithm>
+#include <set>
 
 namespace quill {
 namespace {
@@ -20,12 +21,26 @@ std::size_t LineEndInClasses(std::string_view tag) {
     return end != std::string_view::npos && tag[end] == '\n' ? end : 0;
 }
 
-bool Says(const std::string& printed, const std::string& words, std::string_view what) {
-    return printed.find(words + std::string(what) + ">") != std::string::npos;
+// What the module says that it has dropped: all that stands between these words and "> detected".
+std::set<std::string_view> DroppedTags(std::string_view printed, std::string_view words) {
+    std::set<std::string_view> tags;
+    std::size_t at = printed.find(words);
+    while (at != std::string_view::npos) {
+        const std::size_t begin = at + words.size();
+        const std::size_t end = std::min(printed.find("> detected", begin), printed.size());
+        tags.insert(printed.substr(begin, end - begin));
+        at = printed.find(words, end);
+    }
+    return tags;
 }
 
+struct Dropped {
+    std::set<std::string_view> end_tags;
+    std::set<std::string_view> time_tags;
+};
+
 // Returns how many bytes of `rest`, which begins with "<", have been dealt with.
-std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const std::string& printed,
+std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const Dropped& dropped,
                        Findings& findings) {
     const std::size_t close = rest.find('>');
     if (close == std::string_view::npos) {
@@ -35,14 +50,12 @@ std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const std::str
     const std::string_view tag = rest.substr(0, close + 1);
     const std::string_view inner = rest.substr(1, close - 1);
     if (const std::size_t line_end = LineEndInClasses(tag); line_end != 0) {
-        findings.emplace_back(line, "tag-line-end",
-                              "a line ends inside the tag " + Quoted(tag));
+        findings.emplace_back(line, "tag-line-end", "a line ends inside the tag " + Quoted(tag));
         return line_end + 1;
     }
-    if (inner.substr(0, 1) == "/" &&
-        Says(printed, "unexcepted end tag <", inner.substr(1))) {
+    if (inner.substr(0, 1) == "/" && dropped.end_tags.count(inner.substr(1)) > 0) {
         findings.emplace_back(line, "unknown-end-tag", "unknown end tag " + Quoted(tag));
-    } else if (Says(printed, "Invalid time stamp tag <", inner)) {
+    } else if (dropped.time_tags.count(inner) > 0) {
         findings.emplace_back(line, "time-tag", "invalid time tag " + Quoted(tag));
     }
     return tag.size();
@@ -52,12 +65,14 @@ std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const std::str
 
 void TextRemarks::Examine(std::string_view payload, std::uint32_t line, const std::string& printed,
                           Findings& findings) {
+    const Dropped dropped = {DroppedTags(printed, "unexcepted end tag <"),
+                             DroppedTags(printed, "Invalid time stamp tag <")};
     std::size_t at = payload.find_first_of("&<");
     while (at < payload.size()) {
         line += static_cast<std::uint32_t>(
             std::count(payload.begin(), payload.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
         payload.remove_prefix(at);
-        const std::size_t done = payload[0] == '<' ? ExamineTag(payload, line, printed, findings)
+        const std::size_t done = payload[0] == '<' ? ExamineTag(payload, line, dropped, findings)
                                                    : ExamineReference(payload, line, findings);
         at = payload.find_first_of("&<", done);
     }

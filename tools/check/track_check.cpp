@@ -83,6 +83,7 @@ void TrackCheck::CheckBlocks(const Play& play, std::size_t begin, std::uint32_t 
     play_ = &play;
     remarks_ = &remarks;
     matcher_ = &matcher;
+    carriage_return_ = track_.find('\r');
     BlockReader reader(track_, begin, line);
     std::size_t reached = begin;
     while (const std::optional<Block> block = reader.Next()) {
@@ -95,6 +96,7 @@ void TrackCheck::CheckBlocks(const Play& play, std::size_t begin, std::uint32_t 
         const Verdict& verdict = block->is_open ? parser.AskOpen(piece) : parser.Ask(piece);
         sums_.AddBytes(Judge(*block, verdict, findings), block->end - block->begin);
         Say(findings);
+        block_before_ = block->begin;
         progress_.Show(name_, track_.size() / 4 + reached / 4 * 3, track_.size());
     }
     sums_.AddBytes(ByteClass::kBlank, track_.size() - std::min(reached, track_.size()));
@@ -142,8 +144,9 @@ ByteClass TrackCheck::JudgeLost(const Block& block, const Verdict& verdict, Find
     if (text_.IsComment() || text_.IsStyle()) {
         ++sums_.comments;
         if (text_.IsStyle()) {
-            findings.emplace_back(block.first_line, "style-block",
-                                  "a " + std::string(text_.text(0).substr(0, 6)) + " block is not read");
+            findings.emplace_back(
+                block.first_line, "style-block",
+                "a " + std::string(text_.text(0).substr(0, 6)) + " block is not read");
         } else if (const std::size_t arrow = text_.ArrowLine(); arrow < text_.size()) {
             findings.emplace_back(text_.number(arrow), "comment-arrow", "a comment holds an arrow");
         }
@@ -154,8 +157,7 @@ ByteClass TrackCheck::JudgeLost(const Block& block, const Verdict& verdict, Find
 }
 
 // The first block that ends in a chunk and has the fate by which that chunk ended.
-void TrackCheck::NoteCulprit(const Block& block, const Verdict& verdict,
-                             const Findings& findings) {
+void TrackCheck::NoteCulprit(const Block& block, const Verdict& verdict, const Findings& findings) {
     if (verdict.fate == Fate::kDelivered || verdict.fate == Fate::kFailed) {
         return;
     }
@@ -174,15 +176,31 @@ Finding TrackCheck::ExplainNeighbours(const Block& block, const Verdict& verdict
     if (const EarlyEnd* const early_end = play_->FindEarlyEnd(first, last)) {
         const bool known = culprit_ && culprit_->chunk == early_end->chunk;
         const std::string by = early_end->in_header ? "the map header"
-                               : known ? "line " + std::to_string(culprit_->line)
-                                       : "something before it";
+                               : known              ? "line " + std::to_string(culprit_->line)
+                                                    : "something before it";
         return {block.first_line, NeighbourCode(*early_end),
                 cue + " is lost with its chunk, which " + by + " ended"};
     }
     if (first <= play_->header_chunk && !play_->early_ends.empty()) {
         return {block.first_line, "taken-for-header", cue + " is taken for a part of the header"};
     }
+    if (HasSkippedLineFeed(block_before_, block.completed)) {
+        return {block.first_line, "skipped-line-feed",
+                cue + " is lost with a line feed that begins a chunk"};
+    }
     return {block.first_line, "in-chunk", cue + " does not come out of its chunk"};
+}
+
+// Whether a chunk that begins there begins with a line feed, behind some lone carriage return.
+bool TrackCheck::HasSkippedLineFeed(std::size_t begin, std::size_t end) const {
+    for (std::size_t chunk = plan_.IndexOf(begin); chunk <= plan_.IndexOf(end); ++chunk) {
+        const std::size_t at = plan_.Begin(chunk);
+        if (at > carriage_return_ && at < track_.size() && track_[at] == '\n' &&
+            track_[at - 1] != '\r') {
+            return true;
+        }
+    }
+    return false;
 }
 
 // Strays are named by the line on which their chunk begins.

@@ -55,6 +55,7 @@ class TrackCheck {
     ByteClass JudgeDelivered(const Block& block, const Verdict& verdict, Findings& findings);
     ByteClass JudgeLost(const Block& block, const Verdict& verdict, Findings& findings);
     Finding ExplainNeighbours(const Block& block, const Verdict& verdict);
+    bool HasSkippedLineFeed(std::size_t begin, std::size_t end) const;
     void NoteCulprit(const Block& block, const Verdict& verdict, const Findings& findings);
     void ReportStrays(std::size_t chunk);
     void Say(Findings& findings);
@@ -74,6 +75,8 @@ class TrackCheck {
     CueRemarks* remarks_ = nullptr;
     BlockText text_;
     std::optional<Culprit> culprit_;
+    std::size_t block_before_ = 0;     // where it begins
+    std::size_t carriage_return_ = 0;  // the first one
     Place place_{0, 1};
 };
 

@@ -24,8 +24,8 @@ bool IsLineEnd(char byte) {
 
 Line LineAt(std::string_view track, std::size_t begin) {
     const std::string_view rest = track.substr(begin);
-    const auto size = static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), IsLineEnd) -
-                                               rest.begin());
+    const auto size =
+        static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), IsLineEnd) - rest.begin());
     const bool is_pair = rest.substr(size, 2) == "\r\n";
     Line line{begin, rest.substr(0, size), {}, begin + size, size < rest.size()};
     line.text = line.all.substr(0, line.all.find('\0'));

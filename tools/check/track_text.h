@@ -14,11 +14,11 @@ namespace quill {
 
 // A line of a track. It ends in LF, CR LF or CR, or with the track.
 struct Line {
-    std::size_t begin;     // of its first byte in the track
-    std::string_view all;  // without line end
+    std::size_t begin;      // of its first byte in the track
+    std::string_view all;   // without line end
     std::string_view text;  // the same up to the first zero byte, where the module cuts it
-    std::size_t end;       // behind its line end
-    bool ended;            // it has a line end
+    std::size_t end;        // behind its line end
+    bool ended;             // it has a line end
 
     bool is_cut() const { return text.size() < all.size(); }
     // No more than one byte counts, a line feed included, so a zero byte can make a line blank.
