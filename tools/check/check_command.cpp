@@ -175,7 +175,7 @@ Sums CheckCommand::Check(const ModuleHandle& module, DiagnosticsCapture& capture
     TrackReader reader(track, std::nullopt);
     const std::string bytes = ReadAll(reader, progress);
     TrackCheck check(module, capture, reader.name(), bytes, chunk_size_, report, progress);
-    const Sums sums = check.Run(static_cast<std::size_t>(reader.offset()));
+    Sums sums = check.Run(static_cast<std::size_t>(reader.offset()));
     progress.Wipe();
     if (quiet_) {
         report.Flush();
