@@ -164,6 +164,18 @@ class Check(QuillTest):
                 self.assertEqual(len(lines), 1)
                 self.assertEqual(sums["cues_delivered"], 1)
 
+    def test_the_first_block_of_that_kind_is_the_one_to_blame(self):
+        lines, _ = self.check(b"WEBVTT\n\nsoon -->\nx\n\nlater -->\nx\n" + GOOD + b"\n")
+        self.assertEqual(lines[2], "9: lost: the cue at 00:00:03.000 is lost with its chunk, which "
+                                   "line 3 ended [Q201]")
+
+    def test_an_error_behind_another_block_ends_no_chunk(self):
+        hidden = TIMES + b"\0009\n align:end\nThis cue comes whole only.\n\n"
+        start = b"WEBVTT\n\nalone\n\nsoon -->\nx\n\n"
+        lines, _ = self.check(start + hidden, "--chunk", len(start) + hidden.index(b"\0") + 1)
+        self.assertEqual(lines[2], "8: lost: the cue at 00:00:01.000 does not come out of its chunk "
+                                   "[Q209]")
+
     def test_a_map_that_throws_takes_its_chunk(self):
         track = b"WEBVTT\nX-TIMESTAMP-MAP=MPEGTS:9\n" + GOOD + b"\n"
         lines, sums = self.check(track)
@@ -233,8 +245,10 @@ class Check(QuillTest):
                 self.assertEqual(sums["cues_delivered"], 1)
 
     def test_long_texts_are_shortened(self):
-        lines, _ = self.check(b"WEBVTT\n\n" + "ä".encode() * 30 + b"\n\n")
-        self.assertEqual(lines, ['3: lost: a line on its own, "' + "ä" * 20 + '..." [Q106]'])
+        for text, shown in (("ä" * 20, "ä" * 20), ("ä" * 21, "ä" * 20 + "..."),
+                            ("x" + "ä" * 30, "x" + "ä" * 19 + "..."), ("x" * 41, "x" * 40 + "...")):
+            lines, _ = self.check(b"WEBVTT\n\n" + text.encode() + b"\n\n")
+            self.assertEqual(lines, [f'3: lost: a line on its own, "{shown}" [Q106]'])
 
     def test_line_numbers_with_every_line_end(self):
         track = b"WEBVTT\n\nNOTE\n" + GOOD + b"\nalone\n\n\n" + TIMES + b"\n<x>\n\n"

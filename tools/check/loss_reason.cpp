@@ -84,11 +84,12 @@ Finding LineSetting(const BlockText& block) {
             "no number in the setting " + Quoted(settings)};
 }
 
-// An arrow that is none, between things that may be times.
+// Something that was meant for an arrow, behind something that may be a time. For a text without
+// an arrow.
 bool HasWrongArrow(std::string_view text) {
     static constexpr std::array<std::string_view, 5> kArrows = {"->", "-- >", "\xE2\x80\x94>",
                                                                 "\xE2\x80\x93>", "\xE2\x86\x92"};
-    return text.find(':') != std::string_view::npos && text.find("-->") == std::string_view::npos &&
+    return text.find(':') != std::string_view::npos &&
            std::any_of(kArrows.begin(), kArrows.end(), [text](std::string_view arrow) {
                const std::size_t at = text.find(arrow);
                return at != std::string_view::npos &&
