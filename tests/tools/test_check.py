@@ -102,49 +102,59 @@ REJECTED = (
 class Check(QuillTest):
     def check(self, track, *arguments):
         """The findings without the track's name and their hints, and the sums as json has them."""
-        path = self.file("track.vtt", track)
-        text = self.quill("check", "--quiet", *arguments, path).out.decode()
-        result = self.quill("check", "--format", "json", *arguments, path)
+        return self.check_all([track], *arguments)[0]
+
+    def check_all(self, tracks, *arguments):
+        """The same for many tracks in one run."""
+        paths = [self.file(f"{number}.vtt", track) for number, track in enumerate(tracks)]
+        text = self.quill("check", "--quiet", *arguments, *paths).out.decode()
+        result = self.quill("check", "--format", "json", *arguments, *paths)
         self.assertEqual(result.err, b"")
-        *findings, last = map(json.loads, result.out.splitlines())
-        lines = [re.fullmatch(r"(.*?:\d+: .* \[Q\d+\]); .*", line).group(1)
-                 for line in text.splitlines()]
-        lines = [line.removeprefix(path + ":") for line in lines]
-        self.assertEqual([f"{one['line']}: {one['severity']}: {one['message']} [{one['code']}]"
-                          for one in findings], lines)
-        sums = last["sums"]
-        self.assertEqual(sum(sums["bytes"].values()), len(track))
-        self.assertEqual(sums["size"], len(track))
-        return lines, sums
+        found = {path: [] for path in paths}
+        sums = {}
+        for line in map(json.loads, result.out.splitlines()):
+            if "sums" in line:
+                sums[line["track"]] = line["sums"]
+            else:
+                found[line["track"]].append(f"{line['line']}: {line['severity']}: "
+                                            f"{line['message']} [{line['code']}]")
+        in_text = [re.fullmatch(r"(.* \[Q\d+\]); .*", line).group(1) for line in text.splitlines()]
+        self.assertEqual([f"{path}:{line}" for path in paths for line in found[path]], in_text)
+        for path, track in zip(paths, tracks):
+            self.assertEqual(sum(sums[path]["bytes"].values()), len(track))
+            self.assertEqual(sums[path]["size"], len(track))
+        return [(found[path], sums[path]) for path in paths]
 
     def test_own_faults(self):
-        for block, expected in OWN_FAULTS:
+        results = self.check_all([b"WEBVTT\n\n" + block + b"\n" for block, _ in OWN_FAULTS])
+        for (block, expected), (lines, sums) in zip(OWN_FAULTS, results):
             with self.subTest(block):
-                lines, sums = self.check(b"WEBVTT\n\n" + block + b"\n")
                 self.assertEqual(lines, [expected])
                 self.assertEqual((sums["cues_delivered"], sums["findings"]["lost"]), (0, 1))
                 self.assertEqual(sums["bytes"]["lost"], len(block))
 
     def test_an_own_fault_stays_one_behind_another_block(self):
-        for block, expected in OWN_FAULTS:
+        results = self.check_all([b"WEBVTT\n" + GOOD + b"\n" + block + b"\n"
+                                  for block, _ in OWN_FAULTS])
+        for (block, expected), (lines, sums) in zip(OWN_FAULTS, results):
             with self.subTest(block):
-                lines, sums = self.check(b"WEBVTT\n" + GOOD + b"\n" + block + b"\n")
-                line = int(expected.split(":")[0]) + 3
-                self.assertEqual(lines, [f"{line}:" + expected.partition(":")[2]])
+                number, rest = expected.split(":", 1)
+                self.assertEqual(lines, [f"{int(number) + 3}:{rest}"])
                 self.assertEqual(sums["cues_delivered"], 1)
 
     def test_remarks(self):
-        for settings, text, expected in REMARKS:
+        results = self.check_all([b"WEBVTT\n\n" + TIMES + settings + b"\n" + text + b"\n\n"
+                                  for settings, text, _ in REMARKS])
+        for (settings, text, expected), (lines, sums) in zip(REMARKS, results):
             with self.subTest(settings + b" / " + text):
-                lines, sums = self.check(b"WEBVTT\n\n" + TIMES + settings + b"\n" + text + b"\n\n")
                 self.assertEqual(lines, list(expected))
                 self.assertEqual(sums["cues_delivered"], 1)
                 self.assertEqual(sums["findings"]["lost"], 0)
 
     def test_rejected_tracks(self):
-        for track, expected in REJECTED:
+        results = self.check_all([track for track, _ in REJECTED])
+        for (track, expected), (lines, sums) in zip(REJECTED, results):
             with self.subTest(track[:40]):
-                lines, sums = self.check(track)
                 self.assertEqual(lines, ["1: lost: " + expected])
                 self.assertEqual(sums["bytes"]["rejected"], len(track))
 
@@ -245,9 +255,10 @@ class Check(QuillTest):
                 self.assertEqual(sums["cues_delivered"], 1)
 
     def test_long_texts_are_shortened(self):
-        for text, shown in (("ä" * 20, "ä" * 20), ("ä" * 21, "ä" * 20 + "..."),
-                            ("x" + "ä" * 30, "x" + "ä" * 19 + "..."), ("x" * 41, "x" * 40 + "...")):
-            lines, _ = self.check(b"WEBVTT\n\n" + text.encode() + b"\n\n")
+        texts = (("ä" * 20, "ä" * 20), ("ä" * 21, "ä" * 20 + "..."),
+                 ("x" + "ä" * 30, "x" + "ä" * 19 + "..."), ("x" * 41, "x" * 40 + "..."))
+        results = self.check_all([b"WEBVTT\n\n" + text.encode() + b"\n\n" for text, _ in texts])
+        for (_, shown), (lines, _) in zip(texts, results):
             self.assertEqual(lines, [f'3: lost: a line on its own, "{shown}" [Q106]'])
 
     def test_line_numbers_with_every_line_end(self):
