@@ -174,15 +174,16 @@ Sums CheckCommand::Check(const ModuleHandle& module, DiagnosticsCapture& capture
     Progress progress(!quiet_);
     TrackReader reader(track, std::nullopt);
     const std::string bytes = ReadAll(reader, progress);
-    TrackCheck check(module, capture, reader.name(), bytes, chunk_size_, report, progress);
-    Sums sums = check.Run(static_cast<std::size_t>(reader.offset()));
+    TrackReport track_report(reader.name(), report, progress);
+    TrackCheck check(module, capture, bytes, chunk_size_, track_report);
+    check.Run(static_cast<std::size_t>(reader.offset()));
     progress.Wipe();
     if (quiet_) {
         report.Flush();
     } else {
-        report.AddSums(reader.name(), sums);
+        report.AddSums(reader.name(), track_report.sums());
     }
-    return sums;
+    return track_report.sums();
 }
 
 bool CheckCommand::Fails(const Sums& sums) const {

@@ -45,11 +45,11 @@ Player::Player(const ModuleHandle& module, DiagnosticsCapture& capture, std::str
     capture_.Forget();
 }
 
-Play Player::Run(const std::string& name, Progress& progress) {
+Play Player::Run(TrackReport& report) {
     for (std::size_t chunk = 0; chunk < plan_.count(); ++chunk) {
         const std::size_t begin = plan_.Begin(chunk);
         Feed(track_.substr(begin, plan_.End(chunk) - begin), chunk);
-        progress.Show(name, plan_.End(chunk) / 4, track_.size());
+        report.ShowProgress(plan_.End(chunk) / 4, track_.size());
     }
     Feed(kClosingLineFeeds, plan_.count());
     play_.offset = AskOffset();

@@ -5,12 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <string_view>
 #include <vector>
 
 #include "tools/check/lone_parser.h"
-#include "tools/check/progress.h"
+#include "tools/check/track_report.h"
 #include "tools/check/track_text.h"
 #include "tools/diagnostics_capture.h"
 #include "tools/module_handle.h"
@@ -48,7 +47,8 @@ class Player {
     Player(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
            const ChunkPlan& plan, const std::vector<std::size_t>& throwing_chunks);
 
-    Play Run(const std::string& name, Progress& progress);
+    // Shows on the way how far it has come.
+    Play Run(TrackReport& report);
 
   private:
     class Taker;

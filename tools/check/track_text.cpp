@@ -76,6 +76,18 @@ std::optional<Block> BlockReader::Next() {
     return block;
 }
 
+std::uint32_t LineCounter::LineOf(std::size_t offset) {
+    while (begin_ < track_.size()) {
+        const Line line = LineAt(track_, begin_);
+        if (line.end > offset) {
+            break;
+        }
+        begin_ = line.end;
+        ++line_;
+    }
+    return line_;
+}
+
 ChunkPlan::ChunkPlan(std::string_view track, std::optional<std::uint32_t> chunk_size)
     : track_size_(track.size()),
       first_size_(std::max(FirstLineSize(track),

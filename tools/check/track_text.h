@@ -58,6 +58,21 @@ class BlockReader {
     bool behind_cut_ = false;
 };
 
+// Counts lines up to places in a track that never lie before the one asked for last.
+class LineCounter {
+  public:
+    // The track must outlive the counter.
+    explicit LineCounter(std::string_view track) : track_(track) {}
+
+    // The number of the line that holds the byte.
+    std::uint32_t LineOf(std::size_t offset);
+
+  private:
+    std::string_view track_;
+    std::size_t begin_ = 0;  // of the line
+    std::uint32_t line_ = 1;
+};
+
 // Which bytes are fed together. The first chunk always holds the whole first line, as the module
 // looks at no later one when that is cut off.
 class ChunkPlan {
