@@ -6,8 +6,8 @@ import re
 
 PAGE = os.path.join(os.environ["QUILL_DOCS"], "diagnostics.md")
 
-# `track` and `chunk` are None where there is no example, or no chunk size.
-Entry = collections.namedtuple("Entry", "code name text track chunk")
+# `track`, `mended` and `chunk` are None where the page has none.
+Entry = collections.namedtuple("Entry", "code name text track mended chunk")
 
 ENTRY = re.compile(r"^### (Q\d{3}) (\S+)\n\n(.*?)(?=^##|\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"^```text\n(.*?)^```$", re.MULTILINE | re.DOTALL)
@@ -25,9 +25,12 @@ def read_entries():
 
 
 def read_entry(code, name, body):
-    example = EXAMPLE.search(body)
+    tracks = [read_track(example) for example in EXAMPLE.findall(body)]
     chunk = CHUNK.search(body)
     text = " ".join(EXAMPLE.sub("", body).split())
-    track = example and BYTE.sub(lambda match: bytes([int(match.group(1), 16)]),
-                                 example.group(1).encode())
-    return Entry(code, name, text, track, chunk and chunk.group(1))
+    track, mended, *_ = tracks + [None, None]
+    return Entry(code, name, text, track, mended, chunk and chunk.group(1))
+
+
+def read_track(example):
+    return BYTE.sub(lambda match: bytes([int(match.group(1), 16)]), example.encode())

@@ -168,7 +168,7 @@ class Check(QuillTest):
                 at = 4 if code == "Q202" else 3
                 self.assertEqual(lines[1:], [f"{line}: lost: the cue at 00:00:03.000 is lost with "
                                              f"its chunk, which line {at} ended [{code}]"])
-                self.assertEqual(sums["bytes"]["lost with chunk"], len(GOOD) - 1)
+                self.assertEqual(sums["bytes"]["lost_with_chunk"], len(GOOD) - 1)
                 # The border lies between the blocks: only the first one is lost.
                 lines, sums = self.check(track, "--chunk", len(b"WEBVTT\n\n" + first + b"\n"))
                 self.assertEqual(len(lines), 1)
@@ -244,7 +244,7 @@ class Check(QuillTest):
         block = TIMES + b"\n" + b"".join(b"line %d\n" % number for number in range(1, 12))
         lines, sums = self.check(b"WEBVTT\n\n" + block + b"\n")
         self.assertEqual(lines, ['13: changed: the block is cut off before "line 10" [Q301]'])
-        self.assertEqual((sums["cues_delivered"], sums["bytes"]["cut off"]), (1, 16))
+        self.assertEqual((sums["cues_delivered"], sums["bytes"]["cut_off"]), (1, 16))
 
     def test_the_last_blank_line(self):
         for end, expected in ((b"", 1), (b"\n", 1), (b"\n\n", 0), (b"\r\r", 0), (b"\n\r\n", 0)):

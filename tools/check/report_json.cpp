@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "tools/check/report.h"
@@ -11,6 +12,13 @@ std::string Line(const Json& object) {
     // ASCII only: control characters, DEL and U+0080 to U+009F leave as \uNNNN.
     constexpr bool kAsciiOnly = true;
     return object.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n";
+}
+
+// The class as a key: "header_used".
+std::string KeyOf(ByteClass byte_class) {
+    std::string key = ByteClassName(byte_class);
+    std::replace(key.begin(), key.end(), ' ', '_');
+    return key;
 }
 
 Json OfCode(const Code& code) {
@@ -33,7 +41,7 @@ Json OfSums(const Sums& sums) {
     object["comments"] = sums.comments;
     object["size"] = sums.AllBytes();
     for (std::size_t index = 0; index < kByteClassCount; ++index) {
-        object["bytes"][ByteClassName(static_cast<ByteClass>(index))] = sums.bytes.at(index);
+        object["bytes"][KeyOf(static_cast<ByteClass>(index))] = sums.bytes.at(index);
     }
     return object;
 }
