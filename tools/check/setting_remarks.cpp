@@ -1,7 +1,7 @@
 #include "tools/check/setting_remarks.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <cstddef>
 #include <string>
 
 #include "quillcaption/quillcaption.h"
@@ -55,29 +55,31 @@ Finding Dropped(const Setting& setting, const std::string& printed) {
 }
 
 // The number that the record holds for the setting.
-unsigned Delivered(const std::string& name, const CueCopy& cue) {
-    return name == "size"       ? static_cast<unsigned>(cue.size)
-           : name == "position" ? static_cast<unsigned>(cue.position)
-                                : static_cast<unsigned>(std::abs(static_cast<long>(cue.line)));
+long long Delivered(const std::string& name, const CueCopy& cue) {
+    return name == "size" ? cue.size : name == "position" ? cue.position : cue.line;
+}
+
+// The whole part of the number that was written, and where it ends.
+long long Written(const std::string& value, std::size_t& end) {
+    constexpr long long kEnough = 1ll << 40;
+    const bool negative = value.substr(0, 1) == "-";
+    long long written = 0;
+    for (end = negative ? 1 : 0; end < value.size() && IsDigit(value[end]); ++end) {
+        written = std::min(written * 10 + (value[end] - '0'), kEnough);
+    }
+    return negative ? -written : written;
 }
 
 // The number as it was written against the one that arrives.
 void CompareNumbers(const Setting& setting, const CueCopy& cue, Findings& findings) {
-    const std::size_t begin = setting.first.substr(0, 1) == "-" ? 1 : 0;
-    std::size_t end = begin;
-    unsigned long long written = 0;
-    constexpr unsigned long long kEnough = 1ull << 40;
-    for (; end < setting.first.size() && IsDigit(setting.first[end]); ++end) {
-        written = std::min(written * 10 + static_cast<unsigned>(setting.first[end] - '0'), kEnough);
-    }
-    const unsigned delivered = Delivered(setting.name, cue);
-    if (delivered != written) {
+    std::size_t end = 0;
+    const long long written = Written(setting.first, end);
+    const long long delivered = Delivered(setting.name, cue);
+    const bool differs = delivered != written;
+    if (differs || setting.first.find_first_of("123456789", end) != std::string::npos) {
         findings.emplace_back(
-            0, "number-wraps",
+            0, differs ? "number-wraps" : "fraction",
             Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
-    } else if (setting.first.find_first_of("123456789", end) != std::string::npos) {
-        findings.emplace_back(
-            0, "fraction", Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
     }
 }
 
