@@ -101,6 +101,7 @@ REJECTED = (
     (b" WEBVTT\n", "the signature is not at the beginning [Q142]"),
     (b"hello\x1b[2J\n" + b"x" * 99, 'the first line is "hello\\x1b[2J" [Q149]'),
     (b"12", 'the first line is "12" [Q149]'),
+    (b"G" + bytes(187) + b"g\n", 'the first line is "G' + "\\x00" * 39 + '..." [Q149]'),
 )
 
 
@@ -183,6 +184,26 @@ class Check(QuillTest):
         lines, _ = self.check(b"WEBVTT\n\nsoon -->\nx\n\nlater -->\nx\n" + GOOD + b"\n")
         self.assertEqual(lines[2], "9: lost: the cue at 00:00:03.000 is lost with its chunk, which "
                                    "line 3 ended [Q201]")
+
+    def test_a_block_that_ended_no_chunk_is_not_to_blame(self):
+        lines, _ = self.check(b"WEBVTT\n" + GOOD + b"\nsoon -->\nx\n\n" + TIMES + b"\n<x>\n" + GOOD +
+                              b"\n")
+        self.assertEqual(lines[2], "12: lost: the cue at 00:00:03.000 is lost with its chunk, which "
+                                   "line 10 ended [Q202]")
+
+    def test_remains_are_named_by_the_line_that_their_chunk_begins_in(self):
+        before = b"WEBVTT\n\nsoon -->\nx\n\nan identifier\nof two lines\n"
+        for start, line in ((before, 8), (before[:-1], 7), (before + b"00:", 8)):
+            lines, _ = self.check(before + b"00:00:03.000 --> 00:00:04.000\nx\n\n",
+                                  "--chunk", len(start))
+            with self.subTest(start):
+                self.assertEqual([one for one in lines if "Q307" in one],
+                                 [f"{line}: changed: the cue at 00:00:03.000 is made of remains; "
+                                  "its chunk begins here [Q307]"])
+
+    def test_odd_times_that_are_in_order(self):
+        lines, sums = self.check(b"WEBVTT\n\n12::34.567 --> 100:00:00.000\nx\n\n")
+        self.assertEqual((lines, sums["cues_delivered"]), ([], 1))
 
     def test_an_error_behind_another_block_ends_no_chunk(self):
         hidden = TIMES + b"\0009\n align:end\nThis cue comes whole only.\n\n"

@@ -21,7 +21,7 @@ TrackCheck::TrackCheck(const ModuleHandle& module, DiagnosticsCapture& capture,
 
 void TrackCheck::Run(std::size_t size) {
     if (IsRejected()) {
-        report_.Say(ExplainRejection(track_.substr(0, size)));
+        report_.Say(ExplainRejection(track_));
         report_.sums().AddBytes(ByteClass::kRejected, size);
         return;
     }
