@@ -18,10 +18,14 @@ std::uint32_t ParseWholeNumber(const std::string& option, const std::string& wha
     return number;
 }
 
-void AddModuleArguments(CLI::App& app, ModuleArguments& arguments) {
-    app.add_option("--module", arguments.path,
+void AddModuleOption(CLI::App& app, std::string& path) {
+    app.add_option("--module", path,
                    "The module to load\n(default: the quillcaption.so that belongs to this quill)")
         ->type_name("FILE");
+}
+
+void AddModuleArguments(CLI::App& app, ModuleArguments& arguments) {
+    AddModuleOption(app, arguments.path);
     app.add_flag("--quiet", arguments.quiet,
                  "Keep the module's diagnostics and notes off standard error;\n"
                  "errors, and warnings about lost cues, are still said");

@@ -16,6 +16,9 @@ namespace quill {
 std::uint32_t ParseWholeNumber(const std::string& option, const std::string& what,
                                const std::string& text, std::uint32_t least, std::uint32_t most);
 
+// Adds --module. `path` must live as long as the command line is parsed.
+void AddModuleOption(CLI::App& app, std::string& path);
+
 // What every subcommand that drives the module can be told.
 struct ModuleArguments {
     std::string path;  // empty: the module that belongs to this quill

@@ -1,8 +1,10 @@
 #include "tools/diagnostics_capture.h"
 
+#include <stdio_ext.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -63,11 +65,17 @@ DiagnosticsCapture::DiagnosticsCapture(Mode mode)
 }
 
 DiagnosticsCapture::~DiagnosticsCapture() {
+    if (mode_ == Mode::kCollect) {
+        mode_ = Mode::kDrop;
+    }
     Drain();
     dup2(original_.get(), STDOUT_FILENO);
 }
 
 void DiagnosticsCapture::Drain() noexcept {
+    if (mode_ == Mode::kCollect) {
+        return;
+    }
     std::fflush(stdout);
     const off_t size = lseek(file_.get(), 0, SEEK_CUR);
     if (size <= 0) {
@@ -80,10 +88,34 @@ void DiagnosticsCapture::Drain() noexcept {
             // Out of memory: the cues matter more than what the module says about them.
         }
     }
+    Truncate();
+}
+
+void DiagnosticsCapture::Truncate() noexcept {
     // Descriptor 1 shares the file's position.
     if (ftruncate(file_.get(), 0) == 0) {
         lseek(file_.get(), 0, SEEK_SET);
     }
+}
+
+std::uint64_t DiagnosticsCapture::kept() const {
+    const off_t written = lseek(file_.get(), 0, SEEK_CUR);
+    return static_cast<std::uint64_t>(std::max<off_t>(written, 0)) + __fpending(stdout);
+}
+
+std::string DiagnosticsCapture::Read(std::uint64_t skipped, std::size_t most) const {
+    std::fflush(stdout);
+    std::string read(
+        static_cast<std::size_t>(std::min<std::uint64_t>(kept() - std::min(kept(), skipped), most)),
+        '\0');
+    const ssize_t count = pread(file_.get(), read.data(), read.size(), static_cast<off_t>(skipped));
+    read.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    return read;
+}
+
+void DiagnosticsCapture::Forget() noexcept {
+    std::fflush(stdout);
+    Truncate();
 }
 
 }  // namespace quill

@@ -2,6 +2,10 @@
 #ifndef TOOLS_DIAGNOSTICS_CAPTURE_H_
 #define TOOLS_DIAGNOSTICS_CAPTURE_H_
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
 #include "tools/descriptor.h"
 
 namespace quill {
@@ -14,7 +18,8 @@ namespace quill {
 // One object at a time, made before the module is loaded and destroyed after it is unloaded.
 class DiagnosticsCapture {
   public:
-    enum class Mode { kShow, kDrop };
+    // kCollect keeps what the module prints for Read(), and leaves Drain() nothing to do.
+    enum class Mode { kShow, kDrop, kCollect };
 
     // Throws Failure when the system gives no file.
     explicit DiagnosticsCapture(Mode mode);
@@ -25,6 +30,13 @@ class DiagnosticsCapture {
 
     // Call after each call into the module. Never fails: what cannot be shown is dropped.
     void Drain() noexcept;
+
+    // The rest is for kCollect. How many bytes are kept; cheap.
+    std::uint64_t kept() const;
+    // At most `most` bytes of what is kept, behind the first `skipped`.
+    std::string Read(std::uint64_t skipped, std::size_t most) const;
+    // Keeps nothing any more.
+    void Forget() noexcept;
 
     // While an object of this class lives, diagnostics are dropped whatever the mode: for calls
     // that only ask the module a question.
@@ -43,6 +55,8 @@ class DiagnosticsCapture {
     };
 
   private:
+    void Truncate() noexcept;
+
     Mode mode_;
     Descriptor original_;
     Descriptor file_;

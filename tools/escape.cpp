@@ -78,4 +78,16 @@ std::string Escape(std::string_view text, LineFeeds line_feeds) {
     return out;
 }
 
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        unsigned code_point = 0;
+        const std::size_t length = DecodeFirst(text, code_point);
+        if (length == kInvalid) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
 }  // namespace quill

@@ -15,6 +15,9 @@ enum class LineFeeds { kKeep, kEscape };
 // for reading back.
 std::string Escape(std::string_view text, LineFeeds line_feeds);
 
+// Whether the text is valid UTF-8, control characters or not.
+bool IsUtf8(std::string_view text);
+
 }  // namespace quill
 
 #endif  // TOOLS_ESCAPE_H_

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "quillcaption/quillcaption.h"
+#include "tools/check/check_command.h"
 #include "tools/command.h"
 #include "tools/cues_command.h"
 #include "tools/failure.h"
@@ -42,6 +43,7 @@ ExitCode Run(int argc, char** argv) {
     app.require_subcommand(1);
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<CuesCommand>(app));
+    commands.push_back(std::make_unique<CheckCommand>(app));
 
     Output output;
     try {

@@ -9,10 +9,6 @@
 namespace quill {
 namespace {
 
-// One may be taken for the second half of a carriage return's line end, one ends a line that the
-// track left unfinished, one is the blank line that completes the last cue.
-constexpr std::string_view kClosingLineFeeds = "\n\n\n";
-
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view Bytes(const Chunk& chunk) {

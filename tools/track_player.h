@@ -3,6 +3,7 @@
 #define TOOLS_TRACK_PLAYER_H_
 
 #include <cstdint>
+#include <string_view>
 
 #include "tools/diagnostics_capture.h"
 #include "tools/module_handle.h"
@@ -10,6 +11,10 @@
 #include "tools/track_reader.h"
 
 namespace quill {
+
+// Fed behind a track. One may be taken for the second half of a carriage return's line end, one
+// ends a line that the track left unfinished, one is the blank line that completes the last cue.
+constexpr std::string_view kClosingLineFeeds = "\n\n\n";
 
 // Feeds chunk after chunk, asks for the result after each, and at the end feeds the line feeds
 // that release a last cue. Whatever goes wrong on the way is said on standard error, with the

@@ -1,0 +1,201 @@
+#include "tools/check/check_command.h"
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdlib>
+
+#include "tools/arguments.h"
+#include "tools/check/codes.h"
+#include "tools/check/progress.h"
+#include "tools/check/track_check.h"
+#include "tools/message.h"
+#include "tools/track_reader.h"
+
+namespace quill {
+namespace {
+
+// Two copies of a track must fit into the memory of a 32-bit program.
+constexpr std::uint32_t kLargestTrack = 256u << 20;
+
+constexpr char kFooter[] = R"(A finding is one line, which editors can jump to:
+  track.vtt:12: lost: invalid start time "abc" [Q101]; write MM:SS.mmm or HH:MM:SS.mmm
+Severities:
+  lost     a cue, or the whole track, does not arrive: for its own fault (Q1..), or because it
+           shares a chunk with something else (Q2..)
+  changed  it arrives, but not as it was written (Q3..)
+  remark   it arrives, and is worth a look (Q4..)
+The sums follow; every byte of the track is counted in exactly one class. In json every line is
+an object of its own, and those with "sums" end a track.
+
+Examples:
+  quill check track.vtt
+  quill check --chunk 65536 --fail-on changed track.vtt
+  quill check --format json track.vtt
+  some-stream | quill check -
+  quill check --codes
+
+Exit codes:
+  0  no finding of the level of --fail-on
+  1  at least one
+  2  wrong usage, a track that cannot be read, an output that cannot be written or was closed
+  3  the module cannot be loaded)";
+
+bool ParseFormat(const std::string& name) {
+    if (name == "text" || name == "json") {
+        return name == "json";
+    }
+    throw CLI::ValidationError("--format takes text or json, not \"" + name + "\"",
+                               CLI::ExitCodes::ValidationError);
+}
+
+std::optional<Severity> ParseFailOn(const std::string& name) {
+    if (name == "never") {
+        return std::nullopt;
+    }
+    for (const Severity severity : {Severity::kLost, Severity::kChanged, Severity::kRemark}) {
+        if (name == SeverityName(severity)) {
+            return severity;
+        }
+    }
+    throw CLI::ValidationError(
+        "--fail-on takes lost, changed, remark or never, not \"" + name + "\"",
+        CLI::ExitCodes::ValidationError);
+}
+
+bool WantsColour() {
+    const char* const no_colour = std::getenv("NO_COLOR");
+    return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || *no_colour == '\0');
+}
+
+std::string ReadAll(TrackReader& reader, Progress& progress) {
+    std::string bytes;
+    while (const std::optional<Chunk> chunk = reader.Next()) {
+        if (reader.offset() > kLargestTrack) {
+            throw Failure(kExitUsage, reader.name() + ": a track may have up to " +
+                                          std::to_string(kLargestTrack) + " bytes");
+        }
+        bytes.append(chunk->data.get(), chunk->size);
+        progress.Show(reader.name(), reader.offset(), 0);
+    }
+    return bytes;
+}
+
+}  // namespace
+
+CheckCommand::CheckCommand(CLI::App& app)
+    : command_line_(app.add_subcommand("check", "Say what becomes of every block of a track")) {
+    CLI::App& line = *command_line_;
+    line.add_option("TRACK", tracks_, "The tracks to check; - reads standard input")->type_name("");
+    line.add_option_function<std::string>(
+            "--format", [this](const std::string& name) { in_json_ = ParseFormat(name); },
+            "How findings are printed: text (default) or json")
+        ->type_name("FORMAT");
+    line.add_option_function<std::string>(
+            "--chunk",
+            [this](const std::string& text) {
+                chunk_size_ =
+                    ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestTrack);
+            },
+            "Play the track in chunks of this size (default: all of\n"
+            "it in one); the first one always holds the first line")
+        ->type_name("BYTES");
+    line.add_option_function<std::string>(
+            "--fail-on", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
+            "What ends in exit code 1: lost (default), changed (or\n"
+            "lost), remark (any finding), or never")
+        ->type_name("LEVEL");
+    line.add_flag("--codes", only_codes_,
+                  "List all codes with cause and mend, and do nothing else");
+    line.add_flag("--quiet", quiet_, "Print no sums, and show no progress");
+    AddModuleOption(line, module_);
+    line.footer(kFooter);
+}
+
+bool CheckCommand::IsChosen() const {
+    return command_line_->parsed();
+}
+
+ExitCode CheckCommand::Run(Output& output) {
+    const std::unique_ptr<Report> report = MakeReport(output);
+    if (only_codes_) {
+        return PrintCodes(*report);
+    }
+    if (tracks_.empty()) {
+        throw Failure(kExitUsage, "check: TRACK is required (--help says more)");
+    }
+    try {
+        return CheckTracks(*report);
+    } catch (const OutputError& error) {
+        if (!error.closed()) {
+            throw;
+        }
+        if (!quiet_) {
+            Say("standard output was closed; the rest was not checked");
+        }
+        return error.code();
+    }
+}
+
+std::unique_ptr<Report> CheckCommand::MakeReport(Output& output) const {
+    return in_json_ ? MakeJsonReport(output) : MakeTextReport(output, WantsColour());
+}
+
+ExitCode CheckCommand::PrintCodes(Report& report) const {
+    std::for_each(Codes(), Codes() + CodeCount(), [&](const Code& code) { report.AddCode(code); });
+    report.Flush();
+    return kExitDone;
+}
+
+// A track that cannot be read does not keep the others from being checked.
+ExitCode CheckCommand::CheckTracks(Report& report) const {
+    const std::string path = module_.empty() ? FindDefaultModule() : module_;
+    DiagnosticsCapture capture(DiagnosticsCapture::Mode::kCollect);
+    const ModuleHandle module(path);
+    ExitCode code = kExitDone;
+    for (const std::string& track : tracks_) {
+        try {
+            if (Fails(Check(module, capture, track, report)) && code == kExitDone) {
+                code = kExitTrack;
+            }
+        } catch (const OutputError&) {
+            throw;
+        } catch (const Failure& failure) {
+            Say(failure.what());
+            code = std::max(code, failure.code());
+        }
+    }
+    return code;
+}
+
+Sums CheckCommand::Check(const ModuleHandle& module, DiagnosticsCapture& capture,
+                         const std::string& track, Report& report) const {
+    Progress progress(!quiet_);
+    TrackReader reader(track, std::nullopt);
+    const std::string bytes = ReadAll(reader, progress);
+    TrackReport track_report(reader.name(), report, progress);
+    TrackCheck check(module, capture, bytes, chunk_size_, track_report);
+    check.Run(static_cast<std::size_t>(reader.offset()));
+    progress.Wipe();
+    if (quiet_) {
+        report.Flush();
+    } else {
+        report.AddSums(reader.name(), track_report.sums());
+    }
+    return track_report.sums();
+}
+
+bool CheckCommand::Fails(const Sums& sums) const {
+    if (!fail_on_) {
+        return false;
+    }
+    for (const Severity severity : {Severity::kRemark, Severity::kChanged, Severity::kLost}) {
+        if (severity >= *fail_on_ && sums.Count(severity) > 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace quill

@@ -1,0 +1,33 @@
+// The codes of quill check: each names one thing that can happen to a track.
+#ifndef TOOLS_CHECK_CODES_H_
+#define TOOLS_CHECK_CODES_H_
+
+#include <cstddef>
+#include <string_view>
+
+namespace quill {
+
+enum class Severity { kRemark, kChanged, kLost };
+
+// "lost", "changed" or "remark".
+const char* SeverityName(Severity severity);
+
+// A code keeps its number and its meaning for good: filters and notes of authors name it.
+struct Code {
+    const char* number;  // "Q101"
+    Severity severity;
+    const char* name;   // "start-time"
+    const char* cause;  // what happened, one sentence without its full stop
+    const char* hint;   // what the author can do
+};
+
+// The whole table, in the order of the numbers.
+const Code* Codes();
+std::size_t CodeCount();
+
+// The code with that name, which must be one of the table.
+const Code& CodeNamed(std::string_view name);
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_CODES_H_

@@ -1,0 +1,95 @@
+#include "tools/check/cue_remarks.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "tools/cue_time.h"
+#include "tools/escape.h"
+
+namespace quill {
+namespace {
+
+// Hours as they are written, for a time that has them.
+double WrittenHours(std::string_view time) {
+    // "12::34.567" is twelve minutes.
+    if (std::count(time.begin(), time.end(), ':') != 2 ||
+        time.find("::") != std::string_view::npos) {
+        return 0;
+    }
+    double hours = 0;
+    for (const char digit : time.substr(0, time.find(':'))) {
+        hours = hours * 10 + (digit - '0');
+    }
+    return hours;
+}
+
+void ExamineTimes(const BlockText& block, const TimingLine& timing, const CueCopy& cue,
+                  Findings& findings) {
+    constexpr double kSecondsPerHour = 3600;
+    const std::uint32_t line = block.number(block.TimingIndex());
+    for (const auto& [written, delivered] :
+         {std::pair(timing.start, cue.start), std::pair(timing.end, cue.end)}) {
+        if (WrittenHours(written) * kSecondsPerHour > delivered) {
+            findings.emplace_back(
+                line, "hours-wrap",
+                Quoted(written) + " is delivered as " + FormatTime(delivered, '.'));
+        }
+    }
+    if (cue.end <= cue.start) {
+        findings.emplace_back(line, "end-before-start",
+                              "ends at " + FormatTime(cue.end, '.') + ", and starts at " +
+                                  FormatTime(cue.start, '.'));
+    }
+}
+
+bool IsPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+}
+
+void ExamineLines(const BlockText& block, Findings& findings) {
+    bool said = false;
+    for (std::size_t index = 0; index < block.size(); ++index) {
+        const Line& line = block.line(index);
+        if (line.is_cut()) {
+            findings.emplace_back(block.number(index), "zero-byte",
+                                  "a zero byte hides the line's rest, " +
+                                      Quoted(line.all.substr(line.text.size() + 1)));
+        }
+        if (!said && index > block.TimingIndex() && !IsPlain(line.text) && !IsUtf8(line.text)) {
+            findings.emplace_back(block.number(index), "not-utf-8",
+                                  "not UTF-8: " + Quoted(line.text));
+            said = true;
+        }
+    }
+}
+
+bool HasMarkup(const BlockText& block) {
+    for (std::size_t index = block.TimingIndex() + 1; index < block.size(); ++index) {
+        const std::string_view text = block.text(index);
+        if (text.find('<') != std::string_view::npos || text.find('&') != std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void CueRemarks::Examine(const BlockText& block, const Verdict& verdict, Findings& findings) {
+    const TimingLine timing = block.Timing();
+    if (block.IsComment()) {
+        findings.emplace_back(block.number(0), "comment-shown", "a comment is shown as a cue");
+    }
+    ExamineTimes(block, timing, verdict.cue, findings);
+    settings_.Examine(timing.settings, block.number(block.TimingIndex()), findings);
+    ExamineLines(block, findings);
+    if (HasMarkup(block)) {
+        text_.Examine(block.Payload(), block.number(block.TimingIndex() + 1), verdict.printed,
+                      findings);
+    }
+}
+
+}  // namespace quill

@@ -1,0 +1,29 @@
+// What is worth saying about a cue that is delivered.
+#ifndef TOOLS_CHECK_CUE_REMARKS_H_
+#define TOOLS_CHECK_CUE_REMARKS_H_
+
+#include "tools/check/block_text.h"
+#include "tools/check/finding.h"
+#include "tools/check/lone_parser.h"
+#include "tools/check/setting_remarks.h"
+#include "tools/check/text_remarks.h"
+
+namespace quill {
+
+class CueRemarks {
+  public:
+    // The parser is asked about settings and references; it must outlive this, and must not be
+    // the one that the verdicts come from.
+    explicit CueRemarks(LoneParser& parser) : settings_(parser), text_(parser) {}
+
+    // `verdict` is what the module made of the block, which it delivered.
+    void Examine(const BlockText& block, const Verdict& verdict, Findings& findings);
+
+  private:
+    SettingRemarks settings_;
+    TextRemarks text_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_CUE_REMARKS_H_

@@ -1,0 +1,60 @@
+// What the module makes of each header line.
+#ifndef TOOLS_CHECK_HEADER_CHECK_H_
+#define TOOLS_CHECK_HEADER_CHECK_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/check/finding.h"
+#include "tools/check/lone_parser.h"
+#include "tools/check/sums.h"
+#include "tools/check/track_text.h"
+#include "tools/diagnostics_capture.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+
+class HeaderCheck {
+  public:
+    // All that is given must outlive the check.
+    HeaderCheck(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
+                const ChunkPlan& plan);
+
+    // Goes through the header, from the line behind the signature on.
+    void Run(std::size_t begin, Findings& findings, Sums& sums);
+
+    // Where the header ends, and the number of the line there.
+    std::size_t end() const { return end_; }
+    std::uint32_t end_line() const { return line_; }
+    // The chunks in which a map header makes the module throw.
+    const std::vector<std::size_t>& throwing_chunks() const { return throwing_chunks_; }
+
+  private:
+    enum class Use { kUsed, kIgnored, kLost };
+
+    Use Examine(const Line& line, const Verdict& verdict, Findings& findings);
+    Use ExamineMap(const Line& line, const Verdict& verdict, Findings& findings);
+    bool IsLostInPieces(const Line& line, const Verdict& verdict);
+    bool IsSecondMap(const Line& line);
+    std::size_t ChunkOf(const Line& line) const {
+        return plan_.IndexOf(line.begin + line.all.size());
+    }
+
+    const ModuleHandle& module_;
+    DiagnosticsCapture& capture_;
+    std::string_view track_;
+    const ChunkPlan& plan_;
+    std::size_t end_ = 0;
+    std::uint32_t line_ = 1;
+    bool behind_times_ = false;
+    std::optional<Line> map_;  // the first one of its chunk
+    std::vector<std::size_t> throwing_chunks_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_HEADER_CHECK_H_

@@ -1,0 +1,72 @@
+// Plays a whole track the way a player does, and notes which cues arrive from which chunk.
+#ifndef TOOLS_CHECK_PLAY_H_
+#define TOOLS_CHECK_PLAY_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "tools/check/lone_parser.h"
+#include "tools/check/track_report.h"
+#include "tools/check/track_text.h"
+#include "tools/diagnostics_capture.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+
+// A delivered cue, without its text.
+struct PlayedCue {
+    double start;
+    double end;
+    std::uint32_t fingerprint;
+    std::size_t chunk;  // ChunkPlan::count() for the line feeds behind the track
+};
+
+// A chunk that the module gave up before its end.
+struct EarlyEnd {
+    std::size_t chunk;
+    Fate fate;  // kError, kRefused or kThrew
+    bool in_header;
+};
+
+struct Play {
+    const EarlyEnd* FindEarlyEnd(std::size_t first_chunk, std::size_t last_chunk) const;
+
+    std::vector<PlayedCue> cues;       // in the order of the track
+    std::vector<EarlyEnd> early_ends;  // in the order of the track
+    std::size_t header_chunk = 0;      // in which the header ended
+    double offset = 0;                 // what the map adds to every time
+};
+
+class Player {
+  public:
+    // `throwing_chunks` are those in which a map header makes the module throw. All that is given
+    // must outlive the player.
+    Player(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
+           const ChunkPlan& plan, const std::vector<std::size_t>& throwing_chunks);
+
+    // Shows on the way how far it has come.
+    Play Run(TrackReport& report);
+
+  private:
+    class Taker;
+
+    void Feed(std::string_view bytes, std::size_t chunk);
+    void NoteEnd(std::optional<int> result, std::size_t chunk, std::size_t cues_before);
+    bool EndsByError();
+    double AskOffset();
+
+    DiagnosticsCapture& capture_;
+    std::string_view track_;
+    const ChunkPlan& plan_;
+    const std::vector<std::size_t>& throwing_chunks_;
+    ParserHandle parser_;
+    Play play_;
+    bool in_header_ = true;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_PLAY_H_

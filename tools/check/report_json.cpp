@@ -1,0 +1,80 @@
+#include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "tools/check/report.h"
+
+namespace quill {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string Line(const Json& object) {
+    // ASCII only: control characters, DEL and U+0080 to U+009F leave as \uNNNN.
+    constexpr bool kAsciiOnly = true;
+    return object.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n";
+}
+
+// The class as a key: "header_used".
+std::string KeyOf(ByteClass byte_class) {
+    std::string key = ByteClassName(byte_class);
+    std::replace(key.begin(), key.end(), ' ', '_');
+    return key;
+}
+
+Json OfCode(const Code& code) {
+    Json object;
+    object["code"] = code.number;
+    object["name"] = code.name;
+    object["severity"] = SeverityName(code.severity);
+    return object;
+}
+
+Json OfSums(const Sums& sums) {
+    Json object;
+    object["cues_delivered"] = sums.cues_delivered;
+    for (const Severity severity : {Severity::kLost, Severity::kChanged, Severity::kRemark}) {
+        object["findings"][SeverityName(severity)] = sums.Count(severity);
+    }
+    object["lost_by_code"] = sums.lost_blocks;
+    object["header_lines"] = {{"used", sums.header_lines_used},
+                              {"ignored", sums.header_lines_ignored}};
+    object["comments"] = sums.comments;
+    object["size"] = sums.AllBytes();
+    for (std::size_t index = 0; index < kByteClassCount; ++index) {
+        object["bytes"][KeyOf(static_cast<ByteClass>(index))] = sums.bytes.at(index);
+    }
+    return object;
+}
+
+class JsonReport : public Report {
+  public:
+    using Report::Report;
+
+  private:
+    std::string Format(const std::string& track, const Finding& finding) const override {
+        Json object = {{"track", track}, {"line", finding.line}};
+        object.update(OfCode(*finding.code));
+        object["message"] = finding.message;
+        object["hint"] = finding.code->hint;
+        return Line(object);
+    }
+
+    std::string Format(const std::string& track, const Sums& sums) const override {
+        return Line({{"track", track}, {"sums", OfSums(sums)}});
+    }
+
+    std::string Format(const Code& code) const override {
+        Json object = OfCode(code);
+        object["cause"] = code.cause;
+        object["hint"] = code.hint;
+        return Line(object);
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Report> MakeJsonReport(Output& output) {
+    return std::make_unique<JsonReport>(output);
+}
+
+}  // namespace quill

@@ -1,0 +1,154 @@
+#include "tools/check/setting_remarks.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <string>
+
+#include "quillcaption/quillcaption.h"
+
+namespace quill {
+namespace {
+
+constexpr char kContrary[] = "align:end size:37% position:37% line:7 vertical:rl";
+
+struct Setting {
+    std::string text;
+    std::string name;
+    std::string first;   // of the value, up to a comma
+    std::string second;  // behind the comma
+    bool has_second;
+};
+
+Setting Split(const std::string& item) {
+    const std::size_t colon = std::min(item.find(':'), item.size());
+    const std::string value = item.substr(std::min(colon + 1, item.size()));
+    const std::size_t comma = value.find(',');
+    const bool has_second = comma != std::string::npos;
+    return {item, item.substr(0, colon), value.substr(0, comma),
+            has_second ? value.substr(comma + 1) : "", has_second};
+}
+
+bool IsDigit(char byte) {
+    return byte >= '0' && byte <= '9';
+}
+
+// Digits and a percent sign, perhaps a point: a value that can only be out of range.
+bool IsPercentage(const std::string& value) {
+    return value.size() > 1 && value.back() == '%' &&
+           value.find_first_not_of("0123456789.") == value.size() - 1;
+}
+
+Finding Dropped(const Setting& setting, const std::string& printed) {
+    const std::string quoted = Quoted(setting.text);
+    if (setting.name == "region") {
+        return {0, "region", quoted + " is not delivered"};
+    }
+    if (setting.name == "vertical") {
+        return {0, "vertical-keyword", quoted + " is dropped"};
+    }
+    if (setting.name != "line" && setting.name != "size" && setting.name != "position") {
+        return {0, "unknown-setting", quoted + " is dropped"};
+    }
+    const bool range = printed.find("out of range") != std::string::npos ||
+                       (setting.name == "position" && IsPercentage(setting.first));
+    return {0, range ? "setting-range" : "setting-value", quoted + " is dropped"};
+}
+
+// The number that the record holds for the setting.
+long long Delivered(const std::string& name, const CueCopy& cue) {
+    return name == "size" ? cue.size : name == "position" ? cue.position : cue.line;
+}
+
+// The whole part of the number that was written, and where it ends.
+long long Written(const std::string& value, std::size_t& end) {
+    constexpr long long kEnough = 1ll << 40;
+    const bool negative = value.substr(0, 1) == "-";
+    long long written = 0;
+    for (end = negative ? 1 : 0; end < value.size() && IsDigit(value[end]); ++end) {
+        written = std::min(written * 10 + (value[end] - '0'), kEnough);
+    }
+    return negative ? -written : written;
+}
+
+// The number as it was written against the one that arrives.
+void CompareNumbers(const Setting& setting, const CueCopy& cue, Findings& findings) {
+    std::size_t end = 0;
+    const long long written = Written(setting.first, end);
+    const long long delivered = Delivered(setting.name, cue);
+    const bool differs = delivered != written;
+    if (differs || setting.first.find_first_of("123456789", end) != std::string::npos) {
+        findings.emplace_back(
+            0, differs ? "number-wraps" : "fraction",
+            Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
+    }
+}
+
+bool IsAlignment(const std::string& word) {
+    return word == "start" || word == "middle" || word == "end";
+}
+
+Findings Used(const Setting& setting, const CueCopy& cue) {
+    Findings findings;
+    if (setting.name == "align") {
+        if (cue.align == WEBVTT_TEXT_ALIGN_START && setting.text != "align:start") {
+            findings.emplace_back(0, "align-keyword", Quoted(setting.text) + " is taken for start");
+        }
+        return findings;
+    }
+    if (setting.name == "vertical") {
+        return findings;
+    }
+    CompareNumbers(setting, cue, findings);
+    if (setting.has_second && !IsAlignment(setting.second)) {
+        findings.emplace_back(
+            0, "alignment-part",
+            Quoted(setting.second) + " in " + Quoted(setting.text) + " is taken for start");
+    }
+    return findings;
+}
+
+}  // namespace
+
+SettingRemarks::SettingRemarks(LoneParser& parser) : parser_(parser) {
+    plain_ = AskCueWith("").cue;
+    contrary_ = AskCueWith(kContrary).cue;
+}
+
+const Verdict& SettingRemarks::AskCueWith(const std::string& settings) {
+    return parser_.Ask("00:00.000 --> 00:01.000 " + settings + "\nx\n\n");
+}
+
+void SettingRemarks::Examine(std::string_view settings, std::uint32_t line, Findings& findings) {
+    while (!settings.empty()) {
+        const std::size_t end = std::min(settings.find(' '), settings.size());
+        if (end > 0) {
+            for (Finding finding : AnswerFor(std::string(settings.substr(0, end)))) {
+                finding.line = line;
+                findings.push_back(finding);
+            }
+        }
+        settings.remove_prefix(std::min(end + 1, settings.size()));
+    }
+}
+
+const Findings& SettingRemarks::AnswerFor(const std::string& item) {
+    const auto known = answers_.find(item);
+    return known != answers_.end() ? known->second
+                                   : answers_.emplace(item, Ask(item)).first->second;
+}
+
+Findings SettingRemarks::Ask(const std::string& item) {
+    const Verdict alone = AskCueWith(item);
+    const bool changes = !SameSettings(alone.cue, plain_) ||
+                         !SameSettings(AskCueWith(kContrary + (" " + item)).cue, contrary_);
+    if (alone.printed.find("value is empty!") != std::string::npos) {
+        return {{0, "empty-setting", Quoted(item) + " is dropped"}};
+    }
+    if (item.find(':') == std::string::npos || item[0] == ':') {
+        return {{0, "no-setting", Quoted(item) + " is no setting"}};
+    }
+    const Setting setting = Split(item);
+    return changes ? Used(setting, alone.cue) : Findings{Dropped(setting, alone.printed)};
+}
+
+}  // namespace quill

@@ -1,0 +1,120 @@
+#include "tools/check/text_remarks.h"
+
+#include <algorithm>
+#include <set>
+
+namespace quill {
+namespace {
+
+bool IsAsciiAlphanumeric(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
+
+// The line feed in the classes of a start tag that begins `tag`, which makes the rest of the tag
+// text; 0 when there is none.
+std::size_t LineEndInClasses(std::string_view tag) {
+    const std::size_t dot = tag.find_first_of(". \t\f\n/");
+    if (dot == std::string_view::npos || tag[dot] != '.') {
+        return 0;
+    }
+    const std::size_t end = tag.find_first_of(" \t\f\n", dot);
+    return end != std::string_view::npos && tag[end] == '\n' ? end : 0;
+}
+
+// What the module says that it has dropped: all that stands between these words and "> detected".
+std::set<std::string_view> DroppedTags(std::string_view printed, std::string_view words) {
+    std::set<std::string_view> tags;
+    std::size_t at = printed.find(words);
+    while (at != std::string_view::npos) {
+        const std::size_t begin = at + words.size();
+        const std::size_t end = std::min(printed.find("> detected", begin), printed.size());
+        tags.insert(printed.substr(begin, end - begin));
+        at = printed.find(words, end);
+    }
+    return tags;
+}
+
+struct Dropped {
+    std::set<std::string_view> end_tags;
+    std::set<std::string_view> time_tags;
+};
+
+// Returns how many bytes of `rest`, which begins with "<", have been dealt with.
+std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const Dropped& dropped,
+                       Findings& findings) {
+    const std::size_t close = rest.find('>');
+    if (close == std::string_view::npos) {
+        findings.emplace_back(line, "open-tag", "the tag " + Quoted(rest) + " is not closed");
+        return rest.size();
+    }
+    const std::string_view tag = rest.substr(0, close + 1);
+    const std::string_view inner = rest.substr(1, close - 1);
+    if (const std::size_t line_end = LineEndInClasses(tag); line_end != 0) {
+        findings.emplace_back(line, "tag-line-end", "a line ends inside the tag " + Quoted(tag));
+        return line_end + 1;
+    }
+    if (inner.substr(0, 1) == "/" && dropped.end_tags.count(inner.substr(1)) > 0) {
+        findings.emplace_back(line, "unknown-end-tag", "unknown end tag " + Quoted(tag));
+    } else if (dropped.time_tags.count(inner) > 0) {
+        findings.emplace_back(line, "time-tag", "invalid time tag " + Quoted(tag));
+    }
+    return tag.size();
+}
+
+}  // namespace
+
+void TextRemarks::Examine(std::string_view payload, std::uint32_t line, const std::string& printed,
+                          Findings& findings) {
+    const Dropped dropped = {DroppedTags(printed, "unexcepted end tag <"),
+                             DroppedTags(printed, "Invalid time stamp tag <")};
+    std::size_t at = payload.find_first_of("&<");
+    while (at < payload.size()) {
+        line += static_cast<std::uint32_t>(
+            std::count(payload.begin(), payload.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+        payload.remove_prefix(at);
+        const std::size_t done = payload[0] == '<' ? ExamineTag(payload, line, dropped, findings)
+                                                   : ExamineReference(payload, line, findings);
+        at = payload.find_first_of("&<", done);
+    }
+}
+
+std::size_t TextRemarks::ExamineReference(std::string_view rest, std::uint32_t line,
+                                          Findings& findings) {
+    std::size_t end = 1;
+    while (end < rest.size() && IsAsciiAlphanumeric(rest[end])) {
+        ++end;
+    }
+    if (end == rest.size() || rest[end] == '<' || rest[end] == '&') {
+        return end;
+    }
+    const std::string_view name = rest.substr(0, end);
+    switch (AnswerFor(std::string(rest.substr(0, end + 1)))) {
+        case Reference::kLost:
+            findings.emplace_back(line, "bare-ampersand", Quoted(name) + " is lost");
+            break;
+        case Reference::kUnknown:
+            findings.emplace_back(line, "unknown-reference",
+                                  Quoted(rest.substr(0, end + 1)) + " is shown as it is");
+            break;
+        case Reference::kFine:
+            break;
+    }
+    return end + (rest[end] == ';' ? 1 : 0);
+}
+
+TextRemarks::Reference TextRemarks::AnswerFor(const std::string& reference) {
+    const auto known = answers_.find(reference);
+    if (known != answers_.end()) {
+        return known->second;
+    }
+    const Verdict& verdict = parser_.Ask("00:00.000 --> 00:01.000\n" + reference + "x\n\n");
+    Reference answer = Reference::kFine;
+    if (verdict.cue.text == reference.substr(reference.size() - 1) + "x\n") {
+        answer = Reference::kLost;
+    } else if (verdict.cue.text == reference + "x\n") {
+        answer = Reference::kUnknown;
+    }
+    return answers_.emplace(reference, answer).first->second;
+}
+
+}  // namespace quill

@@ -1,0 +1,39 @@
+// What became of the markup and the character references of a cue's text.
+#ifndef TOOLS_CHECK_TEXT_REMARKS_H_
+#define TOOLS_CHECK_TEXT_REMARKS_H_
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "tools/check/finding.h"
+#include "tools/check/lone_parser.h"
+
+namespace quill {
+
+// Finds the places in the text; what happens there is the module's own word: of tags it prints
+// what it drops, and of each reference it is asked.
+class TextRemarks {
+  public:
+    // The parser must outlive this.
+    explicit TextRemarks(LoneParser& parser) : parser_(parser) {}
+
+    // `payload` is the text of a delivered cue, whose first line has that number, and `printed`
+    // what the module said about the cue.
+    void Examine(std::string_view payload, std::uint32_t line, const std::string& printed,
+                 Findings& findings);
+
+  private:
+    enum class Reference { kFine, kUnknown, kLost };
+
+    Reference AnswerFor(const std::string& reference);
+    std::size_t ExamineReference(std::string_view rest, std::uint32_t line, Findings& findings);
+
+    LoneParser& parser_;
+    std::unordered_map<std::string, Reference> answers_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_TEXT_REMARKS_H_

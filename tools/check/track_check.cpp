@@ -1,0 +1,54 @@
+#include "tools/check/track_check.h"
+
+#include <algorithm>
+
+#include "tools/check/block_check.h"
+#include "tools/check/file_kind.h"
+#include "tools/check/header_check.h"
+#include "tools/check/play.h"
+#include "tools/parser_handle.h"
+
+namespace quill {
+
+TrackCheck::TrackCheck(const ModuleHandle& module, DiagnosticsCapture& capture,
+                       std::string_view track, std::optional<std::uint32_t> chunk_size,
+                       TrackReport& report)
+    : module_(module),
+      capture_(capture),
+      track_(track),
+      plan_(track, chunk_size),
+      report_(report) {}
+
+void TrackCheck::Run(std::size_t size) {
+    if (IsRejected()) {
+        report_.Say(ExplainRejection(track_));
+        report_.sums().AddBytes(ByteClass::kRejected, size);
+        return;
+    }
+    const std::size_t begin = LineAt(track_, 0).end;
+    report_.sums().AddBytes(ByteClass::kSignature, std::min(begin, size));
+    Findings findings;
+    HeaderCheck header(module_, capture_, track_, plan_);
+    header.Run(begin, findings, report_.sums());
+    report_.Say(findings);
+
+    Player player(module_, capture_, track_, plan_, header.throwing_chunks());
+    const Play play = player.Run(report_);
+    BlockCheck blocks(module_, capture_, track_, plan_, play, report_);
+    blocks.Run(header.end(), header.end_line());
+    report_.sums().CheckBytes(size);
+}
+
+// The first line alone decides, fed to a parser of its own.
+bool TrackCheck::IsRejected() {
+    const std::size_t size = std::min(LineAt(track_, 0).end, plan_.End(0));
+    ParserHandle parser(module_, capture_);
+    try {
+        return size == 0 ||
+               parser.Feed(track_.data(), static_cast<unsigned int>(size)) == WEBVTT_RESULT_ERROR;
+    } catch (const ModuleThrew&) {
+        return false;
+    }
+}
+
+}  // namespace quill

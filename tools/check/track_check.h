@@ -1,0 +1,42 @@
+// Checks one track: its signature, its header and its blocks.
+#ifndef TOOLS_CHECK_TRACK_CHECK_H_
+#define TOOLS_CHECK_TRACK_CHECK_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+#include "tools/check/track_report.h"
+#include "tools/check/track_text.h"
+#include "tools/diagnostics_capture.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+
+// The module reads everything twice: in pieces, which tells what is wrong with each of them, and
+// as a player feeds it. A block that makes a cue alone and none in the play is lost for something
+// else in its chunk.
+class TrackCheck {
+  public:
+    // `track` has a line end behind its first line, if need be an added one. All that is given
+    // must outlive the check; the capture must collect.
+    TrackCheck(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
+               std::optional<std::uint32_t> chunk_size, TrackReport& report);
+
+    // `size` is that of the track without an added line end. Throws OutputError.
+    void Run(std::size_t size);
+
+  private:
+    bool IsRejected();
+
+    const ModuleHandle& module_;
+    DiagnosticsCapture& capture_;
+    std::string_view track_;
+    ChunkPlan plan_;
+    TrackReport& report_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_TRACK_CHECK_H_

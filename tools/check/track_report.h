@@ -1,0 +1,40 @@
+// The findings of one track on their way out.
+#ifndef TOOLS_CHECK_TRACK_REPORT_H_
+#define TOOLS_CHECK_TRACK_REPORT_H_
+
+#include <cstddef>
+#include <string>
+#include <utility>
+
+#include "tools/check/finding.h"
+#include "tools/check/progress.h"
+#include "tools/check/report.h"
+#include "tools/check/sums.h"
+
+namespace quill {
+
+// Counts what is found, prints it, and keeps the progress line out of its way.
+class TrackReport {
+  public:
+    // The report and the progress must outlive this.
+    TrackReport(std::string name, Report& report, Progress& progress)
+        : name_(std::move(name)), report_(report), progress_(progress) {}
+
+    Sums& sums() { return sums_; }
+
+    // Findings on the lines behind those that were said before. Throws OutputError.
+    void Say(const Findings& findings);
+    void Say(const Finding& finding);
+
+    void ShowProgress(std::size_t done, std::size_t all) { progress_.Show(name_, done, all); }
+
+  private:
+    std::string name_;
+    Report& report_;
+    Progress& progress_;
+    Sums sums_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CHECK_TRACK_REPORT_H_
