@@ -12,6 +12,7 @@
 #include "tools/command.h"
 #include "tools/cues_command.h"
 #include "tools/failure.h"
+#include "tools/inspect/inspect_command.h"
 #include "tools/message.h"
 #include "tools/output.h"
 
@@ -42,6 +43,7 @@ ExitCode Run(int argc, char** argv) {
     app.require_subcommand(1);
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<CuesCommand>(app));
+    commands.push_back(std::make_unique<InspectCommand>(app));
 
     Output output;
     try {
