@@ -163,7 +163,8 @@ std::optional<std::uint32_t> ParseNumber(std::string_view text) {
 
 std::string FormatDouble(double value) {
     std::array<char, 32> digits;
-    for (int precision = 1; precision <= 17; ++precision) {
+    // 15 digits are enough for whatever was written with so many; 17 are enough for any double.
+    for (int precision = 15; precision <= 17; ++precision) {
         std::snprintf(digits.data(), digits.size(), "%.*g", precision, value);
         if (std::strtod(digits.data(), nullptr) == value) {
             break;

@@ -25,7 +25,7 @@ std::optional<std::string> Unquote(std::string_view text);
 // A number in decimal digits, or in hexadecimal ones behind 0x.
 std::optional<std::uint32_t> ParseNumber(std::string_view text);
 
-// The shortest digits that read back as the same double.
+// Decimal digits that read back as the same double, and no more than it takes.
 std::string FormatDouble(double value);
 
 // A record in one line: start, end, text, and the fields that are not as in a cue without
