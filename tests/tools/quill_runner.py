@@ -1,6 +1,6 @@
 """Runs quill the way a user does. Where it is and what to test it with comes from the environment,
-which ctest sets: QUILL, QUILL_FIXTURES, QUILL_MODULE_DIR, QUILL_VERSION and, for a build for
-another machine, QUILL_EMULATOR."""
+which ctest sets: QUILL, QUILL_FIXTURES, QUILL_MODULE_DIR, QUILL_VERSION, QUILL_CASES, QUILL_SANITIZE and,
+for a build for another machine, QUILL_EMULATOR."""
 
 import collections
 import os
@@ -15,6 +15,9 @@ QUILL = os.environ["QUILL"]
 MODULE = os.path.join(os.path.dirname(QUILL), "quillcaption.so")
 EMULATOR = os.environ.get("QUILL_EMULATOR", "").split()
 
+# A sanitizer reports a crash itself, and keeps a heap of its own.
+SANITIZED = bool(os.environ.get("QUILL_SANITIZE"))
+
 # Longer than any run takes, so that a hang is a failure and not the end of the tests.
 PATIENCE = 60
 
@@ -23,6 +26,11 @@ Result = collections.namedtuple("Result", "code out err")
 
 def fixture(name):
     return os.path.join(os.environ["QUILL_FIXTURES"], name + ".so")
+
+
+def broken(fault):
+    """What makes the module "broken" do one thing wrong, as an environment."""
+    return dict(os.environ, BROKEN_MODULE_WRAPS=MODULE, BROKEN_MODULE_FAULT=fault)
 
 
 def command(*arguments, quill=QUILL):

@@ -100,6 +100,9 @@ class CaseReader {
         } else if (cases_.empty()) {
             Fail("a line before the first case, which begins with \"== \"");
         } else if (cases_.back().reason.empty()) {
+            if (line.back() != '.') {
+                Fail("the line below the name says what the case is for, and ends in a full stop");
+            }
             cases_.back().reason = line;
         } else if (line.front() == ' ') {
             AddBelow(line.substr(line.find_first_not_of(' ')));
@@ -110,6 +113,9 @@ class CaseReader {
     }
 
     std::vector<Case> Finish() {
+        if (cases_.empty()) {
+            throw Failure(kExitUsage, file_ + " holds no case");
+        }
         FinishCase();
         return std::move(cases_);
     }
@@ -164,7 +170,7 @@ class CaseReader {
             return;
         }
         if (cases_.back().steps.empty()) {
-            FailAt(cases_.back().line, "a case needs a reason in one line, and calls");
+            FailAt(cases_.back().line, "the case has no calls");
         }
         FinishStep();
     }

@@ -20,6 +20,8 @@ constexpr std::string_view kStep = "step ";
 constexpr std::string_view kGot = "got ";
 constexpr std::string_view kEnd = "end";
 
+constexpr std::string_view kLoaded = "loaded";
+
 constexpr std::size_t kLongestDetail = 200;
 
 struct StepReport {
@@ -172,15 +174,17 @@ void CheckThatItLoads(const std::string& module, std::chrono::seconds timeout) {
         const PrintedText printed;
         try {
             const ModuleHandle handle(module);
+            channel.Write(kLoaded);
         } catch (const Failure& failure) {
             channel.Write(failure.what());
         }
     };
     const IsolatedEnd end = RunIsolated(load, timeout);
-    if (end.kind != IsolatedEnd::Kind::kDone) {
+    if (end.written.empty()) {
         throw Failure(kExitUnloadable, module + " " + DescribeEnd(end) + " while it was loaded");
     }
-    if (!end.written.empty()) {
+    // What goes wrong later is for the cases to tell.
+    if (end.written != kLoaded) {
         throw Failure(kExitUnloadable, end.written);
     }
 }

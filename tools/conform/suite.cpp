@@ -55,11 +55,11 @@ std::vector<Case> BuiltInCases() {
 }
 
 std::vector<Case> CasesOfFile(const std::string& path) {
+    errno = 0;
     std::ifstream file(path);
     std::ostringstream text;
-    if (!file || !(text << file.rdbuf())) {
-        throw Failure(kExitUsage, "cannot read the cases " + path + ": " +
-                                      (errno != 0 ? ErrorText(errno) : "there is nothing in it"));
+    if (!file || (!(text << file.rdbuf()) && errno != 0)) {
+        throw Failure(kExitUsage, "cannot read the cases " + path + ": " + ErrorText(errno));
     }
     return ReadCases(path, text.str());
 }

@@ -14,6 +14,7 @@ namespace {
 using Place = ElfReader::Place;
 
 // The records of the two classes hold the same fields at other places and in other widths.
+constexpr Place kHeaderSize = {sizeof(Elf32_Ehdr), sizeof(Elf64_Ehdr)};
 constexpr Place kProgramTable = {offsetof(Elf32_Ehdr, e_phoff), offsetof(Elf64_Ehdr, e_phoff)};
 constexpr Place kProgramSize = {offsetof(Elf32_Ehdr, e_phentsize),
                                 offsetof(Elf64_Ehdr, e_phentsize)};
@@ -68,6 +69,7 @@ class DynamicReader {
 };
 
 void DynamicReader::ReadSegments() {
+    file_.CheckRange("the ELF header", 0, file_.SizeOf(kHeaderSize));
     const std::uint64_t table = file_.Word("the ELF header", 0, kProgramTable);
     const std::uint64_t size = file_.Field("the ELF header", 0, kProgramSize, 2);
     const std::uint64_t count = file_.Field("the ELF header", 0, kProgramCount, 2);

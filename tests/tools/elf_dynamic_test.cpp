@@ -1,0 +1,134 @@
+// What quill reads out of ELF files that are damaged in every way: it must say so, and never read
+// outside of them.
+#include <elf.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "support/exact_block.h"
+#include "tools/elf_check.h"
+#include "tools/inspect/elf_dynamic.h"
+#include "tools/inspect/elf_reader.h"
+
+namespace quill {
+namespace {
+
+using testing::Contains;
+using testing::Pair;
+
+std::string ModuleBytes() {
+    std::ifstream file(QUILLCAPTION_BUILT_MODULE, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << file.rdbuf();
+    return bytes.str();
+}
+
+// Reads a copy that ends where its memory ends, so that a sanitizer sees any step outside.
+ElfDynamic Read(const std::string& bytes) {
+    support::ExactBlock block(bytes);
+    const std::string_view view(block.data(), block.size());
+    return ReadElfDynamic(view, OwnTarget());
+}
+
+bool IsReadable(const std::string& bytes) {
+    try {
+        Read(bytes);
+        return true;
+    } catch (const DamagedElf& error) {
+        EXPECT_STRNE(error.what(), "");
+        return false;
+    }
+}
+
+TEST(ElfDynamic, OfTheModule) {
+    const ElfDynamic found = Read(ModuleBytes());
+    EXPECT_EQ(found.type, static_cast<unsigned>(ET_DYN));
+    EXPECT_THAT(found.needed, Contains("libc.so.6"));
+    EXPECT_THAT(found.versions, Contains(Pair("CXXABI", testing::StartsWith("1.3"))));
+    std::size_t objects = 0;
+    for (const ElfExport& one : found.exports) {
+        objects += one.kind == STT_OBJECT && (one.size == 144 || one.size == 24) ? 1 : 0;
+    }
+    EXPECT_EQ(objects, 2u);
+}
+
+TEST(ElfDynamic, OfEveryTruncation) {
+    const std::string whole = ModuleBytes();
+    ASSERT_TRUE(IsReadable(whole));
+    std::size_t readable = 0;
+    // Byte by byte through the tables at the front, then in steps.
+    for (std::size_t size = 0; size < whole.size(); size += size < 6000 ? 1 : 331) {
+        readable += IsReadable(whole.substr(0, size)) ? 1 : 0;
+    }
+    // Only the section headers and names for debuggers lie behind all that is loaded.
+    EXPECT_LT(readable, whole.size() / 331 / 2);
+    EXPECT_FALSE(IsReadable(whole.substr(0, 6000)));
+}
+
+TEST(ElfDynamic, OfEveryDamagedByte) {
+    const std::string whole = ModuleBytes();
+    std::size_t damaged = 0;
+    for (std::size_t at = 0; at < std::min<std::size_t>(whole.size(), 3000); ++at) {
+        for (const char byte : {'\0', '\x7F', '\xFF'}) {
+            std::string bytes = whole;
+            bytes[at] = byte;
+            damaged += IsReadable(bytes) ? 0 : 1;
+        }
+    }
+    EXPECT_GT(damaged, 20u);
+}
+
+TEST(ElfDynamic, OfHeadersAlone) {
+    EXPECT_FALSE(IsReadable(""));
+    EXPECT_FALSE(IsReadable(std::string(sizeof(Elf32_Ehdr) - 1, '\0')));
+    const ElfDynamic found = Read(std::string(sizeof(Elf32_Ehdr), '\0'));
+    EXPECT_TRUE(found.needed.empty());
+    EXPECT_TRUE(found.exports.empty());
+}
+
+TEST(ElfDynamic, OfAnUnknownClass) {
+    EXPECT_THROW(ReadElfDynamic(ModuleBytes(), {7, ELFDATA2LSB, EM_386}), DamagedElf);
+}
+
+TEST(ElfReader, ReadsBothByteOrdersAndClasses) {
+    const std::string bytes = "\x01\x02\x03\x04\x05\x06\x07\x08";
+    const ElfReader little_32(bytes, {ELFCLASS32, ELFDATA2LSB, EM_386});
+    const ElfReader big_32(bytes, {ELFCLASS32, ELFDATA2MSB, EM_PPC});
+    const ElfReader little_64(bytes, {ELFCLASS64, ELFDATA2LSB, EM_X86_64});
+    const ElfReader big_64(bytes, {ELFCLASS64, ELFDATA2MSB, EM_PPC64});
+    EXPECT_EQ(little_32.Word("x", 0, {0, 4}), 0x04030201u);
+    EXPECT_EQ(big_32.Word("x", 0, {0, 4}), 0x01020304u);
+    EXPECT_EQ(little_64.Word("x", 0, {4, 0}), 0x0807060504030201u);
+    EXPECT_EQ(big_64.Word("x", 0, {4, 0}), 0x0102030405060708u);
+    EXPECT_EQ(big_64.Field("x", 2, {0, 1}, 2), 0x0405u);
+    EXPECT_THROW(big_64.Word("x", 1, {0, 0}), DamagedElf);
+    EXPECT_THROW(big_64.Word("x", UINT64_MAX, {0, 0}), DamagedElf);
+    EXPECT_THROW(big_64.CheckRange("x", 8, UINT64_MAX), DamagedElf);
+    EXPECT_NO_THROW(big_64.CheckRange("x", 8, 0));
+}
+
+TEST(ElfReader, WantsTheEndOfATextInsideItsTable) {
+    const std::string bytes("ab\0cd", 5);
+    const ElfReader reader(bytes, {ELFCLASS32, ELFDATA2LSB, EM_386});
+    EXPECT_EQ(reader.Text("x", 0, 5), "ab");
+    EXPECT_EQ(reader.Text("x", 2, 5), "");
+    EXPECT_THROW(reader.Text("x", 0, 2), DamagedElf);
+    EXPECT_THROW(reader.Text("x", 3, 5), DamagedElf);
+    EXPECT_THROW(reader.Text("x", 6, 9), DamagedElf);
+}
+
+TEST(ElfVersion, ComparesNumberByNumber) {
+    EXPECT_TRUE(IsHigherVersion("3.4.21", "3.4.9"));
+    EXPECT_TRUE(IsHigherVersion("2.34", "2.4"));
+    EXPECT_TRUE(IsHigherVersion("2.4.1", "2.4"));
+    EXPECT_FALSE(IsHigherVersion("2.4", "2.4"));
+    EXPECT_FALSE(IsHigherVersion("2.4", "2.4.1"));
+    EXPECT_FALSE(IsHigherVersion("2.9", "2.10"));
+}
+
+}  // namespace
+}  // namespace quill
