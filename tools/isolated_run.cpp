@@ -25,6 +25,8 @@ using Clock = std::chrono::steady_clock;
 // What a module that prints without end may write before it is stopped by SIGXFSZ.
 constexpr rlim_t kLargestFile = 64u << 20;
 
+constexpr long long kLongestWait = 3'600'000;  // milliseconds
+
 constexpr struct {
     int number;
     const char* name;
@@ -58,7 +60,7 @@ constexpr struct {
 int LeftMilliseconds(Clock::time_point deadline) {
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    return static_cast<int>(std::clamp<long long>(left, 0, 3600 * 1000));
+    return static_cast<int>(std::clamp<long long>(left, 0, kLongestWait));
 }
 
 // Reads until the other end is closed. False when the time is over before that.

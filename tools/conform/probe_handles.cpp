@@ -138,8 +138,8 @@ void CheckInterleaving(ProbeBench& bench) {
     }
     bench.methods().pfnGetParseResult(second);
     bench.methods().pfnGetParseResult(first);
-    bench.Expect(early == Texts{"cue 1 2 \"early\\n\""}, "the first track has other cues");
-    bench.Expect(late == Texts{"cue 3 4 \"late\\n\" line=1"}, "the second track has other cues");
+    bench.Expect(early == Texts{R"(cue 1 2 "early\n")"}, "the first track has other cues");
+    bench.Expect(late == Texts{R"(cue 3 4 "late\n" line=1)"}, "the second track has other cues");
 }
 
 Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {

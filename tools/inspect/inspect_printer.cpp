@@ -43,7 +43,9 @@ std::string Join(const Json& list) {
     std::string text;
     for (const auto& [key, value] : list.items()) {
         const std::string item = value.get<std::string>();
-        text += (text.empty() ? "" : ", ") + (list.is_object() ? key + " " + item : item);
+        text += text.empty() ? "" : ", ";
+        text += list.is_object() ? key + " " : "";
+        text += item;
     }
     return text.empty() ? "none" : text;
 }
