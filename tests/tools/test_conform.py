@@ -19,12 +19,18 @@ LEAKS = ["a-long-life", "carried-text-is-freed", "delivered-cues-are-freed",
          "undelivered-cues-are-freed"]
 
 
+def only(*patterns):
+    return [part for pattern in patterns for part in ("--only", pattern)]
+
+
 class Conforming(QuillTest):
     def conform(self, *arguments, code=0, **how):
         """The lines that were printed."""
         result = self.quill("conform", *arguments, **how)
         self.assertEqual(result.code, code, result)
-        self.assertEqual(result.err, b"")
+        # An emulator has a word of its own on every crash.
+        self.assertEqual(re.sub(b"^qemu: uncaught target signal.*\n", b"", result.err,
+                                flags=re.MULTILINE), b"")
         return result.out.decode().splitlines()
 
     def conform_json(self, *arguments, code=0, **how):
@@ -79,9 +85,8 @@ class Suite(Conforming):
                  ["handles/zero-" + end for end in ("parse", "release", "register", "take",
                                                     "video-time")])):
             with self.subTest(patterns):
-                arguments = [part for one in patterns for part in ("--only", one)]
                 count = len(names)
-                self.assertEqual(self.conform(*arguments),
+                self.assertEqual(self.conform(*only(*patterns)),
                                  ["passed  " + name for name in names] +
                                  [f"{count} case{'s' * (count > 1)}: {count} passed"])
 
@@ -127,9 +132,13 @@ class Suite(Conforming):
 
 class BrokenModules(Conforming):
     def fails(self, fault, expected, *more):
-        """Compares the cases that do not pass with what is expected of the groups concerned."""
-        groups = {name.split("/")[0] for name in expected} | {"results"}
-        arguments = [part for group in sorted(groups) for part in ("--only", group)]
+        """Compares the cases that do not pass with what is expected of the groups concerned, or
+        of a few cases under an emulator, where every process takes its time."""
+        if EMULATOR:
+            patterns = set(expected) | {"*/no-*"}
+        else:
+            patterns = {name.split("/")[0] for name in expected} | {"results"}
+        arguments = only(*sorted(patterns))
         records, counts = self.conform_json(fixture("broken"), "--failed-only", *arguments, *more,
                                             code=1, env=broken(fault))
         self.assertEqual({one["case"]: one["outcome"] for one in records}, expected)
@@ -137,11 +146,13 @@ class BrokenModules(Conforming):
         return {one["case"]: "\n".join(one["details"]) for one in records}
 
     def test_without_a_fault_all_cases_pass(self):
-        lines = self.conform(fixture("broken"), "--failed-only", env=broken(""))
+        groups = only("descriptor", "layout", "handles", "lifetime") if EMULATOR else []
+        lines = self.conform(fixture("broken"), "--failed-only", *groups, env=broken(""))
         self.assertRegex(lines[0], "^([0-9]+) cases: \\1 passed$")
 
     def test_a_fault_fails_no_other_group(self):
-        records, _ = self.conform_json(fixture("broken"), "--failed-only", code=1,
+        groups = only("layout", "settings", "delivery") if EMULATOR else []
+        records, _ = self.conform_json(fixture("broken"), "--failed-only", *groups, code=1,
                                        env=broken("right-is-left"))
         self.assertEqual([one["case"] for one in records],
                          ["settings/align-right", "settings/all-together",
