@@ -54,11 +54,12 @@ class QuillTest(unittest.TestCase):
         return path
 
     def quill(self, *arguments, stdin=b"", quill=QUILL, **how):
-        """Runs quill to its end. Standard output may be given in `how`, else it is collected."""
+        """Runs quill to its end. Its outputs may be given in `how`, else they are collected."""
         how.setdefault("stdout", subprocess.PIPE)
-        done = subprocess.run(command(*arguments, quill=quill), input=stdin,
-                              stderr=subprocess.PIPE, timeout=PATIENCE, check=False, **how)
-        return self.checked(Result(done.returncode, done.stdout, done.stderr))
+        how.setdefault("stderr", subprocess.PIPE)
+        done = subprocess.run(command(*arguments, quill=quill), input=stdin, timeout=PATIENCE,
+                              check=False, **how)
+        return self.checked(Result(done.returncode, done.stdout, done.stderr or b""))
 
     def cues(self, track, *arguments, **how):
         """Runs `quill cues` on a track that is given as bytes, from a file."""

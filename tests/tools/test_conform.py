@@ -106,6 +106,19 @@ class Suite(Conforming):
         self.assertRegex(records[1]["place"], "^times.cases:[0-9]+$")
         self.assertEqual(counts, {"cases": 2, "passed": 2, "failed": 0, "crashed": 0, "hung": 0})
 
+    def test_progress(self):
+        # The case hangs for longer than the second in which nothing is shown.
+        ours, theirs = os.openpty()
+        self.addCleanup(os.close, ours)
+        result = self.quill("conform", fixture("broken"), "--failed-only", "--timeout", "2",
+                            "--only", "markup/mark-references", "--only", "markup/space-reference",
+                            env=broken("hang"), stderr=theirs)
+        os.close(theirs)
+        shown = os.read(ours, 1000)
+        self.assertEqual(shown, b"\r1 of 2 cases\r" + b" " * 12 + b"\r" +
+                         b"\r2 of 2 cases\r" + b" " * 12 + b"\r")
+        self.assertTrue(result.out.endswith(b"2 cases: 1 passed, 1 hung\n"))
+
     def test_the_examples_of_the_help_work(self):
         text = self.quill("conform", "--help").out.decode()
         os.makedirs(os.path.join(self.folder, "some/folder"))

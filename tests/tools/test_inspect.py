@@ -175,6 +175,13 @@ class OfBrokenModules(Inspecting):
                 _, problems = self.inspect(fixture(name), code=code)
                 self.assertIn(problem, "\n".join(problems))
 
+    def test_both_kinds_of_hash_tables(self):
+        self.assertIn("(HASH)", readelf("-d", fixture("with_old_hash_table")))
+        for name in ("without_table", "with_old_hash_table"):
+            with self.subTest(name):
+                report, _ = self.inspect(fixture(name), code=1)
+                self.assertIn("            WEBVTT_MODULE_INFO, object of 144 bytes", report)
+
     def test_what_a_module_prints_is_kept_away(self):
         report, _ = self.inspect(fixture("scripted"), code=1)
         self.assertNotIn("loaded\n", report)

@@ -4,6 +4,7 @@
 
 #include "tools/arguments.h"
 #include "tools/conform/case_runner.h"
+#include "tools/conform/progress_line.h"
 #include "tools/conform/suite.h"
 #include "tools/conform/verdict_printer.h"
 #include "tools/module_handle.h"
@@ -78,9 +79,14 @@ ExitCode ConformCommand::Run(Output& output) {
     const std::string module = module_.empty() ? FindDefaultModule() : module_;
     CheckThatItLoads(module, timeout_);
     VerdictPrinter printer(output, as_json_, failed_only_);
+    ProgressLine progress(cases.size(), "cases");
     for (const Case& one : cases) {
-        printer.Print(one, RunCase(one, module, timeout_));
+        const Verdict verdict = RunCase(one, module, timeout_);
+        progress.Clear();
+        printer.Print(one, verdict);
+        progress.Advance();
     }
+    progress.Clear();
     printer.PrintCount();
     return printer.all_passed() ? kExitDone : kExitTrack;
 }
