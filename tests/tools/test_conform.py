@@ -196,6 +196,12 @@ class BrokenModules(Conforming):
                          r'  expected  cue 1 2 "x\\n" line=-1\n  got       cue 1 2 "x\\n" line=0$')
         self.fails("counts-to-two", {"layout/info-block": "failed", "delivery/in-order": "failed"})
 
+    def test_a_list_without_end(self):
+        records, _ = self.conform_json(fixture("broken"), "--only", "times/zero", code=1,
+                                       env=broken("circle"))
+        self.assertEqual([line.strip() for line in records[0]["details"][1:]],
+                         ['expected  cue 0 0 "x\\n"', "got       the list of cues does not end"])
+
     def test_handles(self):
         self.fails("silent-second-release", {"handles/released": "failed",
                                              "handles/released-in-any-order": "failed",

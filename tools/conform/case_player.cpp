@@ -1,6 +1,7 @@
 #include "tools/conform/case_player.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -11,6 +12,8 @@
 namespace quill {
 namespace {
 
+// More than any case delivers. A list that is linked in a circle must not fill the memory.
+constexpr std::uint32_t kMostCues = 10000;
 constexpr char kOrdinaryStart[] = "! Buffer Exhausted";
 constexpr char kOrdinaryEnd[] = "! FINISHED";
 constexpr char kOrdinaryResult[] = "= 0";
@@ -221,8 +224,11 @@ void CasePlayer::NoteEvent(WEBVTT_EVENT_T event, std::size_t tag, const WebvttDa
     }
     std::uint32_t count = 0;
     for (const WebvttCueNode* cue = info.prCueList; cue != nullptr; cue = cue->prNext) {
+        if (++count > kMostCues) {
+            delivered_ = {"the list of cues does not end"};
+            return;
+        }
         delivered_.push_back(DescribeCue(*cue));
-        ++count;
     }
     if (count == 0) {
         delivered_.emplace_back("no cue");

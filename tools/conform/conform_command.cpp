@@ -45,11 +45,12 @@ ConformCommand::ConformCommand(CLI::App& app)
                     "The module to try\n(default: the quillcaption.so that belongs to this quill)")
         ->type_name("");
     line.add_flag("--list", list_, "Print the cases and their reasons, and run none");
-    line.add_option("--only", patterns_,
-                    "Run these cases only: a group, or a pattern such as 'times/*hours*';\n"
-                    "may be given more than once")
+    line.add_option_function<std::string>(
+            "--only", [this](const std::string& pattern) { patterns_.push_back(pattern); },
+            "Run these cases only: a group, or a pattern such as 'times/*hours*';\n"
+            "may be given more than once")
         ->type_name("PATTERN")
-        ->allow_extra_args(false);
+        ->trigger_on_parse();
     line.add_flag("--failed-only", failed_only_, "Print only the cases that did not pass");
     line.add_option("--cases", case_file_, "Run the cases of this file instead of quill's own")
         ->type_name("FILE");

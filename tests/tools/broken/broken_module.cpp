@@ -155,7 +155,15 @@ void SpoilRecords(WebvttDataInfo& info) {
 void OnEvent(WEBVTT_EVENT_T event, void* tag, void* info) {
     WebvttDataInfo shown = *static_cast<WebvttDataInfo*>(info);
     SpoilRecords(shown);
+    WebvttCueNode* const first = shown.prCueList;
+    const bool is_circle = HasFault("circle") && first != nullptr && first->prNext == nullptr;
+    if (is_circle) {
+        first->prNext = first;
+    }
     notify_host(event, tag, &shown);
+    if (is_circle) {
+        first->prNext = nullptr;
+    }
 }
 
 void Misbehave(const std::string& chunk) {
