@@ -31,4 +31,16 @@ void AddModuleArguments(CLI::App& app, ModuleArguments& arguments) {
                  "errors, and warnings about lost cues, are still said");
 }
 
+void AddTextOrJson(CLI::App& app, bool& as_json, const std::string& what) {
+    const auto choose = [&as_json](const std::string& name) {
+        if (name != "text" && name != "json") {
+            throw CLI::ValidationError("--format takes text or json, not \"" + name + "\"",
+                                       CLI::ExitCodes::ValidationError);
+        }
+        as_json = name == "json";
+    };
+    app.add_option_function<std::string>("--format", choose, what + ": text (default) or json")
+        ->type_name("FORMAT");
+}
+
 }  // namespace quill

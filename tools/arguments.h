@@ -28,6 +28,9 @@ struct ModuleArguments {
 // Adds --module and --quiet. The arguments must live as long as the command line is parsed.
 void AddModuleArguments(CLI::App& app, ModuleArguments& arguments);
 
+// Adds --format with the choices text, the default, and json. `what` begins its help.
+void AddTextOrJson(CLI::App& app, bool& as_json, const std::string& what);
+
 }  // namespace quill
 
 #endif  // TOOLS_ARGUMENTS_H_

@@ -2,9 +2,11 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <system_error>
 #include <utility>
 
@@ -43,6 +45,19 @@ int Descriptor::Take() {
 
 Descriptor DuplicatePrivately(int number) {
     return Descriptor(fcntl(number, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+}
+
+Descriptor UnnamedFile() {
+    const Descriptor in_memory(memfd_create("quill diagnostics", MFD_CLOEXEC));
+    if (in_memory.valid()) {
+        return DuplicatePrivately(in_memory.get());
+    }
+    char name[] = "/tmp/quill.XXXXXX";
+    const Descriptor on_disk(mkstemp(name));  // a kernel older than memfd_create
+    if (on_disk.valid()) {
+        unlink(name);
+    }
+    return DuplicatePrivately(on_disk.get());
 }
 
 int ReadSome(int number, char* buffer, std::size_t capacity) {

@@ -30,6 +30,10 @@ class Descriptor {
 // and that no child inherits. Invalid, with errno set, when there can be none.
 Descriptor DuplicatePrivately(int number);
 
+// A file without a name, empty, to be read and written; gone when it is closed. Not one of the
+// three standard descriptors. Invalid, with errno set, when the system gives none.
+Descriptor UnnamedFile();
+
 // One read(2) of at most `capacity` bytes, which waits for the first of them. Returns how many
 // came, 0 at the end of the input, -1 with errno set on failure.
 int ReadSome(int number, char* buffer, std::size_t capacity);

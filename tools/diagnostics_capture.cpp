@@ -8,7 +8,6 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <string>
 #include <string_view>
@@ -18,20 +17,6 @@
 
 namespace quill {
 namespace {
-
-// A file without a name, not one of the three standard descriptors.
-Descriptor UnnamedFile() {
-    const Descriptor in_memory(memfd_create("quill diagnostics", MFD_CLOEXEC));
-    if (in_memory.valid()) {
-        return DuplicatePrivately(in_memory.get());
-    }
-    char name[] = "/tmp/quill.XXXXXX";
-    const Descriptor on_disk(mkstemp(name));  // a kernel older than memfd_create
-    if (on_disk.valid()) {
-        unlink(name);
-    }
-    return DuplicatePrivately(on_disk.get());
-}
 
 void ShowOnStandardError(int file, off_t size) {
     std::array<char, 16384> buffer;

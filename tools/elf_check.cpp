@@ -5,9 +5,9 @@
 #include <link.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <string_view>
 
 #include "tools/descriptor.h"
 #include "tools/failure.h"
@@ -36,33 +36,6 @@ constexpr struct {
                   "cannot read the module " + path + ": " + ErrorText(error_number));
 }
 
-// The first bytes of the file: `size` of them, or all when it is shorter.
-std::string ReadStart(const std::string& path, std::size_t size) {
-    // Opening a pipe would wait for somebody to write into it.
-    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file.valid()) {
-        FailToRead(path, errno);
-    }
-    struct stat status = {};
-    if (fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        throw Failure(kExitUnloadable, path + " is not a module: it is not a regular file");
-    }
-    std::string start(size, '\0');
-    std::size_t filled = 0;
-    while (filled < size) {
-        const int count = ReadSome(file.get(), &start[filled], size - filled);
-        if (count < 0) {
-            FailToRead(path, errno);
-        }
-        if (count == 0) {
-            break;
-        }
-        filled += static_cast<std::size_t>(count);
-    }
-    start.resize(filled);
-    return start;
-}
-
 bool IsBigEndian(const ElfTarget& target) {
     return target.byte_order == ELFDATA2MSB;
 }
@@ -78,8 +51,39 @@ ElfTarget OwnTarget() {
     return {__ehdr_start.e_ident[EI_CLASS], __ehdr_start.e_ident[EI_DATA], __ehdr_start.e_machine};
 }
 
+std::string ReadModuleFile(const std::string& path, std::size_t most) {
+    // Opening a pipe would wait for somebody to write into it.
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file.valid()) {
+        FailToRead(path, errno);
+    }
+    struct stat status = {};
+    if (fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        throw Failure(kExitUnloadable, path + " is not a module: it is not a regular file");
+    }
+    const std::uint64_t present =
+        status.st_size < 0 ? 0 : static_cast<std::uint64_t>(status.st_size);
+    std::string start(static_cast<std::size_t>(std::min<std::uint64_t>(most, present)), '\0');
+    std::size_t filled = 0;
+    while (filled < start.size()) {
+        const int count = ReadSome(file.get(), &start[filled], start.size() - filled);
+        if (count < 0) {
+            FailToRead(path, errno);
+        }
+        if (count == 0) {
+            break;
+        }
+        filled += static_cast<std::size_t>(count);
+    }
+    start.resize(filled);
+    return start;
+}
+
 ElfTarget ReadElfTarget(const std::string& path) {
-    const std::string start = ReadStart(path, kHeaderStart);
+    return ElfTargetOf(ReadModuleFile(path, kHeaderStart), path);
+}
+
+ElfTarget ElfTargetOf(std::string_view start, const std::string& path) {
     if (start.size() < kHeaderStart || start.compare(0, SELFMAG, ELFMAG) != 0) {
         throw Failure(kExitUnloadable, path + " is not a module: it is not an ELF file");
     }
@@ -113,16 +117,18 @@ std::string TargetName(const ElfTarget& target) {
     return bits + order + " (" + MachineName(target) + ")";
 }
 
+std::string DescribeMismatch(const std::string& path, const ElfTarget& module) {
+    const ElfTarget own = OwnTarget();
+    return path + " is a " + TargetName(module) + " module; this quill is a " + TargetName(own) +
+           " program: use a quillcaption.so built for " + MachineName(own) +
+           ", or the quill that was built beside it";
+}
+
 void CheckModuleTarget(const std::string& path) {
     const ElfTarget module = ReadElfTarget(path);
-    const ElfTarget own = OwnTarget();
-    if (module == own) {
-        return;
+    if (!(module == OwnTarget())) {
+        throw Failure(kExitUnloadable, DescribeMismatch(path, module));
     }
-    throw Failure(kExitUnloadable,
-                  path + " is a " + TargetName(module) + " module; this quill is a " +
-                      TargetName(own) + " program: use a quillcaption.so built for " +
-                      MachineName(own) + ", or the quill that was built beside it");
 }
 
 }  // namespace quill

@@ -10,7 +10,7 @@ namespace quill {
 // The exit codes of every subcommand; the help lists them.
 enum ExitCode {
     kExitDone = 0,        // the work was done to its end
-    kExitTrack = 1,       // the track was rejected, or the module threw
+    kExitTrack = 1,       // the track was rejected, the module threw or breaks its contract
     kExitUsage = 2,       // wrong usage, or something that cannot be read or written
     kExitUnloadable = 3,  // the module cannot be loaded
 };

@@ -11,8 +11,10 @@
 #include "quillcaption/quillcaption.h"
 #include "tools/check/check_command.h"
 #include "tools/command.h"
+#include "tools/conform/conform_command.h"
 #include "tools/cues_command.h"
 #include "tools/failure.h"
+#include "tools/inspect/inspect_command.h"
 #include "tools/message.h"
 #include "tools/output.h"
 
@@ -44,6 +46,8 @@ ExitCode Run(int argc, char** argv) {
     std::vector<std::unique_ptr<Command>> commands;
     commands.push_back(std::make_unique<CuesCommand>(app));
     commands.push_back(std::make_unique<CheckCommand>(app));
+    commands.push_back(std::make_unique<InspectCommand>(app));
+    commands.push_back(std::make_unique<ConformCommand>(app));
 
     Output output;
     try {

@@ -24,8 +24,8 @@ std::string OwnFolder() {
     return program.substr(0, program.rfind('/') + 1);
 }
 
-const WebvttModuleMethods* FindMethods(void* library, const std::string& path) {
-    const void* symbol = dlsym(library, QUILLCAPTION_DESCRIPTOR_SYMBOL);
+const WebvttModuleMethods* FindMethods(const Library& library, const std::string& path) {
+    const void* symbol = library.Symbol(QUILLCAPTION_DESCRIPTOR_SYMBOL);
     if (symbol == nullptr) {
         throw Failure(kExitUnloadable, path + " is not a caption module: it does not export " +
                                            QUILLCAPTION_DESCRIPTOR_SYMBOL);
@@ -59,7 +59,7 @@ std::string FindDefaultModule() {
                                        "; name one with --module FILE");
 }
 
-ModuleHandle::ModuleHandle(const std::string& path) {
+Library::Library(const std::string& path) {
     CheckModuleTarget(path);
     // A name without a slash would send the loader to the system's library folders.
     const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
@@ -67,16 +67,17 @@ ModuleHandle::ModuleHandle(const std::string& path) {
     if (library_ == nullptr) {
         throw Failure(kExitUnloadable, "cannot load the module: " + std::string(dlerror()));
     }
-    try {
-        methods_ = FindMethods(library_, path);
-    } catch (const Failure&) {
-        dlclose(library_);
-        throw;
-    }
 }
 
-ModuleHandle::~ModuleHandle() {
+Library::~Library() {
     dlclose(library_);
 }
+
+void* Library::Symbol(const char* name) const {
+    return dlsym(library_, name);
+}
+
+ModuleHandle::ModuleHandle(const std::string& path)
+    : library_(path), methods_(FindMethods(library_, path)) {}
 
 }  // namespace quill

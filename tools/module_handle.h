@@ -13,20 +13,34 @@ namespace quill {
 // neither.
 std::string FindDefaultModule();
 
+// A file that is loaded into this program; unloads it at the end.
+class Library {
+  public:
+    // Throws Failure, with the reason in words, when the file cannot be loaded.
+    explicit Library(const std::string& path);
+    Library(const Library&) = delete;
+    Library& operator=(const Library&) = delete;
+    ~Library();
+
+    // Null when the file exports no such name.
+    void* Symbol(const char* name) const;
+
+  private:
+    void* library_;
+};
+
 // A loaded module; unloads it at the end. Every Parser of it must be gone by then.
 class ModuleHandle {
   public:
     // Throws Failure, with the reason in words, when the file cannot be loaded or does not
     // export what a player needs.
     explicit ModuleHandle(const std::string& path);
-    ModuleHandle(const ModuleHandle&) = delete;
-    ModuleHandle& operator=(const ModuleHandle&) = delete;
-    ~ModuleHandle();
 
+    const Library& library() const { return library_; }
     const WebvttModuleMethods& methods() const { return *methods_; }
 
   private:
-    void* library_;
+    Library library_;
     const WebvttModuleMethods* methods_;
 };
 

@@ -1,41 +1,11 @@
 #include "tools/parser_handle.h"
 
-#include <cxxabi.h>
-
-#include <cstdlib>
-#include <memory>
-#include <typeinfo>
 #include <utility>
 
+#include "tools/exception_text.h"
 #include "tools/failure.h"
 
 namespace quill {
-namespace {
-
-std::string CurrentTypeName() {
-    const std::type_info* type = abi::__cxa_current_exception_type();
-    if (type == nullptr) {
-        return "an exception that is not of C++";
-    }
-    int status = 0;
-    const std::unique_ptr<char, decltype(&std::free)> name(
-        abi::__cxa_demangle(type->name(), nullptr, nullptr, &status), &std::free);
-    return status == 0 ? name.get() : type->name();
-}
-
-// "std::out_of_range: basic_string::at", or the bare type where there is no text.
-std::string DescribeCurrentException() {
-    std::string name = CurrentTypeName();
-    try {
-        throw;
-    } catch (const std::exception& error) {
-        return name + ": " + error.what();
-    } catch (...) {
-        return name;
-    }
-}
-
-}  // namespace
 
 ModuleThrew::ModuleThrew() : std::runtime_error("the module threw " + DescribeCurrentException()) {}
 

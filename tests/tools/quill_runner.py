@@ -1,6 +1,6 @@
 """Runs quill the way a user does. Where it is and what to test it with comes from the environment,
-which ctest sets: QUILL, QUILL_FIXTURES, QUILL_MODULE_DIR, QUILL_VERSION and, for a build for
-another machine, QUILL_EMULATOR."""
+which ctest sets: QUILL, QUILL_FIXTURES, QUILL_MODULE_DIR, QUILL_VERSION, QUILL_CASES, QUILL_SANITIZE and,
+for a build for another machine, QUILL_EMULATOR."""
 
 import collections
 import os
@@ -15,6 +15,9 @@ QUILL = os.environ["QUILL"]
 MODULE = os.path.join(os.path.dirname(QUILL), "quillcaption.so")
 EMULATOR = os.environ.get("QUILL_EMULATOR", "").split()
 
+# A sanitizer reports a crash itself, and keeps a heap of its own.
+SANITIZED = bool(os.environ.get("QUILL_SANITIZE"))
+
 # Longer than any run takes, so that a hang is a failure and not the end of the tests.
 PATIENCE = 60
 
@@ -23,6 +26,11 @@ Result = collections.namedtuple("Result", "code out err")
 
 def fixture(name):
     return os.path.join(os.environ["QUILL_FIXTURES"], name + ".so")
+
+
+def broken(fault):
+    """What makes the module "broken" do one thing wrong, as an environment."""
+    return dict(os.environ, BROKEN_MODULE_WRAPS=MODULE, BROKEN_MODULE_FAULT=fault)
 
 
 def command(*arguments, quill=QUILL):
@@ -46,11 +54,12 @@ class QuillTest(unittest.TestCase):
         return path
 
     def quill(self, *arguments, stdin=b"", quill=QUILL, **how):
-        """Runs quill to its end. Standard output may be given in `how`, else it is collected."""
+        """Runs quill to its end. Its outputs may be given in `how`, else they are collected."""
         how.setdefault("stdout", subprocess.PIPE)
-        done = subprocess.run(command(*arguments, quill=quill), input=stdin,
-                              stderr=subprocess.PIPE, timeout=PATIENCE, check=False, **how)
-        return self.checked(Result(done.returncode, done.stdout, done.stderr))
+        how.setdefault("stderr", subprocess.PIPE)
+        done = subprocess.run(command(*arguments, quill=quill), input=stdin, timeout=PATIENCE,
+                              check=False, **how)
+        return self.checked(Result(done.returncode, done.stdout, done.stderr or b""))
 
     def cues(self, track, *arguments, **how):
         """Runs `quill cues` on a track that is given as bytes, from a file."""

@@ -1,0 +1,41 @@
+// How bytes, times and records are written in case files and in reports.
+#ifndef TOOLS_CONFORM_CASE_NOTATION_H_
+#define TOOLS_CONFORM_CASE_NOTATION_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "quillcaption/quillcaption.h"
+
+namespace quill {
+
+// Printable ASCII as it is; \n \r \t \\ \xNN for the rest, and \x20 for a space at the end.
+std::string EscapeBytes(std::string_view bytes);
+
+// The same in double quotes, with \" inside.
+std::string Quote(std::string_view bytes);
+
+// The bytes of quoted texts with spaces between them; "ab"*3 stands for "ababab". Nothing when
+// it is not written so.
+std::optional<std::string> Unquote(std::string_view text);
+
+// A number in decimal digits, or in hexadecimal ones behind 0x.
+std::optional<std::uint32_t> ParseNumber(std::string_view text);
+
+// Decimal digits that read back as the same double, and no more than it takes.
+std::string FormatDouble(double value);
+
+// A record in one line: start, end, text, and the fields that are not as in a cue without
+// settings.
+std::string DescribeCue(const WebvttCueNode& cue);
+
+// Printed bytes as a case expects them: "! message" for a line behind the module's prefix,
+// "| text" for any other, "unfinished | text" for one without a line feed.
+std::vector<std::string> DescribePrinted(std::string_view bytes);
+
+}  // namespace quill
+
+#endif  // TOOLS_CONFORM_CASE_NOTATION_H_

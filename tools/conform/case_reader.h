@@ -1,0 +1,19 @@
+// Reads case files. tools/conform/cases/README.md describes how they are written.
+#ifndef TOOLS_CONFORM_CASE_READER_H_
+#define TOOLS_CONFORM_CASE_READER_H_
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "tools/conform/case.h"
+
+namespace quill {
+
+// The cases of one file, whose name without its ending is their group. Throws Failure, which
+// names the file and the line, when something is not written as it should be.
+std::vector<Case> ReadCases(const std::string& file, std::string_view text);
+
+}  // namespace quill
+
+#endif  // TOOLS_CONFORM_CASE_READER_H_

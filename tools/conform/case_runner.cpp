@@ -1,0 +1,192 @@
+#include "tools/conform/case_runner.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+
+#include "tools/conform/case_player.h"
+#include "tools/conform/probes.h"
+#include "tools/exception_text.h"
+#include "tools/failure.h"
+#include "tools/isolated_run.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+namespace {
+
+// What the child tells, line by line: "step WHAT" before something is done, "got LINE" for what
+// came of it (of a probe: what is wrong with it), "end" when all is over.
+constexpr std::string_view kStep = "step ";
+constexpr std::string_view kGot = "got ";
+constexpr std::string_view kEnd = "end";
+
+constexpr std::string_view kLoaded = "loaded";
+
+constexpr std::size_t kLongestDetail = 200;
+
+struct StepReport {
+    std::string what;
+    std::vector<std::string> got;
+};
+
+struct CaseReport {
+    std::vector<StepReport> steps;
+    bool has_ended = false;
+};
+
+void PlaySteps(const Case& one, const std::string& module, Channel& channel) {
+    PrintedText printed;
+    channel.Write("step loading the module\n");
+    const ModuleHandle handle(module);
+    printed.Take();
+    CasePlayer player(handle.methods(), printed);
+    for (const CaseStep& step : one.steps) {
+        channel.Write("step " + step.text + "\n");
+        std::string report;
+        for (const std::string& line : player.Play(step.call)) {
+            report += "got " + line + "\n";
+        }
+        channel.Write(report);
+    }
+    channel.Write("step unloading the module\n");
+}
+
+void RunInChild(const Case& one, const std::string& module, Channel& channel) {
+    try {
+        if (one.probe != nullptr) {
+            channel.Write("step loading the module\n");
+            ProbeBench bench(module, channel);
+            bench.Doing("the probe");
+            one.probe(bench);
+            bench.Doing("unloading the module");
+        } else {
+            PlaySteps(one, module, channel);
+        }
+        channel.Write("end\n");
+    } catch (...) {
+        channel.Write("got throws " + DescribeCurrentException() + "\n");
+        throw;
+    }
+}
+
+CaseReport ReadReport(std::string_view text) {
+    CaseReport report;
+    while (!text.empty()) {
+        const std::size_t length = std::min(text.find('\n'), text.size());
+        const std::string_view line = text.substr(0, length);
+        if (line.substr(0, kStep.size()) == kStep) {
+            report.steps.push_back({std::string(line.substr(kStep.size())), {}});
+        } else if (line.substr(0, kGot.size()) == kGot && !report.steps.empty()) {
+            report.steps.back().got.emplace_back(line.substr(kGot.size()));
+        }
+        report.has_ended = report.has_ended || line == kEnd;
+        text.remove_prefix(std::min(length + 1, text.size()));
+    }
+    return report;
+}
+
+std::string Shorten(const std::string& text) {
+    if (text.size() <= kLongestDetail) {
+        return text;
+    }
+    return text.substr(0, kLongestDetail) + "... (" + std::to_string(text.size()) + " bytes)";
+}
+
+std::string Where(const Case& one, const CaseStep& step) {
+    return one.file + ":" + std::to_string(step.line) + ": " + Shorten(step.text);
+}
+
+void AddLines(const char* label, const std::vector<std::string>& lines,
+              std::vector<std::string>& details) {
+    if (lines.empty()) {
+        details.push_back(std::string("  ") + label + "nothing");
+    }
+    for (const std::string& line : lines) {
+        details.push_back(std::string("  ") + label + Shorten(line));
+    }
+}
+
+// What is told of the first step that is over and did not go as it should; a later one may have
+// gone wrong because of it.
+std::vector<std::string> FirstDifference(const Case& one, const CaseReport& report) {
+    std::vector<std::string> details;
+    // The steps stand between loading and unloading. The last one begun may not be over.
+    const std::size_t begun = report.steps.size() - std::min<std::size_t>(report.steps.size(), 1);
+    const std::size_t over = report.has_ended || begun == 0 ? begun : begun - 1;
+    for (std::size_t i = 0; i < std::min(over, one.steps.size()); ++i) {
+        const CaseStep& step = one.steps[i];
+        const std::vector<std::string>& got = report.steps[i + 1].got;
+        if (got != step.expected) {
+            details.push_back(Where(one, step));
+            AddLines("expected  ", step.expected, details);
+            AddLines("got       ", got, details);
+            break;
+        }
+    }
+    return details;
+}
+
+// A probe tells only what is wrong.
+std::vector<std::string> Complaints(const CaseReport& report) {
+    std::vector<std::string> details;
+    for (const StepReport& step : report.steps) {
+        for (const std::string& line : step.got) {
+            details.push_back(Shorten(line));
+        }
+    }
+    return details;
+}
+
+// How a child ended that did not come to its end; the step that it was in says where.
+std::string DescribeBreak(const Case& one, const CaseReport& report, const IsolatedEnd& end) {
+    const std::size_t number = report.steps.size();
+    std::string where = number == 0 ? "the start" : Shorten(report.steps.back().what);
+    if (number >= 2 && number - 2 < one.steps.size()) {
+        where = Where(one, one.steps[number - 2]);
+    }
+    const bool is_quiet = end.kind == IsolatedEnd::Kind::kDone;
+    return where + ": the module " + (is_quiet ? "ended the process" : DescribeEnd(end));
+}
+
+Outcome OutcomeOf(const IsolatedEnd& end) {
+    return end.kind == IsolatedEnd::Kind::kTimedOut ? Outcome::kHung : Outcome::kCrashed;
+}
+
+}  // namespace
+
+Verdict RunCase(const Case& one, const std::string& module, std::chrono::seconds timeout) {
+    const IsolatedEnd end =
+        RunIsolated([&](Channel& channel) { RunInChild(one, module, channel); }, timeout);
+    const CaseReport report = ReadReport(end.written);
+    Verdict verdict = {Outcome::kPassed,
+                       one.probe != nullptr ? Complaints(report) : FirstDifference(one, report)};
+    if (!report.has_ended || end.kind != IsolatedEnd::Kind::kDone) {
+        verdict.outcome = OutcomeOf(end);
+        verdict.details.push_back(DescribeBreak(one, report, end));
+    } else if (!verdict.details.empty()) {
+        verdict.outcome = Outcome::kFailed;
+    }
+    return verdict;
+}
+
+void CheckThatItLoads(const std::string& module, std::chrono::seconds timeout) {
+    const auto load = [&module](Channel& channel) {
+        const PrintedText printed;
+        try {
+            const ModuleHandle handle(module);
+            channel.Write(kLoaded);
+        } catch (const Failure& failure) {
+            channel.Write(failure.what());
+        }
+    };
+    const IsolatedEnd end = RunIsolated(load, timeout);
+    if (end.written.empty()) {
+        throw Failure(kExitUnloadable, module + " " + DescribeEnd(end) + " while it was loaded");
+    }
+    // What goes wrong later is for the cases to tell.
+    if (end.written != kLoaded) {
+        throw Failure(kExitUnloadable, end.written);
+    }
+}
+
+}  // namespace quill

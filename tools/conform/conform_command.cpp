@@ -1,0 +1,95 @@
+#include "tools/conform/conform_command.h"
+
+#include <CLI/CLI.hpp>
+
+#include "tools/arguments.h"
+#include "tools/conform/case_runner.h"
+#include "tools/conform/progress_line.h"
+#include "tools/conform/suite.h"
+#include "tools/conform/verdict_printer.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+namespace {
+
+constexpr std::uint32_t kDefaultSeconds = 10;
+constexpr std::uint32_t kMostSeconds = 3600;
+
+constexpr char kFooter[] = R"(Each case runs in a process of its own: a crash or a hang is a result.
+
+Formats:
+  text  a line for each case, below it what was expected and what came; the count at the end
+  json  an object a line: case, reason, place, outcome (passed, failed, crashed or hung) and
+        details; the last line holds the counts
+
+Examples:
+  quill conform
+  quill conform --failed-only some/folder/quillcaption.so
+  quill conform --only settings --only 'markup/*reference*'
+  quill conform --list --only times
+
+Exit codes:
+  0  all cases passed
+  1  a case did not pass
+  2  wrong usage, or an output that cannot be written
+  3  the module cannot be loaded)";
+
+}  // namespace
+
+ConformCommand::ConformCommand(CLI::App& app)
+    : command_line_(app.add_subcommand(
+          "conform", "Try whether a build of the module does all that hosts rely on")),
+      timeout_(kDefaultSeconds) {
+    CLI::App& line = *command_line_;
+    line.add_option("MODULE", module_,
+                    "The module to try\n(default: the quillcaption.so that belongs to this quill)")
+        ->type_name("");
+    line.add_flag("--list", list_, "Print the cases and their reasons, and run none");
+    line.add_option_function<std::string>(
+            "--only", [this](const std::string& pattern) { patterns_.push_back(pattern); },
+            "Run these cases only: a group, or a pattern such as 'times/*hours*';\n"
+            "may be given more than once")
+        ->type_name("PATTERN")
+        ->trigger_on_parse();
+    line.add_flag("--failed-only", failed_only_, "Print only the cases that did not pass");
+    line.add_option("--cases", case_file_, "Run the cases of this file instead of quill's own")
+        ->type_name("FILE");
+    line.add_option_function<std::string>(
+            "--timeout",
+            [this](const std::string& text) {
+                timeout_ = std::chrono::seconds(ParseWholeNumber(
+                    "--timeout", "a whole number of seconds", text, 1, kMostSeconds));
+            },
+            "How long a case may take before it counts as hung (default: 10)")
+        ->type_name("SECONDS");
+    AddTextOrJson(line, as_json_, "How the results are printed");
+    line.footer(kFooter);
+}
+
+bool ConformCommand::IsChosen() const {
+    return command_line_->parsed();
+}
+
+ExitCode ConformCommand::Run(Output& output) {
+    const std::vector<Case> cases =
+        SelectCases(case_file_.empty() ? BuiltInCases() : CasesOfFile(case_file_), patterns_);
+    if (list_) {
+        PrintCaseList(output, cases, as_json_);
+        return kExitDone;
+    }
+    const std::string module = module_.empty() ? FindDefaultModule() : module_;
+    CheckThatItLoads(module, timeout_);
+    VerdictPrinter printer(output, as_json_, failed_only_);
+    ProgressLine progress(cases.size(), "cases");
+    for (const Case& one : cases) {
+        const Verdict verdict = RunCase(one, module, timeout_);
+        progress.Clear();
+        printer.Print(one, verdict);
+        progress.Advance();
+    }
+    progress.Clear();
+    printer.PrintCount();
+    return printer.all_passed() ? kExitDone : kExitTrack;
+}
+
+}  // namespace quill

@@ -1,0 +1,27 @@
+// What the module prints, kept from quill's own output.
+#ifndef TOOLS_CONFORM_PRINTED_TEXT_H_
+#define TOOLS_CONFORM_PRINTED_TEXT_H_
+
+#include <string>
+
+#include "tools/descriptor.h"
+
+namespace quill {
+
+// From its making on, for the rest of the process, descriptor 1 is an unnamed file. For a child
+// process; DiagnosticsCapture is for quill itself.
+class PrintedText {
+  public:
+    // Throws Failure when the system gives no file.
+    PrintedText();
+
+    // All that was printed since the last call.
+    std::string Take();
+
+  private:
+    Descriptor file_;
+};
+
+}  // namespace quill
+
+#endif  // TOOLS_CONFORM_PRINTED_TEXT_H_

@@ -1,0 +1,88 @@
+// The conformance cases that are code, because no text can say them.
+#ifndef TOOLS_CONFORM_PROBES_H_
+#define TOOLS_CONFORM_PROBES_H_
+
+#include <cstring>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "quillcaption/quillcaption.h"
+#include "tools/conform/case.h"
+#include "tools/conform/case_notation.h"
+#include "tools/conform/printed_text.h"
+#include "tools/isolated_run.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+
+// A value at a byte offset of a record, read without the help of its declaration.
+template <typename Value>
+Value ValueAt(const void* record, std::size_t offset) {
+    Value value;
+    std::memcpy(&value, static_cast<const char*>(record) + offset, sizeof(value));
+    return value;
+}
+
+inline std::string InWords(const std::string& text) {
+    return Quote(text);
+}
+inline std::string InWords(double number) {
+    return FormatDouble(number);
+}
+template <typename Number>
+std::string InWords(Number number) {
+    return std::to_string(number);
+}
+
+// What a probe works with, in a child process of its own. The module is loaded.
+class ProbeBench {
+  public:
+    ProbeBench(const std::string& path, Channel& channel);
+
+    const std::string& path() const { return path_; }
+    const Library& library() const { return module_->library(); }
+    const WebvttModuleMethods& methods() const { return module_->methods(); }
+    // What the module has printed since the last call.
+    std::string Printed() { return printed_.Take(); }
+
+    void Unload() { module_.reset(); }
+    void Load() { module_ = std::make_unique<ModuleHandle>(path_); }
+
+    // A parser whose deliveries go to `notify`, and which has been fed "WEBVTT\n\n".
+    unsigned int Open(void* tag, WebvttEventNotify notify);
+    int Feed(unsigned int handle, std::string_view bytes);
+
+    // Names what is being done, for the case that it crashes.
+    void Doing(const std::string& what);
+    void Complain(const std::string& what);
+    void Expect(bool is_so, const std::string& what) {
+        if (!is_so) {
+            Complain(what);
+        }
+    }
+    template <typename Value>
+    void ExpectEqual(const std::string& what, const Value& expected, const Value& got) {
+        if (!(expected == got)) {
+            Complain(what + ": expected " + InWords(expected) + ", got " + InWords(got));
+        }
+    }
+
+  private:
+    std::string path_;
+    Channel& channel_;
+    PrintedText printed_;
+    std::unique_ptr<ModuleHandle> module_;
+};
+
+// The probes of each group.
+std::vector<Case> DescriptorProbes();
+std::vector<Case> LayoutProbes();
+std::vector<Case> HandleProbes();
+std::vector<Case> ChunkProbes();
+std::vector<Case> LifetimeProbes();
+
+}  // namespace quill
+
+#endif  // TOOLS_CONFORM_PROBES_H_

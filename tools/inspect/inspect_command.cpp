@@ -1,0 +1,58 @@
+#include "tools/inspect/inspect_command.h"
+
+#include <CLI/CLI.hpp>
+
+#include "tools/arguments.h"
+#include "tools/inspect/inspect_printer.h"
+#include "tools/inspect/inspection.h"
+#include "tools/module_handle.h"
+
+namespace quill {
+namespace {
+
+constexpr char kFooter[] = R"(Formats:
+  text  made for reading; the last lines say what is not as the contract says
+  json  one object: module, file, needed, versions, exports, loaded, descriptor, table, problems
+
+Examples:
+  quill inspect
+  quill inspect some/folder/quillcaption.so
+  quill inspect --format json
+
+Exit codes:
+  0  all is as the contract says
+  1  the module can be loaded, but something is not as the contract says
+  2  wrong usage, or an output that cannot be written
+  3  the module cannot be read, or cannot be loaded here)";
+
+}  // namespace
+
+InspectCommand::InspectCommand(CLI::App& app)
+    : command_line_(app.add_subcommand(
+          "inspect", "Say what a module is: machine, libraries, exports, descriptor, table")) {
+    CLI::App& line = *command_line_;
+    line.add_option(
+            "MODULE", module_,
+            "The module to look at\n(default: the quillcaption.so that belongs to this quill)")
+        ->type_name("");
+    AddTextOrJson(line, as_json_, "How the report is printed");
+    line.footer(kFooter);
+}
+
+bool InspectCommand::IsChosen() const {
+    return command_line_->parsed();
+}
+
+ExitCode InspectCommand::Run(Output& output) {
+    using Json = nlohmann::ordered_json;
+    const Json report = InspectModule(module_.empty() ? FindDefaultModule() : module_);
+    constexpr bool kAsciiOnly = true;
+    output.Write(as_json_ ? report.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n"
+                          : FormatInspectionAsText(report));
+    if (!report["loaded"].get<bool>()) {
+        return kExitUnloadable;
+    }
+    return report["problems"].empty() ? kExitDone : kExitTrack;
+}
+
+}  // namespace quill

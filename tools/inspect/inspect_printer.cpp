@@ -1,0 +1,111 @@
+#include "tools/inspect/inspect_printer.h"
+
+#include <algorithm>
+
+#include "tools/escape.h"
+#include "tools/module_contract.h"
+
+namespace quill {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kLabelWidth = 12;
+// A library for another machine may export thousands.
+constexpr std::size_t kMostExports = 20;
+
+std::string TextOr(const Json& value, const std::string& otherwise) {
+    return value.is_null()     ? otherwise
+           : value.is_string() ? value.get<std::string>()
+                               : value.dump();
+}
+
+class Page {
+  public:
+    void Line(const std::string& label, const std::string& text) {
+        const std::size_t width = std::max(kLabelWidth, label.size() + 1);
+        text_ += label + std::string(width - label.size(), ' ');
+        text_ += Escape(text, LineFeeds::kEscape) + "\n";
+    }
+
+    const std::string& text() const { return text_; }
+
+  private:
+    std::string text_;
+};
+
+std::string DescribeFile(const Json& file) {
+    return TextOr(file["bits"], "?") + "-bit " + TextOr(file["byte_order"], "?") + " " +
+           TextOr(file["machine"], "?") + ", " + TextOr(file["type"], "of unknown type");
+}
+
+std::string Join(const Json& list) {
+    std::string text;
+    for (const auto& [key, value] : list.items()) {
+        const std::string item = value.get<std::string>();
+        text += text.empty() ? "" : ", ";
+        text += list.is_object() ? key + " " : "";
+        text += item;
+    }
+    return text.empty() ? "none" : text;
+}
+
+void WriteExports(const Json& exports, Page& page) {
+    page.Line("exports", std::to_string(exports.size()));
+    for (std::size_t i = 0; i < exports.size() && i < kMostExports; ++i) {
+        const Json& one = exports[i];
+        const std::string kind = one["kind"].get<std::string>();
+        page.Line("", one["symbol"].get<std::string>() + ", " + kind +
+                          (kind == "object" ? " of " + one["size"].dump() + " bytes" : ""));
+    }
+    if (exports.size() > kMostExports) {
+        page.Line("", "and " + std::to_string(exports.size() - kMostExports) +
+                          " more, which --format json lists");
+    }
+}
+
+void WriteDescriptor(const Json& descriptor, Page& page) {
+    page.Line("descriptor", kDataExports[0].symbol);
+    page.Line("  offset 0", "word " + descriptor["word"].dump());
+    page.Line("  offset 4", "name " + TextOr(descriptor["name"], "null"));
+    page.Line("  offset 8", "table " + TextOr(descriptor["table"], "without a symbol"));
+    const std::string size = std::to_string(kDescriptorSize - kDescriptorTail);
+    page.Line(
+        "  offset 12",
+        size + " bytes, " + (descriptor["zero_tail"].get<bool>() ? "all zero" : "not all zero"));
+}
+
+void WriteTable(const Json& table, Page& page) {
+    page.Line("table", kDataExports[1].symbol);
+    for (const Json& slot : table) {
+        page.Line("  offset " + slot["offset"].dump(),
+                  slot["slot"].get<std::string>() + " = " +
+                      TextOr(slot["function"], "a function without a symbol"));
+    }
+}
+
+}  // namespace
+
+std::string FormatInspectionAsText(const Json& report) {
+    Page page;
+    page.Line("module", report["module"].get<std::string>());
+    page.Line("file", DescribeFile(report["file"]));
+    if (!report["needed"].is_null()) {
+        page.Line("needs", Join(report["needed"]));
+        page.Line("versions", Join(report["versions"]));
+        WriteExports(report["exports"], page);
+    }
+    if (!report["descriptor"].is_null()) {
+        WriteDescriptor(report["descriptor"], page);
+    }
+    if (!report["table"].is_null()) {
+        WriteTable(report["table"], page);
+    }
+    std::string text = page.text() + "\n";
+    for (const Json& problem : report["problems"]) {
+        text += Escape(problem.get<std::string>(), LineFeeds::kEscape) + "\n";
+    }
+    return text + (report["problems"].empty() ? "all is as the contract says\n" : "");
+}
+
+}  // namespace quill

@@ -1,0 +1,15 @@
+// Turns the report of an inspection into lines to read.
+#ifndef TOOLS_INSPECT_INSPECT_PRINTER_H_
+#define TOOLS_INSPECT_INSPECT_PRINTER_H_
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace quill {
+
+// The report of InspectModule as text, with every byte of the module's made safe to show.
+std::string FormatInspectionAsText(const nlohmann::ordered_json& report);
+
+}  // namespace quill
+
+#endif  // TOOLS_INSPECT_INSPECT_PRINTER_H_
