@@ -15,6 +15,7 @@ NOT_RUN = [
     ("ctest --preset", BUILDS),
     ("cmake --build build/board", "takes a minute; the preset armhf builds the same"),
     ("cd build/board && cpack", "needs that build; the tests of the installation make packages"),
+    ("time quill check", "a measurement, on a track of 10 MB"),
     ("fuzz/run", HOURS),
     ("tests/mutation/run", HOURS),
     ("scripts/coverage", HOURS),
