@@ -14,17 +14,11 @@
 #include "tools/conform/printed_text.h"
 #include "tools/isolated_run.h"
 #include "tools/module_handle.h"
+#include "tools/value_at.h"
 
 namespace quill {
 
-// A value at a byte offset of a record, read without the help of its declaration.
-template <typename Value>
-Value ValueAt(const void* record, std::size_t offset) {
-    Value value;
-    std::memcpy(&value, static_cast<const char*>(record) + offset, sizeof(value));
-    return value;
-}
-
+// Values as complaints show them.
 inline std::string InWords(const std::string& text) {
     return Quote(text);
 }

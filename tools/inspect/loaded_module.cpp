@@ -14,6 +14,7 @@
 #include "tools/isolated_run.h"
 #include "tools/module_contract.h"
 #include "tools/module_handle.h"
+#include "tools/value_at.h"
 
 namespace quill {
 namespace {
@@ -22,13 +23,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr std::chrono::seconds kPatience(30);
 constexpr std::size_t kLongestName = 256;
-
-template <typename Value>
-Value ValueAt(const void* record, std::size_t offset) {
-    Value value;
-    std::memcpy(&value, static_cast<const char*>(record) + offset, sizeof(value));
-    return value;
-}
 
 // The exported name at that very address.
 std::optional<std::string> SymbolAt(const void* address) {
