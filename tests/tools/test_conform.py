@@ -292,7 +292,7 @@ class CaseFiles(Conforming):
 
     def test_the_examples_of_the_readme(self):
         with open(os.path.join(CASES, "README.md"), encoding="utf-8") as file:
-            examples = re.findall("^```text\n(.*?)^```$", file.read(), re.MULTILINE | re.DOTALL)
+            examples = re.findall("^```text[^\n]*\n(.*?)^```$", file.read(), re.MULTILINE | re.DOTALL)
         whole, bytes_alone = examples
         self.assertEqual([one["case"] for one in self.run_cases(whole)], ["my/hours"])
         case = "== repeated\nNested tags go.\nopen\n" + bytes_alone + (
