@@ -201,9 +201,21 @@ TEST(RegionHeader, ItemIsRecognisedByItsName) {
 
 // Only a line feed is taken off the end; a carriage return belongs to the last value.
 TEST(RegionHeader, CarriageReturnStaysInTheValue) {
-    RegionMetaDataHeader region;
-    region.vParse("Region: scroll=up\r\n");
-    EXPECT_EQ(region.fgScroll, 0U);
+    const struct {
+        const char* line;
+        unsigned scroll;
+    } cases[] = {
+        {"Region: scroll=up\n", 1},
+        {"Region: scroll=up", 1},
+        {"Region: scroll=up\r\n", 0},
+        {"Region: scroll=up\r", 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.line));
+        RegionMetaDataHeader region;
+        region.vParse(c.line);
+        EXPECT_EQ(region.fgScroll, c.scroll);
+    }
 }
 
 TEST(RegionHeader, EmptyLineIsAnError) {
