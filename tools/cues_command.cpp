@@ -1,7 +1,5 @@
 #include "tools/cues_command.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tools/cue_printer.h"
 #include "tools/diagnostics_capture.h"
 #include "tools/message.h"
@@ -44,8 +42,7 @@ CueFormatter ParseFormat(const std::string& name) {
     if (name == "srt") {
         return FormatAsSrt;
     }
-    throw CLI::ValidationError("--format takes text, json or srt, not \"" + name + "\"",
-                               CLI::ExitCodes::ValidationError);
+    RejectArgument("--format takes text, json or srt, not \"" + name + "\"");
 }
 
 std::uint32_t ParseChunkSize(const std::string& text) {
@@ -59,31 +56,26 @@ std::uint32_t ParseVideoPts(const std::string& text) {
 }  // namespace
 
 CuesCommand::CuesCommand(CLI::App& app)
-    : command_line_(app.add_subcommand("cues", "Print the cues of a track as a player gets them")) {
-    CLI::App& line = *command_line_;
-    line.add_option("TRACK", track_, "The track to read; - reads standard input as it arrives")
-        ->required()
-        ->type_name("");
-    line.add_option_function<std::string>(
-            "--format", [this](const std::string& name) { format_ = ParseFormat(name); },
-            "How cues are printed: text (default), json or srt")
-        ->type_name("FORMAT");
-    line.add_option_function<std::string>(
-            "--chunk", [this](const std::string& text) { chunk_size_ = ParseChunkSize(text); },
-            "Feed chunks of this size (default: what a read returns,\n"
-            "up to 65536); the first one always holds the whole first line")
-        ->type_name("BYTES");
-    line.add_option_function<std::string>(
-            "--pts", [this](const std::string& text) { video_pts_ = ParseVideoPts(text); },
-            "The video's presentation time, 90000 ticks a second; its\n"
-            "whole seconds are subtracted from all cue times")
-        ->type_name("TICKS");
+    : command_line_(app, "cues", "Print the cues of a track as a player gets them") {
+    CommandLine& line = command_line_;
+    line.AddRequired("TRACK", track_, "The track to read; - reads standard input as it arrives");
+    line.AddOption(
+        "--format", "FORMAT", [this](const std::string& name) { format_ = ParseFormat(name); },
+        "How cues are printed: text (default), json or srt");
+    line.AddOption(
+        "--chunk", "BYTES", [this](const std::string& text) { chunk_size_ = ParseChunkSize(text); },
+        "Feed chunks of this size (default: what a read returns,\n"
+        "up to 65536); the first one always holds the whole first line");
+    line.AddOption(
+        "--pts", "TICKS", [this](const std::string& text) { video_pts_ = ParseVideoPts(text); },
+        "The video's presentation time, 90000 ticks a second; its\n"
+        "whole seconds are subtracted from all cue times");
     AddModuleArguments(line, module_);
-    line.footer(kFooter);
+    line.SetFooter(kFooter);
 }
 
 bool CuesCommand::IsChosen() const {
-    return command_line_->parsed();
+    return command_line_.IsChosen();
 }
 
 ExitCode CuesCommand::Run(Output& output) {

@@ -20,7 +20,7 @@ class CuesCommand : public Command {
     ExitCode Run(Output& output) override;
 
   private:
-    CLI::App* command_line_;
+    CommandLine command_line_;
     std::string track_;
     CueFormatter format_ = FormatAsText;
     std::optional<unsigned int> chunk_size_;

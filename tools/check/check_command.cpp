@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdlib>
 
@@ -42,14 +41,6 @@ Exit codes:
   2  wrong usage, a track that cannot be read, an output that cannot be written or was closed
   3  the module cannot be loaded)";
 
-bool ParseFormat(const std::string& name) {
-    if (name == "text" || name == "json") {
-        return name == "json";
-    }
-    throw CLI::ValidationError("--format takes text or json, not \"" + name + "\"",
-                               CLI::ExitCodes::ValidationError);
-}
-
 std::optional<Severity> ParseFailOn(const std::string& name) {
     if (name == "never") {
         return std::nullopt;
@@ -59,9 +50,7 @@ std::optional<Severity> ParseFailOn(const std::string& name) {
             return severity;
         }
     }
-    throw CLI::ValidationError(
-        "--fail-on takes lost, changed, remark or never, not \"" + name + "\"",
-        CLI::ExitCodes::ValidationError);
+    RejectArgument("--fail-on takes lost, changed, remark or never, not \"" + name + "\"");
 }
 
 bool WantsColour() {
@@ -85,36 +74,30 @@ std::string ReadAll(TrackReader& reader, Progress& progress) {
 }  // namespace
 
 CheckCommand::CheckCommand(CLI::App& app)
-    : command_line_(app.add_subcommand("check", "Say what becomes of every block of a track")) {
-    CLI::App& line = *command_line_;
-    line.add_option("TRACK", tracks_, "The tracks to check; - reads standard input")->type_name("");
-    line.add_option_function<std::string>(
-            "--format", [this](const std::string& name) { in_json_ = ParseFormat(name); },
-            "How findings are printed: text (default) or json")
-        ->type_name("FORMAT");
-    line.add_option_function<std::string>(
-            "--chunk",
-            [this](const std::string& text) {
-                chunk_size_ =
-                    ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestTrack);
-            },
-            "Play the track in chunks of this size (default: all of\n"
-            "it in one); the first one always holds the first line")
-        ->type_name("BYTES");
-    line.add_option_function<std::string>(
-            "--fail-on", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
-            "What ends in exit code 1: lost (default), changed (or\n"
-            "lost), remark (any finding), or never")
-        ->type_name("LEVEL");
-    line.add_flag("--codes", only_codes_,
-                  "List all codes with cause and mend, and do nothing else");
-    line.add_flag("--quiet", quiet_, "Print no sums, and show no progress");
+    : command_line_(app, "check", "Say what becomes of every block of a track") {
+    CommandLine& line = command_line_;
+    line.AddOptional("TRACK", tracks_, "The tracks to check; - reads standard input");
+    AddTextOrJson(line, in_json_, "How findings are printed");
+    line.AddOption(
+        "--chunk", "BYTES",
+        [this](const std::string& text) {
+            chunk_size_ =
+                ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestTrack);
+        },
+        "Play the track in chunks of this size (default: all of\n"
+        "it in one); the first one always holds the first line");
+    line.AddOption(
+        "--fail-on", "LEVEL", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
+        "What ends in exit code 1: lost (default), changed (or\n"
+        "lost), remark (any finding), or never");
+    line.AddFlag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
+    line.AddFlag("--quiet", quiet_, "Print no sums, and show no progress");
     AddModuleOption(line, module_);
-    line.footer(kFooter);
+    line.SetFooter(kFooter);
 }
 
 bool CheckCommand::IsChosen() const {
-    return command_line_->parsed();
+    return command_line_.IsChosen();
 }
 
 ExitCode CheckCommand::Run(Output& output) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/arguments.h"
 #include "tools/check/report.h"
 #include "tools/check/sums.h"
 #include "tools/command.h"
@@ -31,7 +32,7 @@ class CheckCommand : public Command {
                Report& report) const;
     bool Fails(const Sums& sums) const;
 
-    CLI::App* command_line_;
+    CommandLine command_line_;
     std::vector<std::string> tracks_;
     bool in_json_ = false;
     bool only_codes_ = false;

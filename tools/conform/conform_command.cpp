@@ -1,7 +1,5 @@
 #include "tools/conform/conform_command.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tools/arguments.h"
 #include "tools/conform/case_runner.h"
 #include "tools/conform/progress_line.h"
@@ -37,37 +35,34 @@ Exit codes:
 }  // namespace
 
 ConformCommand::ConformCommand(CLI::App& app)
-    : command_line_(app.add_subcommand(
-          "conform", "Try whether a build of the module does all that hosts rely on")),
+    : command_line_(app, "conform",
+                    "Try whether a build of the module does all that hosts rely on"),
       timeout_(kDefaultSeconds) {
-    CLI::App& line = *command_line_;
-    line.add_option("MODULE", module_,
-                    "The module to try\n(default: the quillcaption.so that belongs to this quill)")
-        ->type_name("");
-    line.add_flag("--list", list_, "Print the cases and their reasons, and run none");
-    line.add_option_function<std::string>(
-            "--only", [this](const std::string& pattern) { patterns_.push_back(pattern); },
-            "Run these cases only: a group, or a pattern such as 'times/*hours*';\n"
-            "may be given more than once")
-        ->type_name("PATTERN")
-        ->trigger_on_parse();
-    line.add_flag("--failed-only", failed_only_, "Print only the cases that did not pass");
-    line.add_option("--cases", case_file_, "Run the cases of this file instead of quill's own")
-        ->type_name("FILE");
-    line.add_option_function<std::string>(
-            "--timeout",
-            [this](const std::string& text) {
-                timeout_ = std::chrono::seconds(ParseWholeNumber(
-                    "--timeout", "a whole number of seconds", text, 1, kMostSeconds));
-            },
-            "How long a case may take before it counts as hung (default: 10)")
-        ->type_name("SECONDS");
+    CommandLine& line = command_line_;
+    line.AddOptional(
+        "MODULE", module_,
+        "The module to try\n(default: the quillcaption.so that belongs to this quill)");
+    line.AddFlag("--list", list_, "Print the cases and their reasons, and run none");
+    line.AddRepeatedOption(
+        "--only", "PATTERN", [this](const std::string& pattern) { patterns_.push_back(pattern); },
+        "Run these cases only: a group, or a pattern such as 'times/*hours*';\n"
+        "may be given more than once");
+    line.AddFlag("--failed-only", failed_only_, "Print only the cases that did not pass");
+    line.AddOption("--cases", "FILE", case_file_,
+                   "Run the cases of this file instead of quill's own");
+    line.AddOption(
+        "--timeout", "SECONDS",
+        [this](const std::string& text) {
+            timeout_ = std::chrono::seconds(
+                ParseWholeNumber("--timeout", "a whole number of seconds", text, 1, kMostSeconds));
+        },
+        "How long a case may take before it counts as hung (default: 10)");
     AddTextOrJson(line, as_json_, "How the results are printed");
-    line.footer(kFooter);
+    line.SetFooter(kFooter);
 }
 
 bool ConformCommand::IsChosen() const {
-    return command_line_->parsed();
+    return command_line_.IsChosen();
 }
 
 ExitCode ConformCommand::Run(Output& output) {

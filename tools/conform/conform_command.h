@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "tools/arguments.h"
 #include "tools/command.h"
 
 namespace quill {
@@ -18,7 +19,7 @@ class ConformCommand : public Command {
     ExitCode Run(Output& output) override;
 
   private:
-    CLI::App* command_line_;
+    CommandLine command_line_;
     std::string module_;                 // empty: the module that belongs to this quill
     std::vector<std::string> patterns_;  // empty: all cases
     std::string case_file_;              // empty: the cases of quill itself

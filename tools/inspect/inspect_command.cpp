@@ -1,7 +1,5 @@
 #include "tools/inspect/inspect_command.h"
 
-#include <CLI/CLI.hpp>
-
 #include "tools/arguments.h"
 #include "tools/inspect/inspect_printer.h"
 #include "tools/inspect/inspection.h"
@@ -28,19 +26,18 @@ Exit codes:
 }  // namespace
 
 InspectCommand::InspectCommand(CLI::App& app)
-    : command_line_(app.add_subcommand(
-          "inspect", "Say what a module is: machine, libraries, exports, descriptor, table")) {
-    CLI::App& line = *command_line_;
-    line.add_option(
-            "MODULE", module_,
-            "The module to look at\n(default: the quillcaption.so that belongs to this quill)")
-        ->type_name("");
+    : command_line_(app, "inspect",
+                    "Say what a module is: machine, libraries, exports, descriptor, table") {
+    CommandLine& line = command_line_;
+    line.AddOptional(
+        "MODULE", module_,
+        "The module to look at\n(default: the quillcaption.so that belongs to this quill)");
     AddTextOrJson(line, as_json_, "How the report is printed");
-    line.footer(kFooter);
+    line.SetFooter(kFooter);
 }
 
 bool InspectCommand::IsChosen() const {
-    return command_line_->parsed();
+    return command_line_.IsChosen();
 }
 
 ExitCode InspectCommand::Run(Output& output) {

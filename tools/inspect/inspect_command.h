@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "tools/arguments.h"
 #include "tools/command.h"
 
 namespace quill {
@@ -16,7 +17,7 @@ class InspectCommand : public Command {
     ExitCode Run(Output& output) override;
 
   private:
-    CLI::App* command_line_;
+    CommandLine command_line_;
     std::string module_;  // empty: the module that belongs to this quill
     bool as_json_ = false;
 };
