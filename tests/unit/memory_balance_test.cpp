@@ -88,5 +88,33 @@ TEST(MemoryBalance, StorageForAHugeTextWithMarkupIsGivenBack) {
               blocks_held_after(timing + "plain\n\n"));
 }
 
+// A slab that was made for one long text is too small for what an ordinary one holds.
+TEST(MemoryBalance, OnlyAnOrdinarySlabIsKept) {
+    const long before = support::live_blocks();
+    RecordArena arena;
+    ASSERT_NE(arena.pvTake(2000), nullptr);
+    EXPECT_EQ(support::live_blocks(), before + 1);
+    arena.vFreeAll();
+    EXPECT_EQ(support::live_blocks(), before);
+    ASSERT_NE(arena.pvTake(8), nullptr);
+    ASSERT_NE(arena.pvTake(5000), nullptr);  // newest first: not the one that is kept
+    EXPECT_EQ(support::live_blocks(), before + 2);
+    arena.vFreeAll();
+    EXPECT_EQ(support::live_blocks(), before + 1);
+}
+
+TEST(MemoryBalance, ADestroyedLineIsFreed) {
+    support::ExactBlock chunk("one line\n");
+    support::StdoutCapture capture;
+    WebVTTParser parser;
+    parser.vSetParsingBuffer(chunk.data(), chunk.size());
+    const long with_chunk = support::live_blocks();
+    char* line = nullptr;
+    ASSERT_TRUE(parser.fgCollectLine(&line));
+    EXPECT_EQ(support::live_blocks(), with_chunk + 1);
+    parser.vDestoryLine(&line);
+    EXPECT_EQ(support::live_blocks(), with_chunk);
+}
+
 }  // namespace
 }  // namespace webvtt
