@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "support/exact_block.h"
 #include "token_dump.h"
 
 namespace webvtt {
@@ -95,6 +96,20 @@ TEST(LastCharacter, InEndTagsAndTimestamps) {
     for (const LastCase& c : cases) {
         check(c);
     }
+}
+
+// A state that asks only whether it should stop, and reads no further character, relies on it.
+TEST(TokenizerLastCharacter, StopIsSetWithTheStepBehindIt) {
+    support::ExactBlock block("ab");
+    Cue::Tokenizer_Data data(block.data(), 2);
+    EXPECT_EQ(data.cRead(), 'a');
+    data.vAdvance();
+    EXPECT_FALSE(data.fgStop);
+    EXPECT_EQ(data.cRead(), 'b');
+    data.vAdvance();
+    EXPECT_TRUE(data.fgStop);
+    EXPECT_EQ(data.cRead(), '\0');
+    EXPECT_EQ(data.iPosition, 2);
 }
 
 }  // namespace
