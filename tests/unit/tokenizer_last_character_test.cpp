@@ -99,7 +99,7 @@ TEST(LastCharacter, InEndTagsAndTimestamps) {
 }
 
 // A state that asks only whether it should stop, and reads no further character, relies on it.
-TEST(TokenizerLastCharacter, StopIsSetWithTheStepBehindIt) {
+TEST(LastCharacter, StopIsSetWithTheStepBehindIt) {
     support::ExactBlock block("ab");
     Cue::Tokenizer_Data data(block.data(), 2);
     EXPECT_EQ(data.cRead(), 'a');
