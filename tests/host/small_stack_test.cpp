@@ -2,7 +2,9 @@
 // the module may recurse as deep as a track says.
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <stdexcept>
 #include <string>
@@ -15,7 +17,9 @@
 namespace host {
 namespace {
 
-constexpr std::size_t kStackSize = 32 * 1024;
+/// 32 KB; on MIPS and PowerPC 128 KB, for no thread may have less there.
+const std::size_t kStackSize =
+    std::max<std::size_t>(32 * 1024, static_cast<std::size_t>(sysconf(_SC_THREAD_STACK_MIN)));
 constexpr std::size_t kMany = 200000;
 
 std::string repeat(const std::string& text, std::size_t count = kMany) {

@@ -9,7 +9,7 @@ import time
 import unittest
 
 from quill_runner import EMULATOR, MODULE, QUILL, SANITIZED, QuillTest, broken, fixture
-from test_module import X86_64, elf
+from test_module import X86_64, described, elf
 
 CASES = os.environ["QUILL_CASES"]
 GROUPS = ["descriptor", "layout", "handles", "results", "signature", "line-endings", "chunks",
@@ -276,7 +276,7 @@ class BrokenModules(Conforming):
                             (fixture("with_empty_slots"), "table has an empty slot"),
                             (fixture("with_unknown_symbol"), "a_function_that_nobody_has"),
                             (self.folder + "/none.so", "cannot read the module"),
-                            (self.file("m.so", elf(2, 1, X86_64)), "64-bit (x86-64)")):
+                            (self.file("m.so", elf(2, 1, X86_64)), described("64-bit", 1, "x86-64"))):
             with self.subTest(path):
                 self.assert_fails(self.quill("conform", path), 3, words)
 
