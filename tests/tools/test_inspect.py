@@ -64,7 +64,7 @@ class OfTheModule(Inspecting):
         report, problems = self.inspect()
         self.assertEqual(problems, [FINE])
         name = NAMES[own_header()[2]]
-        for line in (f"module      {MODULE}", f"file        32-bit little-endian {name}, shared object",
+        for line in (f"module      {MODULE}", f"file        32-bit {ORDERS[own_header()[1]]} {name}, shared object",
                      "exports     8", "            WEBVTT_MODULE_INFO, object of 144 bytes",
                      "            WebVtt_Module_Methods, object of 24 bytes",
                      "descriptor  WEBVTT_MODULE_INFO", "  offset 0  word 1",
@@ -78,7 +78,7 @@ class OfTheModule(Inspecting):
         report = self.inspect_json()
         self.assertEqual(list(report), ["module", "file", "needed", "versions", "exports", "loaded",
                                         "descriptor", "table", "problems"])
-        self.assertEqual(report["file"], {"bits": 32, "byte_order": "little-endian",
+        self.assertEqual(report["file"], {"bits": 32, "byte_order": ORDERS[own_header()[1]],
                                           "machine": NAMES[own_header()[2]],
                                           "type": "shared object"})
         self.assertEqual((report["loaded"], report["problems"]), (True, []))
