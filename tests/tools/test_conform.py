@@ -115,8 +115,8 @@ class Suite(Conforming):
                             env=broken("hang"), stderr=theirs)
         os.close(theirs)
         shown = os.read(ours, 1000)
-        self.assertEqual(shown, b"\r1 of 2 cases\r" + b" " * 12 + b"\r" +
-                         b"\r2 of 2 cases\r" + b" " * 12 + b"\r")
+        wipe = b"\r\x1b[K"
+        self.assertEqual(shown, wipe + b"1 of 2 cases" + wipe + wipe + b"2 of 2 cases" + wipe)
         self.assertTrue(result.out.endswith(b"2 cases: 1 passed, 1 hung\n"))
 
     def test_the_examples_of_the_help_work(self):

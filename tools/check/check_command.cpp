@@ -3,13 +3,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 
 #include "tools/arguments.h"
 #include "tools/check/codes.h"
-#include "tools/check/progress.h"
 #include "tools/check/track_check.h"
 #include "tools/message.h"
+#include "tools/progress.h"
 #include "tools/track_reader.h"
 
 namespace quill {
@@ -17,6 +18,8 @@ namespace {
 
 // Two copies of a track must fit into the memory of a 32-bit program.
 constexpr std::uint32_t kLargestTrack = 256u << 20;
+// Between two lines of progress.
+constexpr std::chrono::milliseconds kProgressPause(200);
 
 constexpr char kFooter[] = R"(A finding is one line, which editors can jump to:
   track.vtt:12: lost: invalid start time "abc" [Q101]; write MM:SS.mmm or HH:MM:SS.mmm
@@ -66,7 +69,10 @@ std::string ReadAll(TrackReader& reader, Progress& progress) {
                                           std::to_string(kLargestTrack) + " bytes");
         }
         bytes.append(chunk->data.get(), chunk->size);
-        progress.Show(reader.name(), reader.offset(), 0);
+        if (progress.IsDue()) {
+            progress.Show(reader.name() + ": " + std::to_string(reader.offset() >> 10) +
+                          " KiB read");
+        }
     }
     return bytes;
 }
@@ -154,7 +160,7 @@ ExitCode CheckCommand::CheckTracks(Report& report) const {
 
 Sums CheckCommand::Check(const ModuleHandle& module, DiagnosticsCapture& capture,
                          const std::string& track, Report& report) const {
-    Progress progress(!quiet_);
+    Progress progress(!quiet_, kProgressPause);
     TrackReader reader(track, std::nullopt);
     const std::string bytes = ReadAll(reader, progress);
     TrackReport track_report(reader.name(), report, progress);

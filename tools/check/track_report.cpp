@@ -14,4 +14,10 @@ void TrackReport::Say(const Finding& finding) {
     report_.AddFinding(name_, finding);
 }
 
+void TrackReport::ShowProgress(std::uint64_t done, std::uint64_t all) {
+    if (progress_.IsDue()) {
+        progress_.Show(name_ + ": " + std::to_string(done * 100 / all) + "%");
+    }
+}
+
 }  // namespace quill

@@ -2,14 +2,14 @@
 #ifndef TOOLS_CHECK_TRACK_REPORT_H_
 #define TOOLS_CHECK_TRACK_REPORT_H_
 
-#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <utility>
 
 #include "tools/check/finding.h"
-#include "tools/check/progress.h"
 #include "tools/check/report.h"
 #include "tools/check/sums.h"
+#include "tools/progress.h"
 
 namespace quill {
 
@@ -26,7 +26,8 @@ class TrackReport {
     void Say(const Findings& findings);
     void Say(const Finding& finding);
 
-    void ShowProgress(std::size_t done, std::size_t all) { progress_.Show(name_, done, all); }
+    // `done` of `all` bytes. Cheap to call often.
+    void ShowProgress(std::uint64_t done, std::uint64_t all);
 
   private:
     std::string name_;

@@ -2,10 +2,10 @@
 
 #include "tools/arguments.h"
 #include "tools/conform/case_runner.h"
-#include "tools/conform/progress_line.h"
 #include "tools/conform/suite.h"
 #include "tools/conform/verdict_printer.h"
 #include "tools/module_handle.h"
+#include "tools/progress.h"
 
 namespace quill {
 namespace {
@@ -75,14 +75,18 @@ ExitCode ConformCommand::Run(Output& output) {
     const std::string module = module_.empty() ? FindDefaultModule() : module_;
     CheckThatItLoads(module, timeout_);
     VerdictPrinter printer(output, as_json_, failed_only_);
-    ProgressLine progress(cases.size(), "cases");
+    Progress progress(true, std::chrono::milliseconds(0));
+    std::size_t done = 0;
     for (const Case& one : cases) {
         const Verdict verdict = RunCase(one, module, timeout_);
-        progress.Clear();
+        progress.Wipe();
         printer.Print(one, verdict);
-        progress.Advance();
+        ++done;
+        if (progress.IsDue()) {
+            progress.Show(std::to_string(done) + " of " + std::to_string(cases.size()) + " cases");
+        }
     }
-    progress.Clear();
+    progress.Wipe();
     printer.PrintCount();
     return printer.all_passed() ? kExitDone : kExitTrack;
 }
