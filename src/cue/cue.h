@@ -26,7 +26,7 @@ class Cue {
     Cue(const Cue&) = delete;
     Cue& operator=(const Cue&) = delete;
     ~Cue() {
-        if (pRootNode != nullptr) {
+        if (pRootNode != nullptr) {  // no cue that was parsed for its text has a tree
             vReleaseNode(pRootNode);
         }
     }

@@ -15,7 +15,7 @@ namespace webvtt {
 void WebVTTParser::vSetParsingBuffer(char* pcBuf, unsigned int u4Len) {
     pcParsingBuffer = pcBuf;
     u4ParsingBufferLen = u4Len;
-    m_lines.start(pcBuf, pcBuf + (pcBuf != nullptr ? u4Len : 0));
+    m_lines.start(pcBuf + (pcBuf != nullptr ? u4Len : 0));
 }
 
 void WebVTTParser::vExhaustBuffer() {

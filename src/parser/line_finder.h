@@ -37,9 +37,9 @@ struct ChunkBlock {
 /// holds.
 class LineFinder {
   public:
-    /// Starts on a new chunk, which may be empty.
-    void start(const char* begin, const char* end) {
-        m_end = begin == nullptr ? nullptr : end;
+    /// Starts on a new chunk, which ends there and may be empty.
+    void start(const char* end) {
+        m_end = end;
         for (ByteFinder* const finder :
              {&m_line_feeds, &m_carriage_returns, &m_zeros, &m_brackets, &m_ampersands}) {
             finder->start();

@@ -20,7 +20,7 @@ struct Chunk {
     explicit Chunk(std::string_view bytes) : block(bytes) {
         LineFinder finder;
         const char* begin = block.data();
-        finder.start(begin, begin + block.size());
+        finder.start(begin + block.size());
         ChunkLine line;
         while (finder.find(begin, &line)) {
             lines.push_back(line);

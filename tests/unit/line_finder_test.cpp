@@ -19,7 +19,7 @@ std::string dump_lines(std::string_view bytes) {
     support::ExactBlock chunk(bytes);
     const char* begin = chunk.data();
     LineFinder finder;
-    finder.start(begin, begin + chunk.size());
+    finder.start(begin + chunk.size());
     std::string dump;
     ChunkLine line;
     while (finder.find(begin, &line)) {
@@ -74,7 +74,7 @@ std::string dump_blocks(std::string_view bytes) {
     support::ExactBlock chunk(bytes);
     const char* begin = chunk.data();
     LineFinder finder;
-    finder.start(begin, begin + chunk.size());
+    finder.start(begin + chunk.size());
     std::string dump;
     ChunkBlock block;
     while (finder.find_block(begin, 3, &block)) {
@@ -122,7 +122,7 @@ TEST(LineFinder, FindsWholeBlocks) {
 TEST(LineFinder, FindingConsumesNothing) {
     support::ExactBlock chunk("one\ntwo\n");
     LineFinder finder;
-    finder.start(chunk.data(), chunk.data() + chunk.size());
+    finder.start(chunk.data() + chunk.size());
     ChunkLine line;
     for (int time = 0; time < 2; ++time) {
         ASSERT_TRUE(finder.find(chunk.data(), &line));
@@ -138,10 +138,10 @@ TEST(LineFinder, StartsAfreshWithEveryChunk) {
     support::ExactBlock second("bcd\n");
     LineFinder finder;
     ChunkLine line;
-    finder.start(nullptr, nullptr);
+    finder.start(nullptr);
     EXPECT_FALSE(finder.find(nullptr, &line));
     for (support::ExactBlock* const chunk : {&first, &second, &first}) {
-        finder.start(chunk->data(), chunk->data() + chunk->size());
+        finder.start(chunk->data() + chunk->size());
         ASSERT_TRUE(finder.find(chunk->data(), &line));
         EXPECT_EQ(line.text, chunk == &first ? "a" : "bcd");
     }
