@@ -10,13 +10,13 @@
 
 #include "quillcaption/quillcaption.h"
 #include "tools/check/check_command.h"
-#include "tools/command.h"
 #include "tools/conform/conform_command.h"
-#include "tools/cues_command.h"
-#include "tools/failure.h"
+#include "tools/console/command.h"
+#include "tools/console/failure.h"
+#include "tools/console/message.h"
+#include "tools/console/output.h"
+#include "tools/cues/cues_command.h"
 #include "tools/inspect/inspect_command.h"
-#include "tools/message.h"
-#include "tools/output.h"
 
 namespace quill {
 namespace {
@@ -30,36 +30,38 @@ std::string DescribeMistake(const CLI::App& app, const CLI::ParseError& error) {
     return error.what();
 }
 
-ExitCode RunChosen(const std::vector<std::unique_ptr<Command>>& commands, Output& output) {
+console::ExitCode RunChosen(const std::vector<std::unique_ptr<console::Command>>& commands,
+                            console::Output& output) {
     for (const auto& command : commands) {
         if (command->IsChosen()) {
             return command->Run(output);
         }
     }
-    return kExitUsage;
+    return console::kExitUsage;
 }
 
-ExitCode Run(int argc, char** argv) {
+console::ExitCode Run(int argc, char** argv) {
     CLI::App app("Drives the WebVTT caption module from the command line", "quill");
     app.set_version_flag("--version", "quill " QUILLCAPTION_VERSION);
     app.require_subcommand(1);
-    std::vector<std::unique_ptr<Command>> commands;
-    commands.push_back(std::make_unique<CuesCommand>(app));
-    commands.push_back(std::make_unique<CheckCommand>(app));
-    commands.push_back(std::make_unique<InspectCommand>(app));
-    commands.push_back(std::make_unique<ConformCommand>(app));
+    std::vector<std::unique_ptr<console::Command>> commands;
+    commands.push_back(std::make_unique<cues::CuesCommand>(app));
+    commands.push_back(std::make_unique<check::CheckCommand>(app));
+    commands.push_back(std::make_unique<inspect::InspectCommand>(app));
+    commands.push_back(std::make_unique<conform::ConformCommand>(app));
 
-    Output output;
+    console::Output output;
     try {
         app.parse(argc, argv);
     } catch (const CLI::CallForHelp&) {
         output.Write(app.help());
-        return kExitDone;
+        return console::kExitDone;
     } catch (const CLI::CallForVersion& version) {
         output.Write(std::string(version.what()) + "\n");
-        return kExitDone;
+        return console::kExitDone;
     } catch (const CLI::ParseError& error) {
-        throw Failure(kExitUsage, DescribeMistake(app, error) + " (--help says more)");
+        throw console::Failure(console::kExitUsage,
+                               DescribeMistake(app, error) + " (--help says more)");
     }
     return RunChosen(commands, output);
 }
@@ -72,14 +74,14 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return quill::Run(argc, argv);
-    } catch (const quill::Failure& failure) {
-        quill::Say(failure.what());
+    } catch (const quill::console::Failure& failure) {
+        quill::console::Say(failure.what());
         return failure.code();
     } catch (const std::bad_alloc&) {
-        quill::Say("out of memory");
-        return quill::kExitUsage;
+        quill::console::Say("out of memory");
+        return quill::console::kExitUsage;
     } catch (const std::exception& error) {
-        quill::Say(error.what());
-        return quill::kExitTrack;
+        quill::console::Say(error.what());
+        return quill::console::kExitTrack;
     }
 }

@@ -11,11 +11,11 @@
 #include <string>
 
 #include "support/exact_block.h"
-#include "tools/elf_check.h"
+#include "tools/host/elf_check.h"
 #include "tools/inspect/elf_dynamic.h"
 #include "tools/inspect/elf_reader.h"
 
-namespace quill {
+namespace quill::inspect {
 namespace {
 
 using testing::Contains;
@@ -29,7 +29,7 @@ std::string ModuleBytes() {
 }
 
 ElfDynamic Read(support::ExactBlock& block) {
-    return ReadElfDynamic({block.data(), block.size()}, OwnTarget());
+    return ReadElfDynamic({block.data(), block.size()}, host::OwnTarget());
 }
 
 bool IsReadable(support::ExactBlock& block) {
@@ -155,4 +155,4 @@ TEST(ElfVersion, ComparesNumberByNumber) {
 }
 
 }  // namespace
-}  // namespace quill
+}  // namespace quill::inspect

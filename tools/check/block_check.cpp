@@ -4,16 +4,16 @@
 #include <string>
 
 #include "tools/check/loss_reason.h"
-#include "tools/cue_time.h"
+#include "tools/console/cue_time.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr std::string_view kBeginning = "WEBVTT\n\n";
 
 }  // namespace
 
-BlockCheck::BlockCheck(const ModuleHandle& module, DiagnosticsCapture& capture,
+BlockCheck::BlockCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                        std::string_view track, const ChunkPlan& plan, const Play& play,
                        TrackReport& report)
     : track_(track),
@@ -66,7 +66,7 @@ ByteClass BlockCheck::JudgeDelivered(const Block& block, const Verdict& verdict,
             return ByteClass::kLostWithChunk;
         case CueMatcher::Match::kOther:
             findings.emplace_back(block.first_line, "chunked",
-                                  "the cue at " + FormatTime(verdict.cue.start, '.') +
+                                  "the cue at " + console::FormatTime(verdict.cue.start, '.') +
                                       " is another one in its chunk");
             break;
         case CueMatcher::Match::kSame:
@@ -108,9 +108,9 @@ ByteClass BlockCheck::JudgeComment(Findings& findings) {
 void BlockCheck::ReportStrays(std::size_t chunk) {
     for (const PlayedCue& stray : matcher_.TakeStrays(chunk)) {
         report_.Say(Finding(line_counter_.LineOf(plan_.Begin(stray.chunk)), "remains",
-                            "the cue at " + FormatTime(stray.start, '.') +
+                            "the cue at " + console::FormatTime(stray.start, '.') +
                                 " is made of remains; its chunk begins here"));
     }
 }
 
-}  // namespace quill
+}  // namespace quill::check

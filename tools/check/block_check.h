@@ -17,18 +17,19 @@
 #include "tools/check/sums.h"
 #include "tools/check/track_report.h"
 #include "tools/check/track_text.h"
-#include "tools/diagnostics_capture.h"
-#include "tools/module_handle.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::check {
 
 // Has the module read each block alone, so that the verdict is on that block and on nothing else,
 // and looks the cue up in the play.
 class BlockCheck {
   public:
     // All that is given must outlive the check.
-    BlockCheck(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
-               const ChunkPlan& plan, const Play& play, TrackReport& report);
+    BlockCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+               std::string_view track, const ChunkPlan& plan, const Play& play,
+               TrackReport& report);
 
     // Goes through the blocks from `begin` on, where the line with that number begins.
     void Run(std::size_t begin, std::uint32_t line);
@@ -53,6 +54,6 @@ class BlockCheck {
     LineCounter line_counter_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_BLOCK_CHECK_H_

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr std::string_view kArrow = "-->";
@@ -70,4 +70,4 @@ std::string BlockText::Payload() const {
     return payload;
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -10,7 +10,7 @@
 
 #include "tools/check/track_text.h"
 
-namespace quill {
+namespace quill::check {
 
 // What stands on a timing line, without the spaces between.
 struct TimingLine {
@@ -53,6 +53,6 @@ class BlockText {
     std::uint32_t first_line_ = 1;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_BLOCK_TEXT_H_

@@ -6,14 +6,14 @@
 #include <chrono>
 #include <cstdlib>
 
-#include "tools/arguments.h"
 #include "tools/check/codes.h"
 #include "tools/check/track_check.h"
-#include "tools/message.h"
-#include "tools/progress.h"
-#include "tools/track_reader.h"
+#include "tools/console/arguments.h"
+#include "tools/console/message.h"
+#include "tools/console/progress.h"
+#include "tools/host/track_reader.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 // Two copies of a track must fit into the memory of a 32-bit program.
@@ -53,7 +53,7 @@ std::optional<Severity> ParseFailOn(const std::string& name) {
             return severity;
         }
     }
-    RejectArgument("--fail-on takes lost, changed, remark or never, not \"" + name + "\"");
+    console::RejectArgument("--fail-on takes lost, changed, remark or never, not \"" + name + "\"");
 }
 
 bool WantsColour() {
@@ -61,12 +61,13 @@ bool WantsColour() {
     return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || *no_colour == '\0');
 }
 
-std::string ReadAll(TrackReader& reader, Progress& progress) {
+std::string ReadAll(host::TrackReader& reader, console::Progress& progress) {
     std::string bytes;
-    while (const std::optional<Chunk> chunk = reader.Next()) {
+    while (const std::optional<host::Chunk> chunk = reader.Next()) {
         if (reader.offset() > kLargestTrack) {
-            throw Failure(kExitUsage, reader.name() + ": a track may have up to " +
-                                          std::to_string(kLargestTrack) + " bytes");
+            throw console::Failure(console::kExitUsage,
+                                   reader.name() + ": a track may have up to " +
+                                       std::to_string(kLargestTrack) + " bytes");
         }
         bytes.append(chunk->data.get(), chunk->size);
         if (progress.IsDue()) {
@@ -81,14 +82,14 @@ std::string ReadAll(TrackReader& reader, Progress& progress) {
 
 CheckCommand::CheckCommand(CLI::App& app)
     : command_line_(app, "check", "Say what becomes of every block of a track") {
-    CommandLine& line = command_line_;
+    console::CommandLine& line = command_line_;
     line.AddOptional("TRACK", tracks_, "The tracks to check; - reads standard input");
-    AddTextOrJson(line, in_json_, "How findings are printed");
+    console::AddTextOrJson(line, in_json_, "How findings are printed");
     line.AddOption(
         "--chunk", "BYTES",
         [this](const std::string& text) {
-            chunk_size_ =
-                ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestTrack);
+            chunk_size_ = console::ParseWholeNumber("--chunk", "a whole number of bytes", text, 1,
+                                                    kLargestTrack);
         },
         "Play the track in chunks of this size (default: all of\n"
         "it in one); the first one always holds the first line");
@@ -98,7 +99,7 @@ CheckCommand::CheckCommand(CLI::App& app)
         "lost), remark (any finding), or never");
     line.AddFlag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
     line.AddFlag("--quiet", quiet_, "Print no sums, and show no progress");
-    AddModuleOption(line, module_);
+    console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
 }
 
@@ -106,62 +107,62 @@ bool CheckCommand::IsChosen() const {
     return command_line_.IsChosen();
 }
 
-ExitCode CheckCommand::Run(Output& output) {
+console::ExitCode CheckCommand::Run(console::Output& output) {
     const std::unique_ptr<Report> report = MakeReport(output);
     if (only_codes_) {
         return PrintCodes(*report);
     }
     if (tracks_.empty()) {
-        throw Failure(kExitUsage, "check: TRACK is required (--help says more)");
+        throw console::Failure(console::kExitUsage, "check: TRACK is required (--help says more)");
     }
     try {
         return CheckTracks(*report);
-    } catch (const OutputError& error) {
+    } catch (const console::OutputError& error) {
         if (!error.closed()) {
             throw;
         }
         if (!quiet_) {
-            Say("standard output was closed; the rest was not checked");
+            console::Say("standard output was closed; the rest was not checked");
         }
         return error.code();
     }
 }
 
-std::unique_ptr<Report> CheckCommand::MakeReport(Output& output) const {
+std::unique_ptr<Report> CheckCommand::MakeReport(console::Output& output) const {
     return in_json_ ? MakeJsonReport(output) : MakeTextReport(output, WantsColour());
 }
 
-ExitCode CheckCommand::PrintCodes(Report& report) const {
+console::ExitCode CheckCommand::PrintCodes(Report& report) const {
     std::for_each(Codes(), Codes() + CodeCount(), [&](const Code& code) { report.AddCode(code); });
     report.Flush();
-    return kExitDone;
+    return console::kExitDone;
 }
 
 // A track that cannot be read does not keep the others from being checked.
-ExitCode CheckCommand::CheckTracks(Report& report) const {
-    const std::string path = module_.empty() ? FindDefaultModule() : module_;
-    DiagnosticsCapture capture(DiagnosticsCapture::Mode::kCollect);
-    const ModuleHandle module(path);
-    ExitCode code = kExitDone;
+console::ExitCode CheckCommand::CheckTracks(Report& report) const {
+    const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
+    host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
+    const host::ModuleHandle module(path);
+    console::ExitCode code = console::kExitDone;
     for (const std::string& track : tracks_) {
         try {
-            if (Fails(Check(module, capture, track, report)) && code == kExitDone) {
-                code = kExitTrack;
+            if (Fails(Check(module, capture, track, report)) && code == console::kExitDone) {
+                code = console::kExitTrack;
             }
-        } catch (const OutputError&) {
+        } catch (const console::OutputError&) {
             throw;
-        } catch (const Failure& failure) {
-            Say(failure.what());
+        } catch (const console::Failure& failure) {
+            console::Say(failure.what());
             code = std::max(code, failure.code());
         }
     }
     return code;
 }
 
-Sums CheckCommand::Check(const ModuleHandle& module, DiagnosticsCapture& capture,
+Sums CheckCommand::Check(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                          const std::string& track, Report& report) const {
-    Progress progress(!quiet_, kProgressPause);
-    TrackReader reader(track, std::nullopt);
+    console::Progress progress(!quiet_, kProgressPause);
+    host::TrackReader reader(track, std::nullopt);
     const std::string bytes = ReadAll(reader, progress);
     TrackReport track_report(reader.name(), report, progress);
     TrackCheck check(module, capture, bytes, chunk_size_, track_report);
@@ -187,4 +188,4 @@ bool CheckCommand::Fails(const Sums& sums) const {
     return false;
 }
 
-}  // namespace quill
+}  // namespace quill::check

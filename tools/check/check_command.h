@@ -8,31 +8,31 @@
 #include <string>
 #include <vector>
 
-#include "tools/arguments.h"
 #include "tools/check/report.h"
 #include "tools/check/sums.h"
-#include "tools/command.h"
-#include "tools/diagnostics_capture.h"
-#include "tools/module_handle.h"
+#include "tools/console/arguments.h"
+#include "tools/console/command.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::check {
 
-class CheckCommand : public Command {
+class CheckCommand : public console::Command {
   public:
     explicit CheckCommand(CLI::App& app);
 
     bool IsChosen() const override;
-    ExitCode Run(Output& output) override;
+    console::ExitCode Run(console::Output& output) override;
 
   private:
-    std::unique_ptr<Report> MakeReport(Output& output) const;
-    ExitCode PrintCodes(Report& report) const;
-    ExitCode CheckTracks(Report& report) const;
-    Sums Check(const ModuleHandle& module, DiagnosticsCapture& capture, const std::string& track,
-               Report& report) const;
+    std::unique_ptr<Report> MakeReport(console::Output& output) const;
+    console::ExitCode PrintCodes(Report& report) const;
+    console::ExitCode CheckTracks(Report& report) const;
+    Sums Check(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+               const std::string& track, Report& report) const;
     bool Fails(const Sums& sums) const;
 
-    CommandLine command_line_;
+    console::CommandLine command_line_;
     std::vector<std::string> tracks_;
     bool in_json_ = false;
     bool only_codes_ = false;
@@ -42,6 +42,6 @@ class CheckCommand : public Command {
     std::string module_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_CHECK_COMMAND_H_

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr Severity kLost = Severity::kLost;
@@ -187,4 +187,4 @@ const Code& CodeNamed(std::string_view name) {
     throw std::logic_error("no code is named " + std::string(name));
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace quill {
+namespace quill::check {
 
 enum class Severity { kRemark, kChanged, kLost };
 
@@ -28,6 +28,6 @@ std::size_t CodeCount();
 // The code with that name, which must be one of the table.
 const Code& CodeNamed(std::string_view name);
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_CODES_H_

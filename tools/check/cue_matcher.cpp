@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 // Where a chunk was given up, the remains of a block make up a cue or two at the most before the
@@ -51,4 +51,4 @@ std::vector<PlayedCue> CueMatcher::TakeStrays(std::size_t chunk) {
     return std::exchange(strays_, {});
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -8,7 +8,7 @@
 #include "tools/check/lone_parser.h"
 #include "tools/check/play.h"
 
-namespace quill {
+namespace quill::check {
 
 class CueMatcher {
   public:
@@ -37,6 +37,6 @@ class CueMatcher {
     std::vector<PlayedCue> strays_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_CUE_MATCHER_H_

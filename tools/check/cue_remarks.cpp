@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "tools/cue_time.h"
-#include "tools/escape.h"
+#include "tools/console/cue_time.h"
+#include "tools/console/escape.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 // Hours as they are written, for a time that has them.
@@ -34,13 +34,13 @@ void ExamineTimes(const BlockText& block, const TimingLine& timing, const CueCop
         if (WrittenHours(written) * kSecondsPerHour > delivered) {
             findings.emplace_back(
                 line, "hours-wrap",
-                Quoted(written) + " is delivered as " + FormatTime(delivered, '.'));
+                Quoted(written) + " is delivered as " + console::FormatTime(delivered, '.'));
         }
     }
     if (cue.end <= cue.start) {
         findings.emplace_back(line, "end-before-start",
-                              "ends at " + FormatTime(cue.end, '.') + ", and starts at " +
-                                  FormatTime(cue.start, '.'));
+                              "ends at " + console::FormatTime(cue.end, '.') + ", and starts at " +
+                                  console::FormatTime(cue.start, '.'));
     }
 }
 
@@ -58,7 +58,8 @@ void ExamineLines(const BlockText& block, Findings& findings) {
                                   "a zero byte hides the line's rest, " +
                                       Quoted(line.all.substr(line.text.size() + 1)));
         }
-        if (!said && index > block.TimingIndex() && !IsPlain(line.text) && !IsUtf8(line.text)) {
+        if (!said && index > block.TimingIndex() && !IsPlain(line.text) &&
+            !console::IsUtf8(line.text)) {
             findings.emplace_back(block.number(index), "not-utf-8",
                                   "not UTF-8: " + Quoted(line.text));
             said = true;
@@ -92,4 +93,4 @@ void CueRemarks::Examine(const BlockText& block, const Verdict& verdict, Finding
     }
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -8,7 +8,7 @@
 #include "tools/check/setting_remarks.h"
 #include "tools/check/text_remarks.h"
 
-namespace quill {
+namespace quill::check {
 
 class CueRemarks {
   public:
@@ -24,6 +24,6 @@ class CueRemarks {
     TextRemarks text_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_CUE_REMARKS_H_

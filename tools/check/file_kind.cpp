@@ -7,7 +7,7 @@
 
 #include "tools/check/track_text.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 using namespace std::string_view_literals;
@@ -125,4 +125,4 @@ Finding ExplainRejection(std::string_view track) {
     return has_mark ? ExplainMark(track) : ExplainFirstLine(track);
 }
 
-}  // namespace quill
+}  // namespace quill::check

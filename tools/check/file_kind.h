@@ -6,11 +6,11 @@
 
 #include "tools/check/finding.h"
 
-namespace quill {
+namespace quill::check {
 
 // For a track whose first line the module has rejected.
 Finding ExplainRejection(std::string_view track);
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_FILE_KIND_H_

@@ -2,20 +2,20 @@
 
 #include <cstddef>
 
-#include "tools/escape.h"
+#include "tools/console/escape.h"
 
-namespace quill {
+namespace quill::check {
 
 std::string Quoted(std::string_view text) {
     constexpr std::size_t kMostBytes = 40;
     if (text.size() <= kMostBytes) {
-        return '"' + Escape(text, LineFeeds::kEscape) + '"';
+        return '"' + console::Escape(text, console::LineFeeds::kEscape) + '"';
     }
     std::size_t end = kMostBytes;
     while (end > kMostBytes - 3 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) {
         --end;  // not through the middle of a character
     }
-    return '"' + Escape(text.substr(0, end), LineFeeds::kEscape) + "...\"";
+    return '"' + console::Escape(text.substr(0, end), console::LineFeeds::kEscape) + "...\"";
 }
 
-}  // namespace quill
+}  // namespace quill::check

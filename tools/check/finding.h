@@ -10,7 +10,7 @@
 
 #include "tools/check/codes.h"
 
-namespace quill {
+namespace quill::check {
 
 struct Finding {
     Finding(std::uint32_t at, std::string_view name, std::string text)
@@ -26,6 +26,6 @@ using Findings = std::vector<Finding>;
 // Bytes of the track in quotation marks: shortened to a few words, then escaped.
 std::string Quoted(std::string_view text);
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_FINDING_H_

@@ -1,8 +1,8 @@
 #include "tools/check/header_check.h"
 
-#include "tools/track_player.h"
+#include "tools/host/track_reader.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr std::string_view kBeginning = "WEBVTT\n";
@@ -20,7 +20,7 @@ std::string Complete(const Line& line) {
 
 }  // namespace
 
-HeaderCheck::HeaderCheck(const ModuleHandle& module, DiagnosticsCapture& capture,
+HeaderCheck::HeaderCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                          std::string_view track, const ChunkPlan& plan)
     : module_(module), capture_(capture), track_(track), plan_(plan) {}
 
@@ -136,4 +136,4 @@ bool HeaderCheck::IsLostInPieces(const Line& line, const Verdict& verdict) {
     return last != printed;
 }
 
-}  // namespace quill
+}  // namespace quill::check

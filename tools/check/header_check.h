@@ -13,16 +13,16 @@
 #include "tools/check/lone_parser.h"
 #include "tools/check/sums.h"
 #include "tools/check/track_text.h"
-#include "tools/diagnostics_capture.h"
-#include "tools/module_handle.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::check {
 
 class HeaderCheck {
   public:
     // All that is given must outlive the check.
-    HeaderCheck(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
-                const ChunkPlan& plan);
+    HeaderCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+                std::string_view track, const ChunkPlan& plan);
 
     // Goes through the header, from the line behind the signature on.
     void Run(std::size_t begin, Findings& findings, Sums& sums);
@@ -44,8 +44,8 @@ class HeaderCheck {
         return plan_.IndexOf(line.begin + line.all.size());
     }
 
-    const ModuleHandle& module_;
-    DiagnosticsCapture& capture_;
+    const host::ModuleHandle& module_;
+    host::DiagnosticsCapture& capture_;
     std::string_view track_;
     const ChunkPlan& plan_;
     std::size_t end_ = 0;
@@ -55,6 +55,6 @@ class HeaderCheck {
     std::vector<std::size_t> throwing_chunks_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_HEADER_CHECK_H_

@@ -3,10 +3,10 @@
 #include <functional>
 #include <utility>
 
-#include "tools/failure.h"
-#include "tools/track_player.h"
+#include "tools/console/failure.h"
+#include "tools/host/track_reader.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 // A block may make the module print all of its text, escaped nowhere.
@@ -51,7 +51,7 @@ void LoneParser::Taker::Add(const WebvttCueNode& cue) {
     verdict_.cue.Assign(cue);
 }
 
-LoneParser::LoneParser(const ModuleHandle& module, DiagnosticsCapture& capture,
+LoneParser::LoneParser(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                        std::string_view beginning)
     : capture_(capture), parser_(module, capture), taker_(verdict_) {
     capture_.Forget();
@@ -61,7 +61,7 @@ LoneParser::LoneParser(const ModuleHandle& module, DiagnosticsCapture& capture,
     }
     capture_.Forget();
     if (Ask(kPlainCue).fate != Fate::kDelivered) {
-        throw Failure(kExitTrack, "the module does not deliver an ordinary cue");
+        throw console::Failure(console::kExitTrack, "the module does not deliver an ordinary cue");
     }
     ordinary_ = capture_.kept() - printed_;
 }
@@ -84,7 +84,7 @@ void LoneParser::Feed(std::string_view piece) {
         } else if (result == WEBVTT_RESULT_HEADER) {
             verdict_.fate = Fate::kInHeader;
         }
-    } catch (const ModuleThrew&) {
+    } catch (const host::ModuleThrew&) {
         verdict_.fate = Fate::kThrew;
     }
     parser_.Deliver(taker_);
@@ -112,8 +112,8 @@ const Verdict& LoneParser::Ask(std::string_view piece) {
 const Verdict& LoneParser::AskOpen(std::string_view piece) {
     Begin();
     Feed(piece);
-    Feed(kClosingLineFeeds);
+    Feed(host::kClosingLineFeeds);
     return End();
 }
 
-}  // namespace quill
+}  // namespace quill::check

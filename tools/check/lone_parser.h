@@ -6,11 +6,11 @@
 #include <string>
 #include <string_view>
 
-#include "tools/diagnostics_capture.h"
-#include "tools/module_handle.h"
-#include "tools/parser_handle.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
+#include "tools/host/parser_handle.h"
 
-namespace quill {
+namespace quill::check {
 
 // How a call that handled one block ended.
 enum class Fate {
@@ -53,7 +53,8 @@ class LoneParser {
   public:
     // Feeds the track's beginning, in which there is no map. The module must be one that accepts
     // it: Failure is thrown otherwise. The capture must collect.
-    LoneParser(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view beginning);
+    LoneParser(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+               std::string_view beginning);
 
     // Feeds a piece that ends where a block ends. The verdict is valid until the next call.
     const Verdict& Ask(std::string_view piece);
@@ -61,7 +62,7 @@ class LoneParser {
     const Verdict& AskOpen(std::string_view piece);
 
   private:
-    class Taker : public CueSink {
+    class Taker : public host::CueSink {
       public:
         explicit Taker(Verdict& verdict) : verdict_(verdict) {}
         void Add(const WebvttCueNode& cue) override;
@@ -75,14 +76,14 @@ class LoneParser {
     void Begin();
     const Verdict& End();
 
-    DiagnosticsCapture& capture_;
-    ParserHandle parser_;
+    host::DiagnosticsCapture& capture_;
+    host::ParserHandle parser_;
     Verdict verdict_;
     Taker taker_;
     std::uint64_t ordinary_ = 0;  // how much a call prints that delivers a plain cue
     std::uint64_t printed_ = 0;   // before the call
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_LONE_PARSER_H_

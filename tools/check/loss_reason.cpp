@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 // What stands between the two texts in the module's words; nothing when they are not there.
@@ -154,4 +154,4 @@ Finding ExplainLoss(const BlockText& block, const Verdict& verdict) {
     return ExplainFailure(block, verdict);
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -6,12 +6,12 @@
 #include "tools/check/finding.h"
 #include "tools/check/lone_parser.h"
 
-namespace quill {
+namespace quill::check {
 
 // The reason is read from what the module printed and from the text. The verdict must be one of
 // a block that was not delivered.
 Finding ExplainLoss(const BlockText& block, const Verdict& verdict);
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_LOSS_REASON_H_

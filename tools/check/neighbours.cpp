@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "tools/cue_time.h"
+#include "tools/console/cue_time.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 const char* CodeOf(const EarlyEnd& early_end) {
@@ -41,7 +41,7 @@ void Neighbours::Note(const Block& block, const Verdict& verdict, std::uint32_t 
 }
 
 Finding Neighbours::Explain(const Block& block, const Verdict& verdict) const {
-    const std::string cue = "the cue at " + FormatTime(verdict.cue.start, '.');
+    const std::string cue = "the cue at " + console::FormatTime(verdict.cue.start, '.');
     const std::size_t first = plan_.IndexOf(block.begin);
     const std::size_t last = plan_.IndexOf(block.completed);
     if (const EarlyEnd* const early_end = play_.FindEarlyEnd(first, last)) {
@@ -74,4 +74,4 @@ bool Neighbours::HasSkippedLineFeed(std::size_t begin, std::size_t end) const {
     return false;
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -12,7 +12,7 @@
 #include "tools/check/play.h"
 #include "tools/check/track_text.h"
 
-namespace quill {
+namespace quill::check {
 
 // Remembers, going through the blocks in the order of the track, which of them gave a chunk up.
 class Neighbours {
@@ -42,6 +42,6 @@ class Neighbours {
     std::optional<Culprit> culprit_;  // the last one
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_NEIGHBOURS_H_

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "tools/track_player.h"
-#include "tools/track_reader.h"
+#include "tools/host/track_reader.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr std::string_view kCueAtZero = "00:00.000 --> 00:00.000\nx\n\n";
@@ -20,7 +19,7 @@ const EarlyEnd* Play::FindEarlyEnd(std::size_t first_chunk, std::size_t last_chu
     return found != early_ends.end() && found->chunk <= last_chunk ? &*found : nullptr;
 }
 
-class Player::Taker : public CueSink {
+class Player::Taker : public host::CueSink {
   public:
     Taker(std::vector<PlayedCue>& cues, std::size_t chunk) : cues_(cues), chunk_(chunk) {}
     void Add(const WebvttCueNode& cue) override {
@@ -35,8 +34,9 @@ class Player::Taker : public CueSink {
     CueCopy copy_;
 };
 
-Player::Player(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
-               const ChunkPlan& plan, const std::vector<std::size_t>& throwing_chunks)
+Player::Player(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+               std::string_view track, const ChunkPlan& plan,
+               const std::vector<std::size_t>& throwing_chunks)
     : capture_(capture),
       track_(track),
       plan_(plan),
@@ -51,7 +51,7 @@ Play Player::Run(TrackReport& report) {
         Feed(track_.substr(begin, plan_.End(chunk) - begin), chunk);
         report.ShowProgress(plan_.End(chunk) / 4, track_.size());
     }
-    Feed(kClosingLineFeeds, plan_.count());
+    Feed(host::kClosingLineFeeds, plan_.count());
     play_.offset = AskOffset();
     return std::move(play_);
 }
@@ -59,11 +59,11 @@ Play Player::Run(TrackReport& report) {
 // The bytes are copied, so that a tool which watches memory sees every read beyond their end.
 void Player::Feed(std::string_view bytes, std::size_t chunk) {
     const std::size_t cues_before = play_.cues.size();
-    const Chunk copy(bytes.data(), static_cast<unsigned int>(bytes.size()), 0);
+    const host::Chunk copy(bytes.data(), static_cast<unsigned int>(bytes.size()), 0);
     std::optional<int> result;
     try {
         result = parser_.Feed(copy.data.get(), copy.size);
-    } catch (const ModuleThrew&) {
+    } catch (const host::ModuleThrew&) {
         // No result: the module threw.
     }
     Taker taker(play_.cues, chunk);
@@ -103,11 +103,11 @@ double Player::AskOffset() {
     Taker taker(cues, 0);
     try {
         parser_.Feed(kCueAtZero.data(), static_cast<unsigned int>(kCueAtZero.size()));
-    } catch (const ModuleThrew&) {
+    } catch (const host::ModuleThrew&) {
         // Still in a header that throws, so nothing was delivered and nothing needs an offset.
     }
     parser_.Deliver(taker);
     return cues.empty() ? 0 : cues.back().start;
 }
 
-}  // namespace quill
+}  // namespace quill::check

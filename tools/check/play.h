@@ -11,10 +11,10 @@
 #include "tools/check/lone_parser.h"
 #include "tools/check/track_report.h"
 #include "tools/check/track_text.h"
-#include "tools/diagnostics_capture.h"
-#include "tools/module_handle.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::check {
 
 // A delivered cue, without its text.
 struct PlayedCue {
@@ -44,8 +44,9 @@ class Player {
   public:
     // `throwing_chunks` are those in which a map header makes the module throw. All that is given
     // must outlive the player.
-    Player(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
-           const ChunkPlan& plan, const std::vector<std::size_t>& throwing_chunks);
+    Player(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+           std::string_view track, const ChunkPlan& plan,
+           const std::vector<std::size_t>& throwing_chunks);
 
     // Shows on the way how far it has come.
     Play Run(TrackReport& report);
@@ -58,15 +59,15 @@ class Player {
     bool EndsByError();
     double AskOffset();
 
-    DiagnosticsCapture& capture_;
+    host::DiagnosticsCapture& capture_;
     std::string_view track_;
     const ChunkPlan& plan_;
     const std::vector<std::size_t>& throwing_chunks_;
-    ParserHandle parser_;
+    host::ParserHandle parser_;
     Play play_;
     bool in_header_ = true;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_PLAY_H_

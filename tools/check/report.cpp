@@ -1,6 +1,6 @@
 #include "tools/check/report.h"
 
-namespace quill {
+namespace quill::check {
 
 void Report::AddFinding(const std::string& track, const Finding& finding) {
     Add(Format(track, finding));
@@ -28,4 +28,4 @@ void Report::Flush() {
     pending_.clear();
 }
 
-}  // namespace quill
+}  // namespace quill::check

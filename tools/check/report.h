@@ -8,14 +8,14 @@
 
 #include "tools/check/finding.h"
 #include "tools/check/sums.h"
-#include "tools/output.h"
+#include "tools/console/output.h"
 
-namespace quill {
+namespace quill::check {
 
 class Report {
   public:
     // The output must outlive the report.
-    explicit Report(Output& output) : output_(output) {}
+    explicit Report(console::Output& output) : output_(output) {}
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
     virtual ~Report() = default;
@@ -34,17 +34,17 @@ class Report {
   private:
     void Add(const std::string& text);
 
-    Output& output_;
+    console::Output& output_;
     std::string pending_;
 };
 
 // "track.vtt:12: lost: invalid start time "abc" [Q101]; write ...", then the sums in words.
-std::unique_ptr<Report> MakeTextReport(Output& output, bool in_colour);
+std::unique_ptr<Report> MakeTextReport(console::Output& output, bool in_colour);
 
 // One JSON object in ASCII on each line: for each finding one with "code", for each track at its
 // end one with "sums".
-std::unique_ptr<Report> MakeJsonReport(Output& output);
+std::unique_ptr<Report> MakeJsonReport(console::Output& output);
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_REPORT_H_

@@ -3,7 +3,7 @@
 
 #include "tools/check/report.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -73,8 +73,8 @@ class JsonReport : public Report {
 
 }  // namespace
 
-std::unique_ptr<Report> MakeJsonReport(Output& output) {
+std::unique_ptr<Report> MakeJsonReport(console::Output& output) {
     return std::make_unique<JsonReport>(output);
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -1,9 +1,9 @@
 #include <cstdint>
 
 #include "tools/check/report.h"
-#include "tools/escape.h"
+#include "tools/console/escape.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 const char* ColourOf(Severity severity) {
@@ -43,18 +43,19 @@ std::string Bytes(const Sums& sums) {
 
 class TextReport : public Report {
   public:
-    TextReport(Output& output, bool in_colour) : Report(output), in_colour_(in_colour) {}
+    TextReport(console::Output& output, bool in_colour) : Report(output), in_colour_(in_colour) {}
 
   private:
     std::string Format(const std::string& track, const Finding& finding) const override {
-        return Escape(track, LineFeeds::kEscape) + ":" + std::to_string(finding.line) + ": " +
-               Coloured(finding.code->severity) + ": " + finding.message + " [" +
-               finding.code->number + "]; " + finding.code->hint + "\n";
+        return console::Escape(track, console::LineFeeds::kEscape) + ":" +
+               std::to_string(finding.line) + ": " + Coloured(finding.code->severity) + ": " +
+               finding.message + " [" + finding.code->number + "]; " + finding.code->hint + "\n";
     }
 
     std::string Format(const std::string& track, const Sums& sums) const override {
-        return Escape(track, LineFeeds::kEscape) + ": " + Count(sums.cues_delivered, "cue") +
-               " delivered, " + std::to_string(sums.Count(Severity::kLost)) + " lost, " +
+        return console::Escape(track, console::LineFeeds::kEscape) + ": " +
+               Count(sums.cues_delivered, "cue") + " delivered, " +
+               std::to_string(sums.Count(Severity::kLost)) + " lost, " +
                std::to_string(sums.Count(Severity::kChanged)) + " changed, " +
                Count(sums.Count(Severity::kRemark), "remark") + "\n" +
                "  lost: " + LostBlocks(sums) + "\n" +
@@ -82,8 +83,8 @@ class TextReport : public Report {
 
 }  // namespace
 
-std::unique_ptr<Report> MakeTextReport(Output& output, bool in_colour) {
+std::unique_ptr<Report> MakeTextReport(console::Output& output, bool in_colour) {
     return std::make_unique<TextReport>(output, in_colour);
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -6,7 +6,7 @@
 
 #include "quillcaption/quillcaption.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr char kContrary[] = "align:end size:37% position:37% line:7 vertical:rl";
@@ -151,4 +151,4 @@ Findings SettingRemarks::Ask(const std::string& item) {
     return changes ? Used(setting, alone.cue) : Findings{Dropped(setting, alone.printed)};
 }
 
-}  // namespace quill
+}  // namespace quill::check

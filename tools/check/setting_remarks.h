@@ -10,7 +10,7 @@
 #include "tools/check/finding.h"
 #include "tools/check/lone_parser.h"
 
-namespace quill {
+namespace quill::check {
 
 // Has the module read every setting alone, on two cues that differ in everything: a setting that
 // changes neither of them is dropped. Settings repeat all over a track, so answers are kept.
@@ -33,6 +33,6 @@ class SettingRemarks {
     std::unordered_map<std::string, Findings> answers_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_SETTING_REMARKS_H_

@@ -2,9 +2,9 @@
 
 #include <numeric>
 
-#include "tools/failure.h"
+#include "tools/console/failure.h"
 
-namespace quill {
+namespace quill::check {
 
 const char* ByteClassName(ByteClass byte_class) {
     static constexpr std::array<const char*, kByteClassCount> kNames = {
@@ -26,10 +26,11 @@ std::uint64_t Sums::AllBytes() const {
 
 void Sums::CheckBytes(std::size_t track_size) const {
     if (AllBytes() != track_size) {
-        throw Failure(kExitTrack, "the sums are wrong: they make up " + std::to_string(AllBytes()) +
-                                      " bytes of " + std::to_string(track_size) +
-                                      "; please report this with the track");
+        throw console::Failure(console::kExitTrack, "the sums are wrong: they make up " +
+                                                        std::to_string(AllBytes()) + " bytes of " +
+                                                        std::to_string(track_size) +
+                                                        "; please report this with the track");
     }
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -10,7 +10,7 @@
 
 #include "tools/check/finding.h"
 
-namespace quill {
+namespace quill::check {
 
 // What a byte of a track is part of; each is part of one.
 enum class ByteClass {
@@ -52,6 +52,6 @@ struct Sums {
     std::map<std::string, std::uint32_t> lost_blocks;  // by the number of the code
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_SUMS_H_

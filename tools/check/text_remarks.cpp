@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 bool IsAsciiAlphanumeric(char c) {
@@ -117,4 +117,4 @@ TextRemarks::Reference TextRemarks::AnswerFor(const std::string& reference) {
     return answers_.emplace(reference, answer).first->second;
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -10,7 +10,7 @@
 #include "tools/check/finding.h"
 #include "tools/check/lone_parser.h"
 
-namespace quill {
+namespace quill::check {
 
 // Finds the places in the text; what happens there is the module's own word: of tags it prints
 // what it drops, and of each reference it is asked.
@@ -34,6 +34,6 @@ class TextRemarks {
     std::unordered_map<std::string, Reference> answers_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_TEXT_REMARKS_H_

@@ -6,11 +6,11 @@
 #include "tools/check/file_kind.h"
 #include "tools/check/header_check.h"
 #include "tools/check/play.h"
-#include "tools/parser_handle.h"
+#include "tools/host/parser_handle.h"
 
-namespace quill {
+namespace quill::check {
 
-TrackCheck::TrackCheck(const ModuleHandle& module, DiagnosticsCapture& capture,
+TrackCheck::TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                        std::string_view track, std::optional<std::uint32_t> chunk_size,
                        TrackReport& report)
     : module_(module),
@@ -42,13 +42,13 @@ void TrackCheck::Run(std::size_t size) {
 // The first line alone decides, fed to a parser of its own.
 bool TrackCheck::IsRejected() {
     const std::size_t size = std::min(LineAt(track_, 0).end, plan_.End(0));
-    ParserHandle parser(module_, capture_);
+    host::ParserHandle parser(module_, capture_);
     try {
         return size == 0 ||
                parser.Feed(track_.data(), static_cast<unsigned int>(size)) == WEBVTT_RESULT_ERROR;
-    } catch (const ModuleThrew&) {
+    } catch (const host::ModuleThrew&) {
         return false;
     }
 }
 
-}  // namespace quill
+}  // namespace quill::check

@@ -9,10 +9,10 @@
 
 #include "tools/check/track_report.h"
 #include "tools/check/track_text.h"
-#include "tools/diagnostics_capture.h"
-#include "tools/module_handle.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::check {
 
 // The module reads everything twice: in pieces, which tells what is wrong with each of them, and
 // as a player feeds it. A block that makes a cue alone and none in the play is lost for something
@@ -21,8 +21,9 @@ class TrackCheck {
   public:
     // `track` has a line end behind its first line, if need be an added one. All that is given
     // must outlive the check; the capture must collect.
-    TrackCheck(const ModuleHandle& module, DiagnosticsCapture& capture, std::string_view track,
-               std::optional<std::uint32_t> chunk_size, TrackReport& report);
+    TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+               std::string_view track, std::optional<std::uint32_t> chunk_size,
+               TrackReport& report);
 
     // `size` is that of the track without an added line end. Throws OutputError.
     void Run(std::size_t size);
@@ -30,13 +31,13 @@ class TrackCheck {
   private:
     bool IsRejected();
 
-    const ModuleHandle& module_;
-    DiagnosticsCapture& capture_;
+    const host::ModuleHandle& module_;
+    host::DiagnosticsCapture& capture_;
     std::string_view track_;
     ChunkPlan plan_;
     TrackReport& report_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_TRACK_CHECK_H_

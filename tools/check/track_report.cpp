@@ -1,6 +1,6 @@
 #include "tools/check/track_report.h"
 
-namespace quill {
+namespace quill::check {
 
 void TrackReport::Say(const Findings& findings) {
     for (const Finding& finding : findings) {
@@ -20,4 +20,4 @@ void TrackReport::ShowProgress(std::uint64_t done, std::uint64_t all) {
     }
 }
 
-}  // namespace quill
+}  // namespace quill::check

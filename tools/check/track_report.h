@@ -9,15 +9,15 @@
 #include "tools/check/finding.h"
 #include "tools/check/report.h"
 #include "tools/check/sums.h"
-#include "tools/progress.h"
+#include "tools/console/progress.h"
 
-namespace quill {
+namespace quill::check {
 
 // Counts what is found, prints it, and keeps the progress line out of its way.
 class TrackReport {
   public:
     // The report and the progress must outlive this.
-    TrackReport(std::string name, Report& report, Progress& progress)
+    TrackReport(std::string name, Report& report, console::Progress& progress)
         : name_(std::move(name)), report_(report), progress_(progress) {}
 
     Sums& sums() { return sums_; }
@@ -32,10 +32,10 @@ class TrackReport {
   private:
     std::string name_;
     Report& report_;
-    Progress& progress_;
+    console::Progress& progress_;
     Sums sums_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_TRACK_REPORT_H_

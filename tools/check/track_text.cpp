@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "tools/track_reader.h"
+#include "tools/host/track_reader.h"
 
-namespace quill {
+namespace quill::check {
 namespace {
 
 constexpr std::uint32_t kMostLines = 10;
@@ -13,7 +13,7 @@ constexpr std::uint32_t kMostLines = 10;
 std::size_t FirstLineSize(std::string_view track) {
     const std::size_t line_end = track.find_first_of("\r\n");
     return std::min(line_end == std::string_view::npos ? track.size() : line_end + 1,
-                    TrackReader::kLongestFirstLine);
+                    host::TrackReader::kLongestFirstLine);
 }
 
 bool IsLineEnd(char byte) {
@@ -110,4 +110,4 @@ std::size_t ChunkPlan::IndexOf(std::size_t offset) const {
     return offset < first_size_ ? 0 : 1 + (offset - first_size_) / chunk_size_;
 }
 
-}  // namespace quill
+}  // namespace quill::check

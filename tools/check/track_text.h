@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace quill {
+namespace quill::check {
 
 // A line of a track. It ends in LF, CR LF or CR, or with the track.
 struct Line {
@@ -93,6 +93,6 @@ class ChunkPlan {
     std::size_t count_;
 };
 
-}  // namespace quill
+}  // namespace quill::check
 
 #endif  // TOOLS_CHECK_TRACK_TEXT_H_

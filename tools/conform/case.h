@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace quill {
+namespace quill::conform {
 
 class ProbeBench;
 
@@ -37,6 +37,6 @@ struct Case {
     std::string full_name() const { return group + "/" + name; }
 };
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CASE_H_

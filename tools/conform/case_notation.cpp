@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 constexpr std::string_view kErrorPrefix = "[WEBVTT] ERR:: ";
@@ -206,4 +206,4 @@ std::vector<std::string> DescribePrinted(std::string_view bytes) {
     return lines;
 }
 
-}  // namespace quill
+}  // namespace quill::conform

@@ -10,7 +10,7 @@
 
 #include "quillcaption/quillcaption.h"
 
-namespace quill {
+namespace quill::conform {
 
 // Printable ASCII as it is; \n \r \t \\ \xNN for the rest, and \x20 for a space at the end.
 std::string EscapeBytes(std::string_view bytes);
@@ -36,6 +36,6 @@ std::string DescribeCue(const WebvttCueNode& cue);
 // "| text" for any other, "unfinished | text" for one without a line feed.
 std::vector<std::string> DescribePrinted(std::string_view bytes);
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CASE_NOTATION_H_

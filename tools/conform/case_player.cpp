@@ -7,9 +7,9 @@
 #include <memory>
 
 #include "tools/conform/case_notation.h"
-#include "tools/exception_text.h"
+#include "tools/host/exception_text.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 // More than any case delivers. A list that is linked in a circle must not fill the memory.
@@ -100,7 +100,7 @@ std::vector<std::string> CasePlayer::Play(const CaseCall& call) {
         kVerbs.at(call.verb)(*this, call);
     } catch (...) {
         Add(DescribePrinted(printed_.Take()));
-        Add({"throws " + DescribeCurrentException()});
+        Add({"throws " + host::DescribeCurrentException()});
     }
     Add(DescribePrinted(printed_.Take()));
     return lines_;
@@ -156,7 +156,7 @@ std::vector<std::string> CasePlayer::Parse(const void* data, unsigned int size) 
     try {
         ending = "= " + std::to_string(methods_.pfnParse(handle_, data, size));
     } catch (...) {
-        ending = "throws " + DescribeCurrentException();
+        ending = "throws " + host::DescribeCurrentException();
     }
     Lines lines = DescribePrinted(printed_.Take());
     lines.push_back(ending);
@@ -240,4 +240,4 @@ void CasePlayer::NoteEvent(WEBVTT_EVENT_T event, std::size_t tag, const WebvttDa
     }
 }
 
-}  // namespace quill
+}  // namespace quill::conform

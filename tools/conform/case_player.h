@@ -12,7 +12,7 @@
 #include "tools/conform/case.h"
 #include "tools/conform/printed_text.h"
 
-namespace quill {
+namespace quill::conform {
 
 class CasePlayer {
   public:
@@ -57,6 +57,6 @@ class CasePlayer {
     Lines lines_;  // what has come of the call so far
 };
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CASE_PLAYER_H_

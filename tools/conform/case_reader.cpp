@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "tools/conform/case_notation.h"
-#include "tools/failure.h"
+#include "tools/console/failure.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 // What stands behind a verb.
@@ -114,7 +114,7 @@ class CaseReader {
 
     std::vector<Case> Finish() {
         if (cases_.empty()) {
-            throw Failure(kExitUsage, file_ + " holds no case");
+            throw console::Failure(console::kExitUsage, file_ + " holds no case");
         }
         FinishCase();
         return std::move(cases_);
@@ -124,7 +124,8 @@ class CaseReader {
     [[noreturn]] void Fail(const std::string& what) const { FailAt(line_, what); }
 
     [[noreturn]] void FailAt(int line, const std::string& what) const {
-        throw Failure(kExitUsage, file_ + ":" + std::to_string(line) + ": " + what);
+        throw console::Failure(console::kExitUsage,
+                               file_ + ":" + std::to_string(line) + ": " + what);
     }
 
     void BeginCase(std::string_view name) {
@@ -193,4 +194,4 @@ std::vector<Case> ReadCases(const std::string& file, std::string_view text) {
     return reader.Finish();
 }
 
-}  // namespace quill
+}  // namespace quill::conform

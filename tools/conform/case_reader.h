@@ -8,12 +8,12 @@
 
 #include "tools/conform/case.h"
 
-namespace quill {
+namespace quill::conform {
 
 // The cases of one file, whose name without its ending is their group. Throws Failure, which
 // names the file and the line, when something is not written as it should be.
 std::vector<Case> ReadCases(const std::string& file, std::string_view text);
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CASE_READER_H_

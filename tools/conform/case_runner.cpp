@@ -6,12 +6,12 @@
 
 #include "tools/conform/case_player.h"
 #include "tools/conform/probes.h"
-#include "tools/exception_text.h"
-#include "tools/failure.h"
-#include "tools/isolated_run.h"
-#include "tools/module_handle.h"
+#include "tools/console/failure.h"
+#include "tools/host/exception_text.h"
+#include "tools/host/isolated_run.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 // What the child tells, line by line: "step WHAT" before something is done, "got LINE" for what
@@ -34,10 +34,10 @@ struct CaseReport {
     bool has_ended = false;
 };
 
-void PlaySteps(const Case& one, const std::string& module, Channel& channel) {
+void PlaySteps(const Case& one, const std::string& module, host::Channel& channel) {
     PrintedText printed;
     channel.Write("step loading the module\n");
-    const ModuleHandle handle(module);
+    const host::ModuleHandle handle(module);
     printed.Take();
     CasePlayer player(handle.methods(), printed);
     for (const CaseStep& step : one.steps) {
@@ -51,7 +51,7 @@ void PlaySteps(const Case& one, const std::string& module, Channel& channel) {
     channel.Write("step unloading the module\n");
 }
 
-void RunInChild(const Case& one, const std::string& module, Channel& channel) {
+void RunInChild(const Case& one, const std::string& module, host::Channel& channel) {
     try {
         if (one.probe != nullptr) {
             channel.Write("step loading the module\n");
@@ -64,7 +64,7 @@ void RunInChild(const Case& one, const std::string& module, Channel& channel) {
         }
         channel.Write("end\n");
     } catch (...) {
-        channel.Write("got throws " + DescribeCurrentException() + "\n");
+        channel.Write("got throws " + host::DescribeCurrentException() + "\n");
         throw;
     }
 }
@@ -138,29 +138,29 @@ std::vector<std::string> Complaints(const CaseReport& report) {
 }
 
 // How a child ended that did not come to its end; the step that it was in says where.
-std::string DescribeBreak(const Case& one, const CaseReport& report, const IsolatedEnd& end) {
+std::string DescribeBreak(const Case& one, const CaseReport& report, const host::IsolatedEnd& end) {
     const std::size_t number = report.steps.size();
     std::string where = number == 0 ? "the start" : Shorten(report.steps.back().what);
     if (number >= 2 && number - 2 < one.steps.size()) {
         where = Where(one, one.steps[number - 2]);
     }
-    const bool is_quiet = end.kind == IsolatedEnd::Kind::kDone;
-    return where + ": the module " + (is_quiet ? "ended the process" : DescribeEnd(end));
+    const bool is_quiet = end.kind == host::IsolatedEnd::Kind::kDone;
+    return where + ": the module " + (is_quiet ? "ended the process" : host::DescribeEnd(end));
 }
 
-Outcome OutcomeOf(const IsolatedEnd& end) {
-    return end.kind == IsolatedEnd::Kind::kTimedOut ? Outcome::kHung : Outcome::kCrashed;
+Outcome OutcomeOf(const host::IsolatedEnd& end) {
+    return end.kind == host::IsolatedEnd::Kind::kTimedOut ? Outcome::kHung : Outcome::kCrashed;
 }
 
 }  // namespace
 
 Verdict RunCase(const Case& one, const std::string& module, std::chrono::seconds timeout) {
-    const IsolatedEnd end =
-        RunIsolated([&](Channel& channel) { RunInChild(one, module, channel); }, timeout);
+    const host::IsolatedEnd end = host::RunIsolated(
+        [&](host::Channel& channel) { RunInChild(one, module, channel); }, timeout);
     const CaseReport report = ReadReport(end.written);
     Verdict verdict = {Outcome::kPassed,
                        one.probe != nullptr ? Complaints(report) : FirstDifference(one, report)};
-    if (!report.has_ended || end.kind != IsolatedEnd::Kind::kDone) {
+    if (!report.has_ended || end.kind != host::IsolatedEnd::Kind::kDone) {
         verdict.outcome = OutcomeOf(end);
         verdict.details.push_back(DescribeBreak(one, report, end));
     } else if (!verdict.details.empty()) {
@@ -170,23 +170,24 @@ Verdict RunCase(const Case& one, const std::string& module, std::chrono::seconds
 }
 
 void CheckThatItLoads(const std::string& module, std::chrono::seconds timeout) {
-    const auto load = [&module](Channel& channel) {
+    const auto load = [&module](host::Channel& channel) {
         const PrintedText printed;
         try {
-            const ModuleHandle handle(module);
+            const host::ModuleHandle handle(module);
             channel.Write(kLoaded);
-        } catch (const Failure& failure) {
+        } catch (const console::Failure& failure) {
             channel.Write(failure.what());
         }
     };
-    const IsolatedEnd end = RunIsolated(load, timeout);
+    const host::IsolatedEnd end = host::RunIsolated(load, timeout);
     if (end.written.empty()) {
-        throw Failure(kExitUnloadable, module + " " + DescribeEnd(end) + " while it was loaded");
+        throw console::Failure(console::kExitUnloadable,
+                               module + " " + host::DescribeEnd(end) + " while it was loaded");
     }
     // What goes wrong later is for the cases to tell.
     if (end.written != kLoaded) {
-        throw Failure(kExitUnloadable, end.written);
+        throw console::Failure(console::kExitUnloadable, end.written);
     }
 }
 
-}  // namespace quill
+}  // namespace quill::conform

@@ -8,7 +8,7 @@
 
 #include "tools/conform/case.h"
 
-namespace quill {
+namespace quill::conform {
 
 enum class Outcome { kPassed, kFailed, kCrashed, kHung };
 
@@ -23,6 +23,6 @@ Verdict RunCase(const Case& one, const std::string& module, std::chrono::seconds
 // Throws Failure when the module cannot even be loaded: then no case would say anything.
 void CheckThatItLoads(const std::string& module, std::chrono::seconds timeout);
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CASE_RUNNER_H_

@@ -1,13 +1,13 @@
 #include "tools/conform/conform_command.h"
 
-#include "tools/arguments.h"
 #include "tools/conform/case_runner.h"
 #include "tools/conform/suite.h"
 #include "tools/conform/verdict_printer.h"
-#include "tools/module_handle.h"
-#include "tools/progress.h"
+#include "tools/console/arguments.h"
+#include "tools/console/progress.h"
+#include "tools/host/module_handle.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 constexpr std::uint32_t kDefaultSeconds = 10;
@@ -38,7 +38,7 @@ ConformCommand::ConformCommand(CLI::App& app)
     : command_line_(app, "conform",
                     "Try whether a build of the module does all that hosts rely on"),
       timeout_(kDefaultSeconds) {
-    CommandLine& line = command_line_;
+    console::CommandLine& line = command_line_;
     line.AddOptional(
         "MODULE", module_,
         "The module to try\n(default: the quillcaption.so that belongs to this quill)");
@@ -53,11 +53,11 @@ ConformCommand::ConformCommand(CLI::App& app)
     line.AddOption(
         "--timeout", "SECONDS",
         [this](const std::string& text) {
-            timeout_ = std::chrono::seconds(
-                ParseWholeNumber("--timeout", "a whole number of seconds", text, 1, kMostSeconds));
+            timeout_ = std::chrono::seconds(console::ParseWholeNumber(
+                "--timeout", "a whole number of seconds", text, 1, kMostSeconds));
         },
         "How long a case may take before it counts as hung (default: 10)");
-    AddTextOrJson(line, as_json_, "How the results are printed");
+    console::AddTextOrJson(line, as_json_, "How the results are printed");
     line.SetFooter(kFooter);
 }
 
@@ -65,17 +65,17 @@ bool ConformCommand::IsChosen() const {
     return command_line_.IsChosen();
 }
 
-ExitCode ConformCommand::Run(Output& output) {
+console::ExitCode ConformCommand::Run(console::Output& output) {
     const std::vector<Case> cases =
         SelectCases(case_file_.empty() ? BuiltInCases() : CasesOfFile(case_file_), patterns_);
     if (list_) {
         PrintCaseList(output, cases, as_json_);
-        return kExitDone;
+        return console::kExitDone;
     }
-    const std::string module = module_.empty() ? FindDefaultModule() : module_;
+    const std::string module = module_.empty() ? host::FindDefaultModule() : module_;
     CheckThatItLoads(module, timeout_);
     VerdictPrinter printer(output, as_json_, failed_only_);
-    Progress progress(true, std::chrono::milliseconds(0));
+    console::Progress progress(true, std::chrono::milliseconds(0));
     std::size_t done = 0;
     for (const Case& one : cases) {
         const Verdict verdict = RunCase(one, module, timeout_);
@@ -88,7 +88,7 @@ ExitCode ConformCommand::Run(Output& output) {
     }
     progress.Wipe();
     printer.PrintCount();
-    return printer.all_passed() ? kExitDone : kExitTrack;
+    return printer.all_passed() ? console::kExitDone : console::kExitTrack;
 }
 
-}  // namespace quill
+}  // namespace quill::conform

@@ -6,20 +6,20 @@
 #include <string>
 #include <vector>
 
-#include "tools/arguments.h"
-#include "tools/command.h"
+#include "tools/console/arguments.h"
+#include "tools/console/command.h"
 
-namespace quill {
+namespace quill::conform {
 
-class ConformCommand : public Command {
+class ConformCommand : public console::Command {
   public:
     explicit ConformCommand(CLI::App& app);
 
     bool IsChosen() const override;
-    ExitCode Run(Output& output) override;
+    console::ExitCode Run(console::Output& output) override;
 
   private:
-    CommandLine command_line_;
+    console::CommandLine command_line_;
     std::string module_;                 // empty: the module that belongs to this quill
     std::vector<std::string> patterns_;  // empty: all cases
     std::string case_file_;              // empty: the cases of quill itself
@@ -29,6 +29,6 @@ class ConformCommand : public Command {
     bool as_json_ = false;
 };
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CONFORM_COMMAND_H_

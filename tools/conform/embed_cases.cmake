@@ -1,7 +1,7 @@
 # Writes a source file that holds the texts of the case files.
 #   cmake "-DCASES=file;file" -DOUTPUT=embedded_cases.cpp -P embed_cases.cmake
 set(source "// Made by embed_cases.cmake from the case files.\n#include \"tools/conform/suite.h\"\n\n")
-string(APPEND source "namespace quill {\n\nconst std::vector<CaseFile>& EmbeddedCases() {\n")
+string(APPEND source "namespace quill::conform {\n\nconst std::vector<CaseFile>& EmbeddedCases() {\n")
 string(APPEND source "    static const std::vector<CaseFile> kFiles = {\n")
 foreach(path ${CASES})
   get_filename_component(name ${path} NAME)
@@ -13,5 +13,5 @@ foreach(path ${CASES})
   endif()
   string(APPEND source "        {\"${name}\", R\"cases(${text})cases\"},\n")
 endforeach()
-string(APPEND source "    };\n    return kFiles;\n}\n\n}  // namespace quill\n")
+string(APPEND source "    };\n    return kFiles;\n}\n\n}  // namespace quill::conform\n")
 file(WRITE ${OUTPUT} "${source}")

@@ -5,13 +5,14 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "tools/failure.h"
+#include "tools/console/failure.h"
 
-namespace quill {
+namespace quill::conform {
 
-PrintedText::PrintedText() : file_(UnnamedFile()) {
+PrintedText::PrintedText() : file_(console::UnnamedFile()) {
     if (!file_.valid() || dup2(file_.get(), STDOUT_FILENO) < 0) {
-        throw Failure(kExitUsage, "no file for what the module prints: " + ErrorText(errno));
+        throw console::Failure(console::kExitUsage,
+                               "no file for what the module prints: " + console::ErrorText(errno));
     }
 }
 
@@ -28,4 +29,4 @@ std::string PrintedText::Take() {
     return text;
 }
 
-}  // namespace quill
+}  // namespace quill::conform

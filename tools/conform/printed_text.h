@@ -4,9 +4,9 @@
 
 #include <string>
 
-#include "tools/descriptor.h"
+#include "tools/console/descriptor.h"
 
-namespace quill {
+namespace quill::conform {
 
 // From its making on, for the rest of the process, descriptor 1 is an unnamed file. For a child
 // process; DiagnosticsCapture is for quill itself.
@@ -19,9 +19,9 @@ class PrintedText {
     std::string Take();
 
   private:
-    Descriptor file_;
+    console::Descriptor file_;
 };
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_PRINTED_TEXT_H_

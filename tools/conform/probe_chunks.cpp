@@ -1,7 +1,7 @@
 // One track in every way that it can be cut.
 #include "tools/conform/probes.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 // The first line is fed with the rest of its chunk: it must come whole.
@@ -115,4 +115,4 @@ std::vector<Case> ChunkProbes() {
     };
 }
 
-}  // namespace quill
+}  // namespace quill::conform

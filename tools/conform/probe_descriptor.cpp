@@ -6,9 +6,9 @@
 #include <set>
 
 #include "tools/conform/probes.h"
-#include "tools/module_contract.h"
+#include "tools/host/module_contract.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 const void* Descriptor(ProbeBench& bench) {
@@ -16,25 +16,26 @@ const void* Descriptor(ProbeBench& bench) {
 }
 
 const void* Table(ProbeBench& bench) {
-    return ValueAt<const void*>(Descriptor(bench), 8);
+    return host::ValueAt<const void*>(Descriptor(bench), 8);
 }
 
 std::string DescriptorBytes(ProbeBench& bench) {
-    return {static_cast<const char*>(Descriptor(bench)), kDescriptorSize};
+    return {static_cast<const char*>(Descriptor(bench)), host::kDescriptorSize};
 }
 
 void CheckWord(ProbeBench& bench) {
-    bench.ExpectEqual("the 32-bit word at offset 0", kDescriptorWord,
-                      ValueAt<std::uint32_t>(Descriptor(bench), 0));
+    bench.ExpectEqual("the 32-bit word at offset 0", host::kDescriptorWord,
+                      host::ValueAt<std::uint32_t>(Descriptor(bench), 0));
 }
 
 void CheckName(ProbeBench& bench) {
-    const char* const name = ValueAt<const char*>(Descriptor(bench), 4);
+    const char* const name = host::ValueAt<const char*>(Descriptor(bench), 4);
     if (name == nullptr) {
         bench.Complain("the pointer at offset 4 is null");
         return;
     }
-    bench.ExpectEqual("the text at offset 4", std::string(kDescriptorName), std::string(name));
+    bench.ExpectEqual("the text at offset 4", std::string(host::kDescriptorName),
+                      std::string(name));
 }
 
 void CheckTable(ProbeBench& bench) {
@@ -45,9 +46,9 @@ void CheckTable(ProbeBench& bench) {
 }
 
 void CheckTail(ProbeBench& bench) {
-    for (std::size_t at = kDescriptorTail; at < kDescriptorSize; ++at) {
+    for (std::size_t at = host::kDescriptorTail; at < host::kDescriptorSize; ++at) {
         bench.ExpectEqual("the byte at offset " + std::to_string(at), 0u,
-                          unsigned{ValueAt<std::uint8_t>(Descriptor(bench), at)});
+                          unsigned{host::ValueAt<std::uint8_t>(Descriptor(bench), at)});
     }
 }
 
@@ -64,51 +65,52 @@ void CheckSize(ProbeBench& bench, const char* symbol, std::size_t wanted) {
 }
 
 void CheckSizes(ProbeBench& bench) {
-    for (const DataExport& object : kDataExports) {
+    for (const host::DataExport& object : host::kDataExports) {
         CheckSize(bench, object.symbol, object.size);
     }
 }
 
 void CheckExportedFunctions(ProbeBench& bench) {
-    for (const TableSlot& slot : kTableSlots) {
+    for (const host::TableSlot& slot : host::kTableSlots) {
         bench.Expect(bench.library().Symbol(slot.symbol) != nullptr,
                      std::string(slot.symbol) + " is not exported");
     }
 }
 
 void CheckSlots(ProbeBench& bench) {
-    for (std::size_t number = 0; number < kTableSlots.size(); ++number) {
-        const TableSlot& slot = kTableSlots[number];
-        bench.Expect(ValueAt<const void*>(Table(bench), number * kSlotSize) ==
+    for (std::size_t number = 0; number < host::kTableSlots.size(); ++number) {
+        const host::TableSlot& slot = host::kTableSlots[number];
+        bench.Expect(host::ValueAt<const void*>(Table(bench), number * host::kSlotSize) ==
                          bench.library().Symbol(slot.symbol),
-                     "the pointer at offset " + std::to_string(number * kSlotSize) +
+                     "the pointer at offset " + std::to_string(number * host::kSlotSize) +
                          " of the table does not point at " + slot.symbol);
     }
 }
 
 void CheckThatSlotsDiffer(ProbeBench& bench) {
     std::set<const void*> functions;
-    for (std::size_t number = 0; number < kTableSlots.size(); ++number) {
-        functions.insert(ValueAt<const void*>(Table(bench), number * kSlotSize));
+    for (std::size_t number = 0; number < host::kTableSlots.size(); ++number) {
+        functions.insert(host::ValueAt<const void*>(Table(bench), number * host::kSlotSize));
     }
     bench.Expect(functions.count(nullptr) == 0, "a slot of the table is empty");
-    bench.ExpectEqual("the number of different functions", kTableSlots.size(), functions.size());
+    bench.ExpectEqual("the number of different functions", host::kTableSlots.size(),
+                      functions.size());
 }
 
 void CheckThatUseChangesNothing(ProbeBench& bench) {
     const std::string before = DescriptorBytes(bench);
-    const std::string table(static_cast<const char*>(Table(bench)), kTableSize);
+    const std::string table(static_cast<const char*>(Table(bench)), host::kTableSize);
     const unsigned int handle = bench.Open(nullptr, [](WEBVTT_EVENT_T, void*, void*) {});
     bench.Feed(handle, "00:01.000 --> 00:02.000 align:end\n<b>x</b>\n\n");
     bench.methods().pfnGetParseResult(handle);
     bench.methods().pfnRelease(handle);
     bench.Expect(before == DescriptorBytes(bench), "the descriptor has changed");
-    bench.Expect(table == std::string(static_cast<const char*>(Table(bench)), kTableSize),
+    bench.Expect(table == std::string(static_cast<const char*>(Table(bench)), host::kTableSize),
                  "the table has changed");
 }
 
 void CheckSecondLoad(ProbeBench& bench) {
-    const ModuleHandle again(bench.path());
+    const host::ModuleHandle again(bench.path());
     bench.Expect(again.library().Symbol(QUILLCAPTION_DESCRIPTOR_SYMBOL) == Descriptor(bench),
                  "a second load gives another descriptor");
     unsigned int handle = 0;
@@ -143,4 +145,4 @@ std::vector<Case> DescriptorProbes() {
     };
 }
 
-}  // namespace quill
+}  // namespace quill::conform

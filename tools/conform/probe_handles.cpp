@@ -9,7 +9,7 @@
 
 #include "tools/conform/probes.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 constexpr std::size_t kMany = 500;
@@ -164,4 +164,4 @@ std::vector<Case> HandleProbes() {
     };
 }
 
-}  // namespace quill
+}  // namespace quill::conform

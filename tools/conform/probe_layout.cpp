@@ -5,7 +5,7 @@
 
 #include "tools/conform/probes.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 constexpr std::size_t kRecordSize = 48;
@@ -39,14 +39,14 @@ struct RawDelivery {
         self.event = static_cast<std::uint32_t>(event);
         std::memcpy(self.info.data(), info, kInfoSize);
         self.records.clear();
-        const void* at = ValueAt<const void*>(info, 0);
+        const void* at = host::ValueAt<const void*>(info, 0);
         while (at != nullptr && self.records.size() < kMostRecords) {
             Record record = {reinterpret_cast<std::uintptr_t>(at), {}, ""};
             std::memcpy(record.bytes.data(), at, kRecordSize);
-            const char* const text = ValueAt<const char*>(at, kTextOffset);
+            const char* const text = host::ValueAt<const char*>(at, kTextOffset);
             record.text = text != nullptr ? text : "(null)";
             self.records.push_back(record);
-            at = ValueAt<const void*>(at, kNextOffset);
+            at = host::ValueAt<const void*>(at, kNextOffset);
         }
     }
 };
@@ -68,9 +68,9 @@ void CheckField(ProbeBench& bench, std::size_t offset, Value first, Value second
     const RawDelivery delivery = Deliver(bench);
     const std::string what = "the field at offset " + std::to_string(offset) + " of the ";
     bench.ExpectEqual(what + "first record", first,
-                      ValueAt<Value>(delivery.records[0].bytes.data(), offset));
+                      host::ValueAt<Value>(delivery.records[0].bytes.data(), offset));
     bench.ExpectEqual(what + "second record", second,
-                      ValueAt<Value>(delivery.records[1].bytes.data(), offset));
+                      host::ValueAt<Value>(delivery.records[1].bytes.data(), offset));
 }
 
 void CheckEvent(ProbeBench& bench) {
@@ -83,9 +83,9 @@ void CheckInfo(ProbeBench& bench) {
     const RawDelivery delivery = Deliver(bench);
     const void* const info = delivery.info.data();
     bench.ExpectEqual("the pointer at offset 0", delivery.records[0].address,
-                      ValueAt<std::uintptr_t>(info, 0));
-    bench.ExpectEqual("the count at offset 4", 3u, ValueAt<std::uint32_t>(info, 4));
-    bench.ExpectEqual("the word at offset 8", 0u, ValueAt<std::uint32_t>(info, 8));
+                      host::ValueAt<std::uintptr_t>(info, 0));
+    bench.ExpectEqual("the count at offset 4", 3u, host::ValueAt<std::uint32_t>(info, 4));
+    bench.ExpectEqual("the word at offset 8", 0u, host::ValueAt<std::uint32_t>(info, 8));
 }
 
 void CheckEmptyInfo(ProbeBench& bench) {
@@ -95,7 +95,7 @@ void CheckEmptyInfo(ProbeBench& bench) {
     bench.ExpectEqual("the number of calls", 1, delivery.calls);
     for (std::size_t offset = 0; offset < kInfoSize; offset += 4) {
         bench.ExpectEqual("the word at offset " + std::to_string(offset), 0u,
-                          ValueAt<std::uint32_t>(delivery.info.data(), offset));
+                          host::ValueAt<std::uint32_t>(delivery.info.data(), offset));
     }
 }
 
@@ -113,8 +113,9 @@ void CheckLinks(ProbeBench& bench) {
     for (std::size_t i = 0; i < delivery.records.size(); ++i) {
         const std::uintptr_t next =
             i + 1 < delivery.records.size() ? delivery.records[i + 1].address : 0;
-        bench.ExpectEqual("the link at offset 44 of record " + std::to_string(i), next,
-                          ValueAt<std::uintptr_t>(delivery.records[i].bytes.data(), kNextOffset));
+        bench.ExpectEqual(
+            "the link at offset 44 of record " + std::to_string(i), next,
+            host::ValueAt<std::uintptr_t>(delivery.records[i].bytes.data(), kNextOffset));
     }
 }
 
@@ -128,11 +129,11 @@ void CheckAlignment(ProbeBench& bench) {
 void CheckDefaults(ProbeBench& bench) {
     const RawDelivery delivery = Deliver(bench);
     const void* const record = delivery.records[2].bytes.data();
-    bench.ExpectEqual("the line", 100, ValueAt<std::int32_t>(record, 28));
+    bench.ExpectEqual("the line", 100, host::ValueAt<std::int32_t>(record, 28));
     bench.ExpectEqual("the bytes from offset 32", std::string("\0\1\x32\x64", 4),
                       std::string(delivery.records[2].bytes.data() + 32, 4));
-    bench.ExpectEqual("the text alignment", 1, ValueAt<std::int32_t>(record, 36));
-    bench.ExpectEqual("the direction", 0, ValueAt<std::int32_t>(record, 40));
+    bench.ExpectEqual("the text alignment", 1, host::ValueAt<std::int32_t>(record, 36));
+    bench.ExpectEqual("the direction", 0, host::ValueAt<std::int32_t>(record, 40));
 }
 
 Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {
@@ -177,4 +178,4 @@ std::vector<Case> LayoutProbes() {
     };
 }
 
-}  // namespace quill
+}  // namespace quill::conform

@@ -6,7 +6,7 @@
 
 #include "tools/conform/probes.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 constexpr int kWarmRounds = 5;
@@ -80,7 +80,7 @@ void CheckUnmapping(ProbeBench& bench) {
 
 void CheckLastUser(ProbeBench& bench) {
     {
-        const ModuleHandle again(bench.path());
+        const host::ModuleHandle again(bench.path());
         bench.Expect(IsMapped(bench.path()), "a module that is loaded twice is not mapped");
     }
     unsigned int handle = 0;
@@ -181,4 +181,4 @@ std::vector<Case> LifetimeProbes() {
     };
 }
 
-}  // namespace quill
+}  // namespace quill::conform

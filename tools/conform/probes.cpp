@@ -2,9 +2,10 @@
 
 #include <algorithm>
 
-namespace quill {
+namespace quill::conform {
 
-ProbeBench::ProbeBench(const std::string& path, Channel& channel) : path_(path), channel_(channel) {
+ProbeBench::ProbeBench(const std::string& path, host::Channel& channel)
+    : path_(path), channel_(channel) {
     Load();
 }
 
@@ -33,4 +34,4 @@ void ProbeBench::Complain(const std::string& what) {
     channel_.Write("got " + EscapeBytes(what) + "\n");
 }
 
-}  // namespace quill
+}  // namespace quill::conform

@@ -12,11 +12,11 @@
 #include "tools/conform/case.h"
 #include "tools/conform/case_notation.h"
 #include "tools/conform/printed_text.h"
-#include "tools/isolated_run.h"
-#include "tools/module_handle.h"
-#include "tools/value_at.h"
+#include "tools/host/isolated_run.h"
+#include "tools/host/module_handle.h"
+#include "tools/host/value_at.h"
 
-namespace quill {
+namespace quill::conform {
 
 // Values as complaints show them.
 inline std::string InWords(const std::string& text) {
@@ -33,16 +33,16 @@ std::string InWords(Number number) {
 // What a probe works with, in a child process of its own. The module is loaded.
 class ProbeBench {
   public:
-    ProbeBench(const std::string& path, Channel& channel);
+    ProbeBench(const std::string& path, host::Channel& channel);
 
     const std::string& path() const { return path_; }
-    const Library& library() const { return module_->library(); }
+    const host::Library& library() const { return module_->library(); }
     const WebvttModuleMethods& methods() const { return module_->methods(); }
     // What the module has printed since the last call.
     std::string Printed() { return printed_.Take(); }
 
     void Unload() { module_.reset(); }
-    void Load() { module_ = std::make_unique<ModuleHandle>(path_); }
+    void Load() { module_ = std::make_unique<host::ModuleHandle>(path_); }
 
     // A parser whose deliveries go to `notify`, and which has been fed "WEBVTT\n\n".
     unsigned int Open(void* tag, WebvttEventNotify notify);
@@ -65,9 +65,9 @@ class ProbeBench {
 
   private:
     std::string path_;
-    Channel& channel_;
+    host::Channel& channel_;
     PrintedText printed_;
-    std::unique_ptr<ModuleHandle> module_;
+    std::unique_ptr<host::ModuleHandle> module_;
 };
 
 // The probes of each group.
@@ -77,6 +77,6 @@ std::vector<Case> HandleProbes();
 std::vector<Case> ChunkProbes();
 std::vector<Case> LifetimeProbes();
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_PROBES_H_

@@ -10,10 +10,10 @@
 
 #include "tools/conform/case_reader.h"
 #include "tools/conform/probes.h"
-#include "tools/descriptor.h"
-#include "tools/failure.h"
+#include "tools/console/descriptor.h"
+#include "tools/console/failure.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 // What a host meets first comes first.
@@ -59,7 +59,8 @@ std::vector<Case> CasesOfFile(const std::string& path) {
     std::ifstream file(path);
     std::ostringstream text;
     if (!file || (!(text << file.rdbuf()) && errno != 0)) {
-        throw Failure(kExitUsage, "cannot read the cases " + path + ": " + ErrorText(errno));
+        throw console::Failure(console::kExitUsage,
+                               "cannot read the cases " + path + ": " + console::ErrorText(errno));
     }
     return ReadCases(path, text.str());
 }
@@ -68,8 +69,8 @@ std::vector<Case> SelectCases(std::vector<Case> cases, const std::vector<std::st
     for (const std::string& pattern : patterns) {
         if (std::none_of(cases.begin(), cases.end(),
                          [&pattern](const Case& one) { return Takes(pattern, one); })) {
-            throw Failure(kExitUsage,
-                          "no case matches \"" + pattern + "\" (--list shows them all)");
+            throw console::Failure(console::kExitUsage,
+                                   "no case matches \"" + pattern + "\" (--list shows them all)");
         }
     }
     const auto is_unwanted = [&patterns](const Case& one) {
@@ -82,4 +83,4 @@ std::vector<Case> SelectCases(std::vector<Case> cases, const std::vector<std::st
     return cases;
 }
 
-}  // namespace quill
+}  // namespace quill::conform

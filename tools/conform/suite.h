@@ -7,7 +7,7 @@
 
 #include "tools/conform/case.h"
 
-namespace quill {
+namespace quill::conform {
 
 struct CaseFile {
     const char* name;
@@ -28,6 +28,6 @@ std::vector<Case> CasesOfFile(const std::string& path);
 // All cases when there is no pattern. Throws Failure for a pattern that takes none.
 std::vector<Case> SelectCases(std::vector<Case> cases, const std::vector<std::string>& patterns);
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_SUITE_H_

@@ -2,9 +2,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "tools/escape.h"
+#include "tools/console/escape.h"
 
-namespace quill {
+namespace quill::conform {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -32,7 +32,7 @@ std::string FormatAsText(const Case& one, const Verdict& verdict) {
     std::string text = kMarks.at(static_cast<std::size_t>(verdict.outcome)) + one.full_name();
     text += passed ? "\n" : ": " + one.reason + "\n";
     for (const std::string& detail : verdict.details) {
-        text += std::string(8, ' ') + Escape(detail, LineFeeds::kEscape) + "\n";
+        text += std::string(8, ' ') + console::Escape(detail, console::LineFeeds::kEscape) + "\n";
     }
     return text;
 }
@@ -69,7 +69,7 @@ void VerdictPrinter::PrintCount() {
     output_.Write(as_json_ ? Line(sums) : Counted(total_) + text + "\n");
 }
 
-void PrintCaseList(Output& output, const std::vector<Case>& cases, bool as_json) {
+void PrintCaseList(console::Output& output, const std::vector<Case>& cases, bool as_json) {
     std::string text;
     for (const Case& one : cases) {
         text +=
@@ -80,4 +80,4 @@ void PrintCaseList(Output& output, const std::vector<Case>& cases, bool as_json)
     output.Write(text + (as_json ? Line({{"cases", cases.size()}}) : Counted(cases.size()) + "\n"));
 }
 
-}  // namespace quill
+}  // namespace quill::conform

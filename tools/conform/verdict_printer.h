@@ -8,14 +8,14 @@
 
 #include "tools/conform/case.h"
 #include "tools/conform/case_runner.h"
-#include "tools/output.h"
+#include "tools/console/output.h"
 
-namespace quill {
+namespace quill::conform {
 
 class VerdictPrinter {
   public:
     // The output must outlive the printer.
-    VerdictPrinter(Output& output, bool as_json, bool failed_only)
+    VerdictPrinter(console::Output& output, bool as_json, bool failed_only)
         : output_(output), as_json_(as_json), failed_only_(failed_only) {}
 
     void Print(const Case& one, const Verdict& verdict);
@@ -26,7 +26,7 @@ class VerdictPrinter {
   private:
     std::size_t Count(Outcome outcome) const { return counts_[static_cast<std::size_t>(outcome)]; }
 
-    Output& output_;
+    console::Output& output_;
     bool as_json_;
     bool failed_only_;
     std::array<std::size_t, 4> counts_ = {};  // by outcome
@@ -34,8 +34,8 @@ class VerdictPrinter {
 };
 
 // Prints the cases themselves, with their reasons.
-void PrintCaseList(Output& output, const std::vector<Case>& cases, bool as_json);
+void PrintCaseList(console::Output& output, const std::vector<Case>& cases, bool as_json);
 
-}  // namespace quill
+}  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_VERDICT_PRINTER_H_

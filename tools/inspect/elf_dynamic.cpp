@@ -8,7 +8,7 @@
 
 #include "tools/inspect/elf_reader.h"
 
-namespace quill {
+namespace quill::inspect {
 namespace {
 
 using Place = ElfReader::Place;
@@ -43,7 +43,7 @@ struct Segment {
 
 class DynamicReader {
   public:
-    DynamicReader(std::string_view bytes, const ElfTarget& target) : file_(bytes, target) {}
+    DynamicReader(std::string_view bytes, const host::ElfTarget& target) : file_(bytes, target) {}
 
     ElfDynamic Read();
 
@@ -243,7 +243,7 @@ ElfDynamic DynamicReader::Read() {
 
 }  // namespace
 
-ElfDynamic ReadElfDynamic(std::string_view bytes, const ElfTarget& target) {
+ElfDynamic ReadElfDynamic(std::string_view bytes, const host::ElfTarget& target) {
     if (target.bits_class != ELFCLASS32 && target.bits_class != ELFCLASS64) {
         throw DamagedElf("the ELF header is of neither class");
     }
@@ -271,4 +271,4 @@ bool IsHigherVersion(const std::string& version, const std::string& than) {
     return false;
 }
 
-}  // namespace quill
+}  // namespace quill::inspect

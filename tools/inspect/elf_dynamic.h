@@ -8,9 +8,9 @@
 #include <string_view>
 #include <vector>
 
-#include "tools/elf_check.h"
+#include "tools/host/elf_check.h"
 
-namespace quill {
+namespace quill::inspect {
 
 // A symbol that the file defines for others.
 struct ElfExport {
@@ -29,11 +29,11 @@ struct ElfDynamic {
 
 // Reads a whole file's bytes. Only what a loader goes by is looked at, program headers and the
 // dynamic section, so a file without section headers can be read as well. Throws DamagedElf.
-ElfDynamic ReadElfDynamic(std::string_view bytes, const ElfTarget& target);
+ElfDynamic ReadElfDynamic(std::string_view bytes, const host::ElfTarget& target);
 
 // Whether a version in dotted numbers is higher than another: 3.4.21 than 3.4.9.
 bool IsHigherVersion(const std::string& version, const std::string& than);
 
-}  // namespace quill
+}  // namespace quill::inspect
 
 #endif  // TOOLS_INSPECT_ELF_DYNAMIC_H_

@@ -9,9 +9,9 @@
 #include <string>
 #include <string_view>
 
-#include "tools/elf_check.h"
+#include "tools/host/elf_check.h"
 
-namespace quill {
+namespace quill::inspect {
 
 // A part of the file lies outside of it; what() names the part.
 class DamagedElf : public std::runtime_error {
@@ -22,7 +22,7 @@ class DamagedElf : public std::runtime_error {
 class ElfReader {
   public:
     // The bytes must outlive the reader.
-    ElfReader(std::string_view bytes, const ElfTarget& target);
+    ElfReader(std::string_view bytes, const host::ElfTarget& target);
 
     // Where a field lies in a record of 32-bit files, and where in one of 64-bit files.
     struct Place {
@@ -51,6 +51,6 @@ class ElfReader {
     bool is_big_endian_;
 };
 
-}  // namespace quill
+}  // namespace quill::inspect
 
 #endif  // TOOLS_INSPECT_ELF_READER_H_

@@ -1,11 +1,11 @@
 #include "tools/inspect/inspect_command.h"
 
-#include "tools/arguments.h"
+#include "tools/console/arguments.h"
+#include "tools/host/module_handle.h"
 #include "tools/inspect/inspect_printer.h"
 #include "tools/inspect/inspection.h"
-#include "tools/module_handle.h"
 
-namespace quill {
+namespace quill::inspect {
 namespace {
 
 constexpr char kFooter[] = R"(Formats:
@@ -28,11 +28,11 @@ Exit codes:
 InspectCommand::InspectCommand(CLI::App& app)
     : command_line_(app, "inspect",
                     "Say what a module is: machine, libraries, exports, descriptor, table") {
-    CommandLine& line = command_line_;
+    console::CommandLine& line = command_line_;
     line.AddOptional(
         "MODULE", module_,
         "The module to look at\n(default: the quillcaption.so that belongs to this quill)");
-    AddTextOrJson(line, as_json_, "How the report is printed");
+    console::AddTextOrJson(line, as_json_, "How the report is printed");
     line.SetFooter(kFooter);
 }
 
@@ -40,16 +40,16 @@ bool InspectCommand::IsChosen() const {
     return command_line_.IsChosen();
 }
 
-ExitCode InspectCommand::Run(Output& output) {
+console::ExitCode InspectCommand::Run(console::Output& output) {
     using Json = nlohmann::ordered_json;
-    const Json report = InspectModule(module_.empty() ? FindDefaultModule() : module_);
+    const Json report = InspectModule(module_.empty() ? host::FindDefaultModule() : module_);
     constexpr bool kAsciiOnly = true;
     output.Write(as_json_ ? report.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n"
                           : FormatInspectionAsText(report));
     if (!report["loaded"].get<bool>()) {
-        return kExitUnloadable;
+        return console::kExitUnloadable;
     }
-    return report["problems"].empty() ? kExitDone : kExitTrack;
+    return report["problems"].empty() ? console::kExitDone : console::kExitTrack;
 }
 
-}  // namespace quill
+}  // namespace quill::inspect

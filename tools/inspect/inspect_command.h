@@ -4,24 +4,24 @@
 
 #include <string>
 
-#include "tools/arguments.h"
-#include "tools/command.h"
+#include "tools/console/arguments.h"
+#include "tools/console/command.h"
 
-namespace quill {
+namespace quill::inspect {
 
-class InspectCommand : public Command {
+class InspectCommand : public console::Command {
   public:
     explicit InspectCommand(CLI::App& app);
 
     bool IsChosen() const override;
-    ExitCode Run(Output& output) override;
+    console::ExitCode Run(console::Output& output) override;
 
   private:
-    CommandLine command_line_;
+    console::CommandLine command_line_;
     std::string module_;  // empty: the module that belongs to this quill
     bool as_json_ = false;
 };
 
-}  // namespace quill
+}  // namespace quill::inspect
 
 #endif  // TOOLS_INSPECT_INSPECT_COMMAND_H_

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "tools/escape.h"
-#include "tools/module_contract.h"
+#include "tools/console/escape.h"
+#include "tools/host/module_contract.h"
 
-namespace quill {
+namespace quill::inspect {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -25,7 +25,7 @@ class Page {
     void Line(const std::string& label, const std::string& text) {
         const std::size_t width = std::max(kLabelWidth, label.size() + 1);
         text_ += label + std::string(width - label.size(), ' ');
-        text_ += Escape(text, LineFeeds::kEscape) + "\n";
+        text_ += console::Escape(text, console::LineFeeds::kEscape) + "\n";
     }
 
     const std::string& text() const { return text_; }
@@ -65,18 +65,18 @@ void WriteExports(const Json& exports, Page& page) {
 }
 
 void WriteDescriptor(const Json& descriptor, Page& page) {
-    page.Line("descriptor", kDataExports[0].symbol);
+    page.Line("descriptor", host::kDataExports[0].symbol);
     page.Line("  offset 0", "word " + descriptor["word"].dump());
     page.Line("  offset 4", "name " + TextOr(descriptor["name"], "null"));
     page.Line("  offset 8", "table " + TextOr(descriptor["table"], "without a symbol"));
-    const std::string size = std::to_string(kDescriptorSize - kDescriptorTail);
+    const std::string size = std::to_string(host::kDescriptorSize - host::kDescriptorTail);
     page.Line(
         "  offset 12",
         size + " bytes, " + (descriptor["zero_tail"].get<bool>() ? "all zero" : "not all zero"));
 }
 
 void WriteTable(const Json& table, Page& page) {
-    page.Line("table", kDataExports[1].symbol);
+    page.Line("table", host::kDataExports[1].symbol);
     for (const Json& slot : table) {
         page.Line("  offset " + slot["offset"].dump(),
                   slot["slot"].get<std::string>() + " = " +
@@ -103,9 +103,9 @@ std::string FormatInspectionAsText(const Json& report) {
     }
     std::string text = page.text() + "\n";
     for (const Json& problem : report["problems"]) {
-        text += Escape(problem.get<std::string>(), LineFeeds::kEscape) + "\n";
+        text += console::Escape(problem.get<std::string>(), console::LineFeeds::kEscape) + "\n";
     }
     return text + (report["problems"].empty() ? "all is as the contract says\n" : "");
 }
 
-}  // namespace quill
+}  // namespace quill::inspect

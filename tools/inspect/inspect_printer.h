@@ -5,11 +5,11 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-namespace quill {
+namespace quill::inspect {
 
 // The report of InspectModule as text, with every byte of the module's made safe to show.
 std::string FormatInspectionAsText(const nlohmann::ordered_json& report);
 
-}  // namespace quill
+}  // namespace quill::inspect
 
 #endif  // TOOLS_INSPECT_INSPECT_PRINTER_H_

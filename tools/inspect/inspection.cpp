@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <cstring>
 
-#include "tools/elf_check.h"
+#include "tools/host/elf_check.h"
+#include "tools/host/module_contract.h"
 #include "tools/inspect/elf_dynamic.h"
 #include "tools/inspect/elf_reader.h"
 #include "tools/inspect/loaded_module.h"
-#include "tools/module_contract.h"
 
-namespace quill {
+namespace quill::inspect {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -50,12 +50,12 @@ std::string KindName(unsigned kind) {
     }
 }
 
-Json DescribeTarget(const ElfTarget& target) {
+Json DescribeTarget(const host::ElfTarget& target) {
     const bool is_64 = target.bits_class == ELFCLASS64;
     const bool is_known = is_64 || target.bits_class == ELFCLASS32;
     return {{"bits", is_known ? Json(is_64 ? 64 : 32) : Json(nullptr)},
             {"byte_order", target.byte_order == ELFDATA2MSB ? "big-endian" : "little-endian"},
-            {"machine", MachineName(target)},
+            {"machine", host::MachineName(target)},
             {"type", nullptr}};
 }
 
@@ -77,15 +77,15 @@ bool HasExport(const ElfDynamic& file, const std::string& name) {
 }
 
 void CheckExports(const ElfDynamic& file, Json& problems) {
-    if (!HasExport(file, kDataExports[0].symbol)) {
-        problems.push_back(std::string("exports: ") + kDataExports[0].symbol +
+    if (!HasExport(file, host::kDataExports[0].symbol)) {
+        problems.push_back(std::string("exports: ") + host::kDataExports[0].symbol +
                            " is missing: this is no caption module");
         return;
     }
-    for (const DataExport& object : kDataExports) {
+    for (const host::DataExport& object : host::kDataExports) {
         CheckExport(file, object.symbol, object.size, problems);
     }
-    for (const TableSlot& slot : kTableSlots) {
+    for (const host::TableSlot& slot : host::kTableSlots) {
         CheckExport(file, slot.symbol, 0, problems);
     }
 }
@@ -105,7 +105,7 @@ void DescribeDynamic(const ElfDynamic& file, Json& report) {
 }
 
 // Whether all that a loader looks at is in the file.
-bool ReadFile(const std::string& bytes, const ElfTarget& target, Json& report) {
+bool ReadFile(const std::string& bytes, const host::ElfTarget& target, Json& report) {
     try {
         const ElfDynamic file = ReadElfDynamic(bytes, target);
         DescribeDynamic(file, report);
@@ -120,18 +120,18 @@ bool ReadFile(const std::string& bytes, const ElfTarget& target, Json& report) {
 }  // namespace
 
 Json InspectModule(const std::string& path) {
-    const std::string bytes = ReadModuleFile(path, kLargestFile);
-    const ElfTarget target = ElfTargetOf(bytes, path);
+    const std::string bytes = host::ReadModuleFile(path, kLargestFile);
+    const host::ElfTarget target = host::ElfTargetOf(bytes, path);
     Json report = {{"module", path},           {"file", DescribeTarget(target)},
                    {"needed", nullptr},        {"versions", nullptr},
                    {"exports", nullptr},       {"loaded", false},
                    {"descriptor", nullptr},    {"table", nullptr},
                    {"problems", Json::array()}};
-    if (!(target == OwnTarget())) {
-        report["problems"].push_back("machine: " + DescribeMismatch(path, target));
+    if (!(target == host::OwnTarget())) {
+        report["problems"].push_back("machine: " + host::DescribeMismatch(path, target));
     }
     const bool is_whole = ReadFile(bytes, target, report);
-    if (!is_whole || !(target == OwnTarget())) {
+    if (!is_whole || !(target == host::OwnTarget())) {
         return report;
     }
     Json live = DescribeLoadedModule(path);
@@ -144,4 +144,4 @@ Json InspectModule(const std::string& path) {
     return report;
 }
 
-}  // namespace quill
+}  // namespace quill::inspect

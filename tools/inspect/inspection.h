@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-namespace quill {
+namespace quill::inspect {
 
 // The report on the module at `path`:
 //     "module"      the path
@@ -18,6 +18,6 @@ namespace quill {
 // Throws Failure when the file cannot be read or is no ELF file. What cannot be found out is null.
 nlohmann::ordered_json InspectModule(const std::string& path);
 
-}  // namespace quill
+}  // namespace quill::inspect
 
 #endif  // TOOLS_INSPECT_INSPECTION_H_

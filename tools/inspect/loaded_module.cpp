@@ -8,15 +8,15 @@
 #include <cstring>
 #include <optional>
 
-#include "tools/descriptor.h"
-#include "tools/exception_text.h"
-#include "tools/failure.h"
-#include "tools/isolated_run.h"
-#include "tools/module_contract.h"
-#include "tools/module_handle.h"
-#include "tools/value_at.h"
+#include "tools/console/descriptor.h"
+#include "tools/console/failure.h"
+#include "tools/host/exception_text.h"
+#include "tools/host/isolated_run.h"
+#include "tools/host/module_contract.h"
+#include "tools/host/module_handle.h"
+#include "tools/host/value_at.h"
 
-namespace quill {
+namespace quill::inspect {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -39,7 +39,7 @@ std::string Quoted(const std::string& text) {
 
 class ModuleReader {
   public:
-    explicit ModuleReader(const Library& library) : library_(library) {}
+    explicit ModuleReader(const host::Library& library) : library_(library) {}
 
     Json Read();
 
@@ -51,15 +51,15 @@ class ModuleReader {
 
     void Complain(const std::string& line) { report_["problems"].push_back(line); }
 
-    const Library& library_;
+    const host::Library& library_;
     Json report_ = {
         {"loaded", true}, {"descriptor", nullptr}, {"table", nullptr}, {"problems", Json::array()}};
 };
 
 void ModuleReader::ReadTail(const void* descriptor, Json& found) {
     found["zero_tail"] = true;
-    for (std::size_t at = kDescriptorTail; at < kDescriptorSize; ++at) {
-        const unsigned byte = ValueAt<std::uint8_t>(descriptor, at);
+    for (std::size_t at = host::kDescriptorTail; at < host::kDescriptorSize; ++at) {
+        const unsigned byte = host::ValueAt<std::uint8_t>(descriptor, at);
         if (byte != 0) {
             found["zero_tail"] = false;
             Complain("descriptor: the byte at offset " + std::to_string(at) + " is " +
@@ -71,28 +71,28 @@ void ModuleReader::ReadTail(const void* descriptor, Json& found) {
 
 void ModuleReader::ReadDescriptor(const void* descriptor) {
     Json& found = report_["descriptor"];
-    const auto word = ValueAt<std::uint32_t>(descriptor, 0);
+    const auto word = host::ValueAt<std::uint32_t>(descriptor, 0);
     found["word"] = word;
-    if (word != kDescriptorWord) {
+    if (word != host::kDescriptorWord) {
         Complain("descriptor: the word at offset 0 is " + std::to_string(word) + ", not " +
-                 std::to_string(kDescriptorWord));
+                 std::to_string(host::kDescriptorWord));
     }
-    const char* const name = ValueAt<const char*>(descriptor, 4);
+    const char* const name = host::ValueAt<const char*>(descriptor, 4);
     found["name"] = nullptr;
     if (name == nullptr) {
-        Complain("descriptor: the name at offset 4 is null, not " + Quoted(kDescriptorName));
+        Complain("descriptor: the name at offset 4 is null, not " + Quoted(host::kDescriptorName));
     } else {
         const std::string text(name, strnlen(name, kLongestName));
         found["name"] = text;
-        if (text != kDescriptorName) {
+        if (text != host::kDescriptorName) {
             Complain("descriptor: the name at offset 4 is " + Quoted(text) + ", not " +
-                     Quoted(kDescriptorName));
+                     Quoted(host::kDescriptorName));
         }
     }
-    const void* const table = ValueAt<const void*>(descriptor, 8);
+    const void* const table = host::ValueAt<const void*>(descriptor, 8);
     const std::optional<std::string> symbol = SymbolAt(table);
     found["table"] = symbol ? Json(*symbol) : Json(nullptr);
-    const char* const wanted = kDataExports[1].symbol;
+    const char* const wanted = host::kDataExports[1].symbol;
     if (table == nullptr || table != library_.Symbol(wanted)) {
         Complain("descriptor: the pointer at offset 8 " +
                  (table == nullptr ? "is null, not "
@@ -108,35 +108,35 @@ void ModuleReader::ReadDescriptor(const void* descriptor) {
 
 void ModuleReader::ReadTable(const void* table) {
     report_["table"] = Json::array();
-    for (std::size_t number = 0; number < kTableSlots.size(); ++number) {
+    for (std::size_t number = 0; number < host::kTableSlots.size(); ++number) {
         ReadSlot(table, number);
     }
 }
 
 void ModuleReader::ReadSlot(const void* table, std::size_t number) {
-    const TableSlot& slot = kTableSlots[number];
-    const std::size_t offset = number * kSlotSize;
-    const void* const function = ValueAt<const void*>(table, offset);
+    const host::TableSlot& slot = host::kTableSlots[number];
+    const std::size_t offset = number * host::kSlotSize;
+    const void* const function = host::ValueAt<const void*>(table, offset);
     const std::optional<std::string> symbol = SymbolAt(function);
     report_["table"].push_back(
         {{"slot", slot.field},
          {"offset", offset},
          {"symbol", symbol ? Json(*symbol) : Json(nullptr)},
-         {"function", symbol ? Json(Demangle(symbol->c_str())) : Json(nullptr)}});
+         {"function", symbol ? Json(host::Demangle(symbol->c_str())) : Json(nullptr)}});
     const std::string where =
         "table: " + std::string(slot.field) + " at offset " + std::to_string(offset);
     if (function == nullptr) {
         Complain(where + " is empty");
     } else if (function != library_.Symbol(slot.symbol)) {
         Complain(where +
-                 (symbol ? " points at " + Demangle(symbol->c_str()) + ", not at "
+                 (symbol ? " points at " + host::Demangle(symbol->c_str()) + ", not at "
                          : " does not point at ") +
-                 Demangle(slot.symbol));
+                 host::Demangle(slot.symbol));
     }
 }
 
 Json ModuleReader::Read() {
-    const void* const descriptor = library_.Symbol(kDataExports[0].symbol);
+    const void* const descriptor = library_.Symbol(host::kDataExports[0].symbol);
     if (descriptor != nullptr) {  // else its absence among the exports has been told
         ReadDescriptor(descriptor);
     }
@@ -155,13 +155,13 @@ std::string Dump(const Json& report) {
 }
 
 // In the child. What the module prints while it is loaded is of no interest here.
-void Describe(const std::string& path, Channel& channel) {
-    const Descriptor nowhere = UnnamedFile();
+void Describe(const std::string& path, host::Channel& channel) {
+    const console::Descriptor nowhere = console::UnnamedFile();
     dup2(nowhere.get(), STDOUT_FILENO);
     try {
-        const Library library(path);
+        const host::Library library(path);
         channel.Write(Dump(ModuleReader(library).Read()));
-    } catch (const Failure& failure) {
+    } catch (const console::Failure& failure) {
         channel.Write(Dump(NotLoaded(failure.what())));
     }
 }
@@ -169,20 +169,20 @@ void Describe(const std::string& path, Channel& channel) {
 }  // namespace
 
 Json DescribeLoadedModule(const std::string& path) {
-    const IsolatedEnd end =
-        RunIsolated([&path](Channel& channel) { Describe(path, channel); }, kPatience);
+    const host::IsolatedEnd end =
+        host::RunIsolated([&path](host::Channel& channel) { Describe(path, channel); }, kPatience);
     Json report = Json::parse(end.written, nullptr, false);
     if (report.is_discarded()) {
-        return NotLoaded(
-            "the module " +
-            (end.kind == IsolatedEnd::Kind::kDone ? "ended the process" : DescribeEnd(end)) +
-            " while it was loaded and its descriptor was read");
+        return NotLoaded("the module " +
+                         (end.kind == host::IsolatedEnd::Kind::kDone ? "ended the process"
+                                                                     : host::DescribeEnd(end)) +
+                         " while it was loaded and its descriptor was read");
     }
-    if (end.kind != IsolatedEnd::Kind::kDone) {
-        report["problems"].push_back("unload: the module " + DescribeEnd(end) +
+    if (end.kind != host::IsolatedEnd::Kind::kDone) {
+        report["problems"].push_back("unload: the module " + host::DescribeEnd(end) +
                                      " while it was unloaded");
     }
     return report;
 }
 
-}  // namespace quill
+}  // namespace quill::inspect

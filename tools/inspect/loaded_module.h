@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-namespace quill {
+namespace quill::inspect {
 
 // Loads the module in a process of its own and returns
 //     "descriptor": {"word", "name", "table", "zero_tail"}, null when there is none,
@@ -15,6 +15,6 @@ namespace quill {
 // crashes or hangs.
 nlohmann::ordered_json DescribeLoadedModule(const std::string& path);
 
-}  // namespace quill
+}  // namespace quill::inspect
 
 #endif  // TOOLS_INSPECT_LOADED_MODULE_H_

@@ -1,0 +1,74 @@
+// Reading what the user gave on the command line, with messages that say what would be right.
+#ifndef TOOLS_CONSOLE_ARGUMENTS_H_
+#define TOOLS_CONSOLE_ARGUMENTS_H_
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace CLI {
+class App;
+}
+
+namespace quill::console {
+
+// The command line of one subcommand. It stands between the subcommands and CLI11, which takes ten
+// seconds to compile wherever it is included. What is added is told to --help in the same order;
+// the variables must live as long as the command line is parsed.
+class CommandLine {
+  public:
+    using Take = std::function<void(const std::string& text)>;
+
+    // Does not own the app, which must outlive it.
+    CommandLine(CLI::App& app, const std::string& name, const std::string& what);
+
+    void AddRequired(const std::string& name, std::string& value, const std::string& what);
+    void AddOptional(const std::string& name, std::string& value, const std::string& what);
+    void AddOptional(const std::string& name, std::vector<std::string>& values,
+                     const std::string& what);
+    void AddFlag(const std::string& name, bool& value, const std::string& what);
+    void AddOption(const std::string& name, const std::string& type, std::string& value,
+                   const std::string& what);
+    // `take` gets the option's text; RejectArgument is how it refuses one.
+    void AddOption(const std::string& name, const std::string& type, const Take& take,
+                   const std::string& what);
+    // The same for an option that may be given more than once.
+    void AddRepeatedOption(const std::string& name, const std::string& type, const Take& take,
+                           const std::string& what);
+    // What --help says behind the options.
+    void SetFooter(const std::string& text);
+
+    // After parsing: whether the user called this subcommand.
+    bool IsChosen() const;
+
+  private:
+    CLI::App* app_;
+};
+
+// Ends parsing with a message that says what would be right.
+[[noreturn]] void RejectArgument(const std::string& message);
+
+// A whole number in decimal digits, from `least` to `most`. Rejects others, saying that `option`
+// takes `what` ("a whole number of bytes") in that range.
+std::uint32_t ParseWholeNumber(const std::string& option, const std::string& what,
+                               const std::string& text, std::uint32_t least, std::uint32_t most);
+
+// Adds --module.
+void AddModuleOption(CommandLine& line, std::string& path);
+
+// What every subcommand that drives the module can be told.
+struct ModuleArguments {
+    std::string path;  // empty: the module that belongs to this quill
+    bool quiet = false;
+};
+
+// Adds --module and --quiet.
+void AddModuleArguments(CommandLine& line, ModuleArguments& arguments);
+
+// Adds --format with the choices text, the default, and json. `what` begins its help.
+void AddTextOrJson(CommandLine& line, bool& as_json, const std::string& what);
+
+}  // namespace quill::console
+
+#endif  // TOOLS_CONSOLE_ARGUMENTS_H_

@@ -1,0 +1,93 @@
+#include "tools/console/escape.h"
+
+#include <cstddef>
+
+namespace quill::console {
+namespace {
+
+constexpr std::size_t kInvalid = 0;
+
+unsigned ByteAt(std::string_view text, std::size_t index) {
+    return static_cast<unsigned char>(text[index]);
+}
+
+bool IsContinuation(unsigned byte) {
+    return (byte & 0xC0u) == 0x80u;
+}
+
+// The length in bytes of the UTF-8 character that the text begins with, and its code point;
+// kInvalid for an overlong form, a surrogate, a value beyond U+10FFFF or a broken sequence.
+std::size_t DecodeFirst(std::string_view text, unsigned& code_point) {
+    const unsigned lead = ByteAt(text, 0);
+    if (lead < 0x80u) {
+        code_point = lead;
+        return 1;
+    }
+    const std::size_t length = lead < 0xC0u   ? kInvalid
+                               : lead < 0xE0u ? 2
+                               : lead < 0xF0u ? 3
+                               : lead < 0xF8u ? 4
+                                              : kInvalid;
+    if (length == kInvalid || length > text.size()) {
+        return kInvalid;
+    }
+    code_point = lead & (0x7Fu >> length);
+    for (std::size_t i = 1; i < length; ++i) {
+        if (!IsContinuation(ByteAt(text, i))) {
+            return kInvalid;
+        }
+        code_point = code_point << 6 | (ByteAt(text, i) & 0x3Fu);
+    }
+    const bool overlong = code_point < (length == 2 ? 0x80u : length == 3 ? 0x800u : 0x10000u);
+    const bool surrogate = code_point >= 0xD800u && code_point <= 0xDFFFu;
+    return overlong || surrogate || code_point > 0x10FFFFu ? kInvalid : length;
+}
+
+bool IsShown(unsigned code_point, LineFeeds line_feeds) {
+    if (code_point == '\n') {
+        return line_feeds == LineFeeds::kKeep;
+    }
+    return code_point == '\t' || (code_point >= 0x20u && code_point < 0x7Fu) || code_point > 0x9Fu;
+}
+
+void AppendEscaped(std::string_view bytes, std::string& out) {
+    static const char kDigits[] = "0123456789abcdef";
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        out += "\\x";
+        out += kDigits[ByteAt(bytes, i) >> 4];
+        out += kDigits[ByteAt(bytes, i) & 0x0Fu];
+    }
+}
+
+}  // namespace
+
+std::string Escape(std::string_view text, LineFeeds line_feeds) {
+    std::string out;
+    out.reserve(text.size());
+    while (!text.empty()) {
+        unsigned code_point = 0;
+        const std::size_t length = DecodeFirst(text, code_point);
+        const std::string_view character = text.substr(0, length == kInvalid ? 1 : length);
+        if (length != kInvalid && IsShown(code_point, line_feeds)) {
+            out += character;
+        } else {
+            AppendEscaped(character, out);
+        }
+        text.remove_prefix(character.size());
+    }
+    return out;
+}
+
+bool IsUtf8(std::string_view text) {
+    while (!text.empty()) {
+        unsigned code_point = 0;
+        const std::size_t length = DecodeFirst(text, code_point);
+        if (length == kInvalid) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+}  // namespace quill::console

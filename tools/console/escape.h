@@ -1,0 +1,23 @@
+// Makes bytes of unknown origin safe to show: nothing that a terminal would obey gets through.
+#ifndef TOOLS_CONSOLE_ESCAPE_H_
+#define TOOLS_CONSOLE_ESCAPE_H_
+
+#include <string>
+#include <string_view>
+
+namespace quill::console {
+
+enum class LineFeeds { kKeep, kEscape };
+
+// The text with every control character and every byte that is not part of valid UTF-8 written
+// as \xNN, byte by byte. Control characters are U+0000 to U+001F except the tab, and U+007F to
+// U+009F; line feeds are as asked. A backslash stays as it is, so the result is for reading, not
+// for reading back.
+std::string Escape(std::string_view text, LineFeeds line_feeds);
+
+// Whether the text is valid UTF-8, control characters or not.
+bool IsUtf8(std::string_view text);
+
+}  // namespace quill::console
+
+#endif  // TOOLS_CONSOLE_ESCAPE_H_

@@ -1,0 +1,106 @@
+#include "tools/cues/cues_command.h"
+
+#include "tools/console/message.h"
+#include "tools/cues/cue_printer.h"
+#include "tools/cues/track_player.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
+#include "tools/host/track_reader.h"
+
+namespace quill::cues {
+namespace {
+
+// Two copies of a chunk must fit into the memory of a 32-bit program.
+constexpr std::uint32_t kLargestChunk = 256u << 20;
+
+constexpr char kFooter[] = R"(Formats:
+  text  made for reading: times, the settings that differ from their defaults, the text
+  json  one object a line, in ASCII: every field of the cue record by its own name; bytes
+        that are not UTF-8 become U+FFFD
+  srt   SubRip: no settings, negative times become zero, blank lines of the text are dropped
+In text and srt, control characters and bytes that are not UTF-8 are shown as \xNN.
+
+Examples:
+  quill cues track.vtt
+  quill cues --format json --chunk 1460 --pts 180000 track.vtt
+  some-stream | quill cues -
+  quill cues --quiet --format srt track.vtt > track.srt
+
+Exit codes:
+  0  the track was read to its end (also when a warning named lost cues)
+  1  the track was rejected, or the module threw
+  2  wrong usage, a track that cannot be read, an output that cannot be written or was closed
+  3  the module cannot be loaded)";
+
+CueFormatter ParseFormat(const std::string& name) {
+    if (name == "text") {
+        return FormatAsText;
+    }
+    if (name == "json") {
+        return FormatAsJson;
+    }
+    if (name == "srt") {
+        return FormatAsSrt;
+    }
+    console::RejectArgument("--format takes text, json or srt, not \"" + name + "\"");
+}
+
+std::uint32_t ParseChunkSize(const std::string& text) {
+    return console::ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestChunk);
+}
+
+std::uint32_t ParseVideoPts(const std::string& text) {
+    return console::ParseWholeNumber("--pts", "a whole number of 90 kHz ticks", text, 0,
+                                     UINT32_MAX);
+}
+
+}  // namespace
+
+CuesCommand::CuesCommand(CLI::App& app)
+    : command_line_(app, "cues", "Print the cues of a track as a player gets them") {
+    console::CommandLine& line = command_line_;
+    line.AddRequired("TRACK", track_, "The track to read; - reads standard input as it arrives");
+    line.AddOption(
+        "--format", "FORMAT", [this](const std::string& name) { format_ = ParseFormat(name); },
+        "How cues are printed: text (default), json or srt");
+    line.AddOption(
+        "--chunk", "BYTES", [this](const std::string& text) { chunk_size_ = ParseChunkSize(text); },
+        "Feed chunks of this size (default: what a read returns,\n"
+        "up to 65536); the first one always holds the whole first line");
+    line.AddOption(
+        "--pts", "TICKS", [this](const std::string& text) { video_pts_ = ParseVideoPts(text); },
+        "The video's presentation time, 90000 ticks a second; its\n"
+        "whole seconds are subtracted from all cue times");
+    console::AddModuleArguments(line, module_);
+    line.SetFooter(kFooter);
+}
+
+bool CuesCommand::IsChosen() const {
+    return command_line_.IsChosen();
+}
+
+console::ExitCode CuesCommand::Run(console::Output& output) {
+    host::TrackReader track(track_, chunk_size_);
+    const std::string path = module_.path.empty() ? host::FindDefaultModule() : module_.path;
+    host::DiagnosticsCapture capture(module_.quiet ? host::DiagnosticsCapture::Mode::kDrop
+                                                   : host::DiagnosticsCapture::Mode::kShow);
+    const host::ModuleHandle module(path);
+    CuePrinter printer(output, format_);
+    try {
+        TrackPlayer player(module, capture, track, printer);
+        player.SetVideoPts(video_pts_);
+        return player.Play() ? console::kExitDone : console::kExitTrack;
+    } catch (const console::OutputError& error) {
+        const std::string written = "; cues written: " + std::to_string(printer.count());
+        if (!error.closed()) {
+            throw console::Failure(error.code(), error.what() + written);
+        }
+        if (!module_.quiet) {
+            console::Say("standard output was closed" + written +
+                         "; the rest of the track was not read");
+        }
+        return error.code();
+    }
+}
+
+}  // namespace quill::cues
