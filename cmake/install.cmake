@@ -1,5 +1,6 @@
 # cmake --install, by components: module (what a board needs), header (with the CMake package and
-# the pkg-config file), tools (quill, its manual pages and completion), docs (with the example).
+# the pkg-config file), tools (quill, its manual pages and completion), docs (with the
+# example and the samples).
 include(CMakePackageConfigHelpers)
 
 install(TARGETS quillcaption LIBRARY DESTINATION ${QUILLCAPTION_MODULE_DIR} COMPONENT module)
@@ -48,4 +49,4 @@ endif()
 
 install(FILES README.md CHANGELOG.md SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)
-install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)
+install(DIRECTORY docs examples samples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT docs)

@@ -1,8 +1,9 @@
-# bash completion for quill. Needs nothing but bash.
+# bash completion for quill. Needs bash 4.2 and nothing else.
 
 # Subcommands, and the options of each; a test compares both with what quill --help says.
 _quill_subcommands='check conform cues inspect'
-declare -A _quill_options=(
+# Global by name: bash-completion reads this file inside of a function, at the first TAB.
+declare -gA _quill_options=(
     [quill]='--help --version'
     [check]='--help --format --chunk --fail-on --codes --module --quiet'
     [conform]='--help --list --only --failed-only --cases --timeout --format'

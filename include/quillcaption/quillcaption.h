@@ -5,17 +5,30 @@
  * the six functions of the method table:
  *
  *     void *so = dlopen("./quillcaption.so", RTLD_NOW | RTLD_LOCAL);
- *     const WebvttModuleInfo *info = dlsym(so, QUILLCAPTION_DESCRIPTOR_SYMBOL);
+ *     auto *info = static_cast<WebvttModuleInfo *>(dlsym(so, QUILLCAPTION_DESCRIPTOR_SYMBOL));
  *     const WebvttModuleMethods *vtt = info->prMethods;
  *
- *     unsigned int parser;
- *     vtt->pfnCreate(&parser);
- *     vtt->pfnSetEventNty(parser, my_tag, my_callback);
- *     while (there is a chunk) {
- *         vtt->pfnParse(parser, chunk, size);
- *         vtt->pfnGetParseResult(parser);         // my_callback runs here
+ *     unsigned int parser = 0;
+ *     if (vtt->pfnCreate(&parser) != WEBVTT_RESULT_OK) {
+ *         return;                                 // no memory
  *     }
+ *     vtt->pfnSetEventNty(parser, my_tag, my_callback);
+ *     bool ended = false;
+ *     do {
+ *         const char *chunk = "\n\n\n";           // the last cue waits for a blank line
+ *         unsigned int size = 3;
+ *         ended = !my_next_chunk(&chunk, &size);
+ *         try {
+ *             vtt->pfnParse(parser, chunk, size);
+ *         } catch (const std::exception &) {
+ *             // a track can cause this: cues of this chunk are missing, the next can be fed
+ *         }
+ *         vtt->pfnGetParseResult(parser);         // my_callback runs here
+ *     } while (!ended);
  *     vtt->pfnRelease(parser);
+ *     parser = 0;                                 // the next parser may get the same number
+ *
+ * (A host in C needs a few lines of C++ around pfnParse; examples/guarded_parse.cpp has them.)
  *
  * Calling rules for everything below:
  *   - The module has no locks. Calls on one parser must not overlap, and Create and Release
@@ -105,8 +118,9 @@ typedef struct WebvttCueNode {
         line feed. Never null. May hold any other byte, control bytes included. */
     char* pcText;
     /** Line number when fgSnapToLines is 1 (negative counts from the last line), else a
-        percentage of the video height. A fraction is cut off, a value beyond 32 bits gives the
-        nearest one. Default 100. */
+        percentage of the video height. A fraction is cut off. Numbers wrap in 32 bits as they
+        are read, so that 2147483648 arrives as -2147483648; what a sign or an endless fraction
+        puts beyond the range after that arrives as the nearest number in it. Default 100. */
     int32_t i4Line;
     /** Always 0. */
     uint8_t fgReserved;
@@ -146,8 +160,9 @@ typedef struct WebvttDataInfo {
  * @param pvTag  the pointer given at registration, unchanged; the module never looks behind it.
  * @param pvInfo a WebvttDataInfo*, valid until the callback returns.
  *
- * The callback must not release the parser that it is called for, and must not feed it: cues
- * completed meanwhile would be freed undelivered.
+ * The callback must not release the parser that it is called for; must not feed it, for cues
+ * completed meanwhile would be freed undelivered; must not call pfnGetParseResult for it, which
+ * would deliver the same cues again, to the same callback, without end; and must not throw.
  */
 typedef void (*WebvttEventNotify)(WEBVTT_EVENT_T eEvent, void* pvTag, void* pvInfo);
 
@@ -155,9 +170,10 @@ typedef void (*WebvttEventNotify)(WEBVTT_EVENT_T eEvent, void* pvTag, void* pvIn
  * The method table, reached through the descriptor. All six functions are always set and stay
  * valid until the module is unloaded.
  *
- * A handle that is not live (never created, released, 0) is harmless: the call prints
+ * A handle that is not live (0, never created, released) is harmless: the call prints
  * "[WEBVTT API:<function>] handle MUST not be NULL", touches no memory behind the handle, and
- * pfnParse returns WEBVTT_RESULT_ERROR.
+ * pfnParse returns WEBVTT_RESULT_ERROR. But a released handle is live again as soon as a new
+ * parser gets the same number, which is usually the very next one: set it to 0.
  */
 typedef struct WebvttModuleMethods {
     /**
@@ -169,8 +185,8 @@ typedef struct WebvttModuleMethods {
 
     /**
      * Ends a parser and frees all that it holds, cues not yet delivered included. The handle is
-     * dead afterwards. Not from within the callback of the same parser. Release every parser
-     * before the module is unloaded.
+     * dead afterwards; set it to 0, for a new parser may get the same number. Not from within the
+     * callback of the same parser. Release every parser before the module is unloaded.
      */
     void (*pfnRelease)(unsigned int handle);
 
@@ -195,14 +211,16 @@ typedef struct WebvttModuleMethods {
 
     /**
      * Registers the callback and its tag, replacing earlier ones. A null pfnNotify changes
-     * nothing. Must be called before the first pfnGetParseResult, which does not check.
+     * nothing. Must be called before the first pfnGetParseResult: without a callback that call
+     * crashes the process.
      */
     void (*pfnSetEventNty)(unsigned int handle, void* pvTag, WebvttEventNotify pfnNotify);
 
     /**
      * Calls the callback exactly once with all cues completed since the last call (an empty list
-     * when there are none), then frees them. A callback must have been registered. Usually called
-     * after every chunk; may be called at any time outside the callback.
+     * when there are none), then frees them. A callback must have been registered: it is called
+     * without a look, and a missing one crashes the process. Usually called after every chunk; may
+     * be called at any time outside the callback.
      */
     void (*pfnGetParseResult)(unsigned int handle);
 

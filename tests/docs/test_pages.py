@@ -37,6 +37,7 @@ PAGES = [
     ("```console\n```\n", ["without a command"]),
     ("```console\n$ scripts/test --and more\nanything\n```\n", []),
     ("```console\n$ fuzz/runner\n```\n", ["no fuzz/runner"]),
+    ("```console\n$ touch a; mkdir b; touch b/c build/d\n```\n", ["leave a in", "leave b/c in"]),
     ("```text\n$ echo a\n```\n", ["use console"]),
     ("```text\nno command\n```\n", []),
     ("```vtt\nWEBVTT\n```\n", []),

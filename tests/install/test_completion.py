@@ -1,19 +1,28 @@
-"""What bash offers for quill, asked as bash asks it, and compared with what quill takes."""
+"""What bash offers for quill, asked as bash asks it, and compared with what quill takes.
 
+The completion is installed, and Debian's bash-completion finds and reads it at the first TAB.
+INSTALL_BASH_COMPLETION is the file that bash-completion is started by.
+"""
+
+import os
 import re
 import unittest
 
 from installation import BUILD, EMULATOR, SOURCE, InstallTest
 
 QUILL = f"{BUILD}/quill"
+BASH_COMPLETION = os.environ["INSTALL_BASH_COMPLETION"]
 
-# Asks for the words that may stand where the last argument stands.
+# As bash does at a TAB: calls the loader for commands without a completion, which answers 124 when
+# it has found one, and then what that has registered. Prints the words that are offered.
 ASKING = """
-source "$1"
-shift
+source "$1" && shift || exit
+registered() { [[ $(complete -p "$1") =~ -F\\ ([^ ]+) ]] && function=${BASH_REMATCH[1]}; }
+registered -D && $function quill quill ''
+[ $? = 124 ] && registered quill || exit
 COMP_WORDS=("$@")
 COMP_CWORD=$(($# - 1))
-_quill
+$function quill "${COMP_WORDS[COMP_CWORD]}" "${COMP_WORDS[COMP_CWORD - 1]}"
 printf '%s\\n' "${COMPREPLY[@]}"
 """
 
@@ -47,12 +56,16 @@ OFFERS = [
 class Completion(InstallTest):
     def setUp(self):
         super().setUp()
+        self.prefix = self.install("prefix", "--component", "tools")
+        self.place = self.folder / "place"
+        self.place.mkdir()
         for name in ("a track.vtt", "another.so"):
-            (self.folder / name).touch()
+            (self.place / name).touch()
 
     def offered(self, *words):
-        offered = self.run_program("bash", "--norc", "-euc", ASKING, "bash",
-                                   SOURCE / "completions/quill.bash", *words, cwd=self.folder)
+        offered = self.run_program("bash", "--norc", "-c", ASKING, "bash", BASH_COMPLETION, *words,
+                                   cwd=self.place, env={**os.environ, "HOME": str(self.folder),
+                                                        "XDG_DATA_DIRS": f"{self.prefix}/share"})
         return sorted(offered.splitlines())
 
     def help(self, *subcommand):

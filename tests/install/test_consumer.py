@@ -1,10 +1,12 @@
-"""The example host, built against an installation and nothing else, in the two usual ways."""
+"""The example host, built against an installation and nothing else, in the two usual ways; and the
+host that the header's opening comment shows."""
 
 import os
+import re
 import shutil
 import unittest
 
-from installation import (CMAKE, DIALOGUE, FOR_THE_TARGET, SOURCE, VERSION, InstallTest,
+from installation import (CMAKE, DIALOGUE, EMULATOR, FOR_THE_TARGET, SOURCE, VERSION, InstallTest,
                           files_below)
 
 CC = os.environ["INSTALL_CC"].split()
@@ -20,6 +22,52 @@ message("folder: ${{quillcaption_MODULE_DIR}}")
 message("module: ${{quillcaption_MODULE}}")
 message("considered: ${{quillcaption_CONSIDERED_VERSIONS}}")
 """
+
+# What the header's opening comment leaves to its reader: here a line of the track is a chunk, so
+# that what is lost with a chunk is lost by itself.
+OPENING_HOST = r"""
+#include <dlfcn.h>
+#include <cstdio>
+#include <exception>
+#include "quillcaption/quillcaption.h"
+
+static char my_line[256];
+static void *const my_tag = my_line;
+
+static bool my_next_chunk(const char **chunk, unsigned int *size) {{
+    if (std::fgets(my_line, sizeof my_line, stdin) == nullptr) {{
+        return false;
+    }}
+    *chunk = my_line;
+    for (*size = 0; my_line[*size] != 0; ++*size) {{
+    }}
+    return true;
+}}
+
+static void my_callback(WEBVTT_EVENT_T, void *tag, void *data) {{
+    for (auto *cue = static_cast<WebvttDataInfo *>(data)->prCueList; cue; cue = cue->prNext) {{
+        std::fprintf(stderr, "%s%s", tag == my_tag ? "" : "another tag", cue->pcText);
+    }}
+}}
+
+static void play() {{
+{opening}
+}}
+
+int main() {{
+    play();
+}}
+"""
+OPENING_TRACK = b"""WEBVTT
+
+00:01.000 --> 00:02.000
+One
+
+00:02.000 --> 00:03.000 line:-
+This is lost.
+
+00:03.000 --> 00:04.000
+Last"""
 
 
 class Consumer(InstallTest):
@@ -67,6 +115,20 @@ class Consumer(InstallTest):
             self.run_program(*compiler, *flags, "-c", self.examples / source, "-o", objects[-1])
         self.run_program(*CXX, *objects, "-ldl", "-o", self.folder / "host")
         self.assert_plays(self.folder / "host", self.module, DIALOGUE)
+
+    def test_the_opening_comment(self):
+        """What it shows compiles, goes on behind a track's exception, and loses no last cue."""
+        header = (self.prefix / "include/quillcaption/quillcaption.h").read_text()
+        opening = header.split("Calling rules", maxsplit=1)[0]
+        shown = "\n".join(re.findall(r"^ \*     (.*)$", opening, re.MULTILINE))
+        source = self.folder / "opening.cpp"
+        source.write_text(OPENING_HOST.format(opening=shown))
+        flags = ["-std=c++17", "-Wall", "-Wextra", "-Werror", f"-I{self.prefix}/include"]
+        self.run_program(*CXX, *flags, source, "-ldl", "-o", self.folder / "opening")
+        printed = self.run_program("sh", "-c", '"$@" 2>&1 >/dev/null', "sh", *EMULATOR,
+                                   self.folder / "opening", cwd=self.module.parent,
+                                   input=OPENING_TRACK)
+        self.assertEqual(printed, "One\nLast\n")
 
     def test_pkg_config_names_folders_and_version_and_follows_a_move(self):
         self.move_prefix()

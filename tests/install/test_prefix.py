@@ -2,10 +2,14 @@
 
 import os
 import shutil
+import sys
 import unittest
 
 from installation import (BUILD, CMAKE, DIALOGUE, FOR_THE_TARGET, SOURCE, InstallTest,
                           files_below)
+
+sys.path.insert(0, str(SOURCE / "tests/docs"))
+import pages  # pylint: disable=wrong-import-position
 
 PAGES = sorted(path.name for path in (SOURCE / "man").glob("*.1"))
 COMPONENTS = {
@@ -20,8 +24,8 @@ COMPONENTS = {
               *(f"share/man/man1/{page}" for page in PAGES)],
     "docs": [f"share/doc/quillcaption/{name}" for name in
              ("CHANGELOG.md", "README.md", "SECURITY.md",
-              *(f"docs/{name}" for name in files_below(SOURCE / "docs")),
-              *(f"examples/{name}" for name in files_below(SOURCE / "examples")))],
+              *(f"{folder}/{name}" for folder in ("docs", "examples", "samples")
+                for name in files_below(SOURCE / folder)))],
 }
 
 
@@ -69,6 +73,16 @@ class Prefix(InstallTest):
             prefix / "lib/board/cmake/quillcaption/quillcaption-config.cmake").read_text())
         self.assertIn(r'QUILL_MODULE_DIR=\\\"../../lib/board/quillcaption\\\"',
                       (build / "compile_commands.json").read_text())
+
+    def test_links_in_the_installed_pages_lead_somewhere(self):
+        prefix = self.install("docs", "--component", "docs")
+        followed = 0
+        for page in prefix.rglob("*.md"):
+            for line, path, _ in pages.links(page.read_text()):
+                followed += 1
+                with self.subTest(f"{page.relative_to(prefix)}:{line}"):
+                    self.assertTrue((page.parent / path).exists(), path)
+        self.assertGreater(followed, 20)
 
     def test_no_file_says_where_it_was_built(self):
         prefix = self.install("prefix")
