@@ -1,5 +1,5 @@
 """Runs quill the way a user does. Where it is and what to test it with comes from the environment,
-which ctest sets: QUILL, QUILL_FIXTURES, QUILL_MODULE_DIR, QUILL_VERSION, QUILL_CASES, QUILL_SANITIZE and,
+which ctest sets (tests/tools/CMakeLists.txt lists it): QUILL, QUILL_SANITIZE, what single tests need and,
 for a build for another machine, QUILL_EMULATOR."""
 
 import collections

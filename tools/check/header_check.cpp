@@ -1,5 +1,6 @@
 #include "tools/check/header_check.h"
 
+#include "tools/check/module_words.h"
 #include "tools/host/track_reader.h"
 
 namespace quill::check {
@@ -91,11 +92,11 @@ HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdic
         findings.emplace_back(line_, "map-throws", Quoted(line.text) + " made the module throw");
         return Use::kIgnored;
     }
-    if (verdict.printed.find("Invalid X-TIMESTAMP-MAP Meta Header Value") != std::string::npos) {
+    if (Says(verdict.printed, words::kMapValue)) {
         findings.emplace_back(line_, "map-value", "invalid value in " + Quoted(line.text));
         return Use::kIgnored;
     }
-    if (verdict.printed.find("Invalid X-TIMESTAMP-MAP") != std::string::npos) {
+    if (Says(verdict.printed, words::kMap)) {
         findings.emplace_back(line_, "map-item", "unknown item in " + Quoted(line.text));
         return Use::kIgnored;
     }

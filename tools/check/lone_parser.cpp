@@ -3,6 +3,7 @@
 #include <functional>
 #include <utility>
 
+#include "tools/check/module_words.h"
 #include "tools/console/failure.h"
 #include "tools/host/track_reader.h"
 
@@ -96,8 +97,7 @@ const Verdict& LoneParser::End() {
         return verdict_;
     }
     verdict_.printed = capture_.Read(printed_, kMostPrinted);
-    if (verdict_.fate == Fate::kFailed &&
-        verdict_.printed.find("Error occured at LINE") != std::string::npos) {
+    if (verdict_.fate == Fate::kFailed && Says(verdict_.printed, words::kError)) {
         verdict_.fate = Fate::kError;
     }
     return verdict_;

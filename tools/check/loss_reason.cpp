@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "tools/check/module_words.h"
+
 namespace quill::check {
 namespace {
 
@@ -120,14 +122,13 @@ Finding NoTimes(const BlockText& block) {
 
 Finding ExplainFailure(const BlockText& block, const Verdict& verdict) {
     const std::string& printed = verdict.printed;
-    if (const auto end = Between(printed, "Invalid End Time Stamp <", ">\n")) {
+    if (const auto end = Between(printed, words::kEndTime, ">\n")) {
         return InvalidTime(block, "end", *end);
     }
-    if (block.HasZeroByte() && printed.find("Invalid Input String of ") != std::string::npos) {
+    if (block.HasZeroByte() && Says(printed, words::kInput)) {
         return {block.number(0), "zero-byte-line", "a zero byte hides a line end"};
     }
-    if (printed.find("Invalid Input String of 2nd Line") != std::string::npos ||
-        printed.find("Parse Cue Time and Settings Failed") != std::string::npos) {
+    if (Says(printed, words::kSecondLine) || Says(printed, words::kNoTimingLine)) {
         return NoTimes(block);
     }
     return {block.number(0), "other", "the module gives no cue for " + Quoted(block.text(0))};
@@ -140,13 +141,12 @@ Finding ExplainLoss(const BlockText& block, const Verdict& verdict) {
         return LineSetting(block);
     }
     if (verdict.fate == Fate::kRefused) {
-        if (const auto tag =
-                Between(verdict.printed, "unexcepted start tag <", "> detected. Ignored")) {
+        if (const auto tag = Between(verdict.printed, words::kStartTag, words::kTagEnd)) {
             return UnknownTag(block, *tag);
         }
     }
     if (verdict.fate == Fate::kError) {
-        if (const auto start = Between(verdict.printed, "Invalid Start Time Stamp <", ">\n")) {
+        if (const auto start = Between(verdict.printed, words::kStartTime, ">\n")) {
             return InvalidTime(block, "start", *start);
         }
         return {block.number(block.TimingIndex()), "no-text", "no text below the timing line"};

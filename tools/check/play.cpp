@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "tools/check/module_words.h"
 #include "tools/host/track_reader.h"
 
 namespace quill::check {
@@ -94,8 +95,8 @@ void Player::NoteEnd(std::optional<int> result, std::size_t chunk, std::size_t c
 bool Player::EndsByError() {
     constexpr std::size_t kMostPrinted = 1 << 20;
     const std::string printed = capture_.Read(0, kMostPrinted);
-    const std::size_t error = printed.find("Error occured at LINE");
-    return error != std::string::npos && error < printed.find("Cue Parse Failed!");
+    const std::size_t error = printed.find(words::kError);
+    return error != std::string::npos && error < printed.find(words::kFailed);
 }
 
 double Player::AskOffset() {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "quillcaption/quillcaption.h"
+#include "tools/check/module_words.h"
 
 namespace quill::check {
 namespace {
@@ -49,7 +50,7 @@ Finding Dropped(const Setting& setting, const std::string& printed) {
     if (setting.name != "line" && setting.name != "size" && setting.name != "position") {
         return {0, "unknown-setting", quoted + " is dropped"};
     }
-    const bool range = printed.find("out of range") != std::string::npos ||
+    const bool range = Says(printed, words::kSettingRange) ||
                        (setting.name == "position" && IsPercentage(setting.first));
     return {0, range ? "setting-range" : "setting-value", quoted + " is dropped"};
 }
@@ -141,7 +142,7 @@ Findings SettingRemarks::Ask(const std::string& item) {
     const Verdict alone = AskCueWith(item);
     const bool changes = !SameSettings(alone.cue, plain_) ||
                          !SameSettings(AskCueWith(kContrary + (" " + item)).cue, contrary_);
-    if (alone.printed.find("value is empty!") != std::string::npos) {
+    if (Says(alone.printed, words::kEmptySetting)) {
         return {{0, "empty-setting", Quoted(item) + " is dropped"}};
     }
     if (item.find(':') == std::string::npos || item[0] == ':') {

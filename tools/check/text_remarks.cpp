@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "tools/check/module_words.h"
+
 namespace quill::check {
 namespace {
 
@@ -21,13 +23,13 @@ std::size_t LineEndInClasses(std::string_view tag) {
     return end != std::string_view::npos && tag[end] == '\n' ? end : 0;
 }
 
-// What the module says that it has dropped: all that stands between these words and "> detected".
+// What the module says that it has dropped: all that stands between these words and the end.
 std::set<std::string_view> DroppedTags(std::string_view printed, std::string_view words) {
     std::set<std::string_view> tags;
     std::size_t at = printed.find(words);
     while (at != std::string_view::npos) {
         const std::size_t begin = at + words.size();
-        const std::size_t end = std::min(printed.find("> detected", begin), printed.size());
+        const std::size_t end = std::min(printed.find(words::kTagEnd, begin), printed.size());
         tags.insert(printed.substr(begin, end - begin));
         at = printed.find(words, end);
     }
@@ -65,8 +67,8 @@ std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const Dropped&
 
 void TextRemarks::Examine(std::string_view payload, std::uint32_t line, const std::string& printed,
                           Findings& findings) {
-    const Dropped dropped = {DroppedTags(printed, "unexcepted end tag <"),
-                             DroppedTags(printed, "Invalid time stamp tag <")};
+    const Dropped dropped = {DroppedTags(printed, words::kEndTag),
+                             DroppedTags(printed, words::kTimeTag)};
     std::size_t at = payload.find_first_of("&<");
     while (at < payload.size()) {
         line += static_cast<std::uint32_t>(
