@@ -26,6 +26,19 @@ quietly() {
     return "$status"
 }
 
+# become_root WHY: sets as_root to the words before a command that needs root's rights.
+become_root() {
+    as_root=()
+    [ "$(id -u)" -ne 0 ] || return 0
+    command -v sudo >/dev/null || fail "run this as root, or install sudo: $1"
+    # Asks for a password here, where there may be a terminal, and not later.
+    sudo -n true 2>/dev/null || sudo true || fail "sudo was refused"
+    as_root=(sudo -n)
+}
+
+# Seconds, for people.
+duration() { echo "$(($1 / 60)) min $(($1 % 60)) s"; }
+
 # Prints the header comment of the calling script: from its second line to the first empty one.
 usage() { sed -n '2,/^$/{ s/^# \{0,1\}//; /^$/d; p; }' "$0"; }
 

@@ -5,6 +5,13 @@
 #include <iostream>
 
 namespace webvtt {
+namespace {
+
+// std::cout is there before it is used, in a host written in C too. The <iostream> of newer compilers
+// leaves that to libraries newer than a board may have (src/CMakeLists.txt keeps it from asking).
+const std::ios_base::Init kStreams;
+
+}  // namespace
 
 void print_error(const char* format, ...) {
     std::va_list arguments;

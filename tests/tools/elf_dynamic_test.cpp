@@ -1,7 +1,6 @@
 // What quill reads out of ELF files that are damaged in every way: it must say so, and never read
 // outside of them.
 #include <elf.h>
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,9 +16,6 @@
 
 namespace quill::inspect {
 namespace {
-
-using testing::Contains;
-using testing::Pair;
 
 std::string ModuleBytes() {
     std::ifstream file(QUILLCAPTION_BUILT_MODULE, std::ios::binary);
@@ -52,8 +48,8 @@ TEST(ElfDynamic, OfTheModule) {
     support::ExactBlock block(ModuleBytes());
     const ElfDynamic found = Read(block);
     EXPECT_EQ(found.type, static_cast<unsigned>(ET_DYN));
-    EXPECT_THAT(found.needed, Contains("libc.so.6"));
-    EXPECT_THAT(found.versions, Contains(Pair("CXXABI", testing::StartsWith("1.3"))));
+    EXPECT_EQ(std::count(found.needed.begin(), found.needed.end(), "libc.so.6"), 1);
+    EXPECT_EQ(found.versions.at("CXXABI").substr(0, 3), "1.3");
     std::size_t objects = 0;
     for (const ElfExport& one : found.exports) {
         objects += one.kind == STT_OBJECT && (one.size == 144 || one.size == 24) ? 1 : 0;

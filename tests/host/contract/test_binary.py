@@ -122,6 +122,11 @@ class Requirements(unittest.TestCase):
             self.assertIn(interface, allowed)
             self.assertLessEqual(version(number), version(allowed[interface]), interface)
 
+    def test_streams_are_made_by_the_module(self):
+        """Older libraries make std::cout only for those that ask."""
+        names = {row[6].split("@")[0] for row in symbols("--dyn-syms") if row[5] == "UND"}
+        self.assertIn("_ZNSt8ios_base4InitC1Ev", names)
+
     def test_nothing_is_weak_but_the_compilers_own(self):
         weak = {row[6].split("@")[0] for row in symbols("--dyn-syms") if row[3] == "WEAK"}
         self.assertLessEqual(weak, {"__cxa_finalize", "__gmon_start__", "_ITM_registerTMCloneTable",

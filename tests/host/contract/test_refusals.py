@@ -44,8 +44,8 @@ class Refusals(unittest.TestCase):
 
     def configure(self, *options):
         with tempfile.TemporaryDirectory() as folder:
-            result = run("cmake", "-S", SOURCE, "-B", folder, "-DQUILLCAPTION_TESTS=OFF",
-                         "-DQUILLCAPTION_TOOLS=OFF", *options)
+            result = run("cmake", "-G", "Ninja", "-S", SOURCE, "-B", folder,
+                         "-DQUILLCAPTION_TESTS=OFF", "-DQUILLCAPTION_TOOLS=OFF", *options)
             commands = pathlib.Path(folder) / "compile_commands.json"
             result.commands = commands.read_text() if commands.exists() else ""
         # CMake breaks lines where it likes.
