@@ -5,7 +5,7 @@ _quill_subcommands='check conform cues inspect'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
-    [check]='--help --format --chunk --fail-on --codes --module --quiet'
+    [check]='--help --files-from --format --chunk --fail-on --codes --module --quiet'
     [conform]='--help --list --only --failed-only --cases --timeout --format'
     [cues]='--help --format --chunk --pts --module --quiet'
     [inspect]='--help --format'
@@ -19,7 +19,7 @@ _quill_value() {
         cues:--format) values='text json srt' ;;
         *:--format) values='text json' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--module | *:--files-from | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | conform:--timeout | conform:--only) ;;
         *) return 1 ;;
     esac

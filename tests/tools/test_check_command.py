@@ -32,7 +32,7 @@ class Command(QuillTest):
 
     def test_wrong_usage(self):
         for arguments, words in (
-                (("check",), "TRACK is required"),
+                (("check",), "TRACK or --files-from is required"),
                 (("check", "--format", "srt", self.track), '--format takes text or json, not "srt"'),
                 (("check", "--fail-on", "all", self.track),
                  '--fail-on takes lost, changed, remark or never, not "all"'),

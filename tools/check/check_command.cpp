@@ -83,7 +83,7 @@ std::string ReadAll(host::TrackReader& reader, console::Progress& progress) {
 CheckCommand::CheckCommand(CLI::App& app)
     : command_line_(app, "check", "Say what becomes of every block of a track") {
     console::CommandLine& line = command_line_;
-    line.AddOptional("TRACK", tracks_, "The tracks to check; - reads standard input");
+    console::AddTrackArguments(line, tracks_, "The tracks to check");
     console::AddTextOrJson(line, in_json_, "How findings are printed");
     line.AddOption(
         "--chunk", "BYTES",
@@ -112,8 +112,9 @@ console::ExitCode CheckCommand::Run(console::Output& output) {
     if (only_codes_) {
         return PrintCodes(*report);
     }
-    if (tracks_.empty()) {
-        throw console::Failure(console::kExitUsage, "check: TRACK is required (--help says more)");
+    if (!tracks_.AreGiven()) {
+        throw console::Failure(console::kExitUsage,
+                               "check: TRACK or --files-from is required (--help says more)");
     }
     try {
         return CheckTracks(*report);
@@ -144,9 +145,14 @@ console::ExitCode CheckCommand::CheckTracks(Report& report) const {
     host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
     const host::ModuleHandle module(path);
     console::ExitCode code = console::kExitDone;
-    for (const std::string& track : tracks_) {
+    console::TrackList tracks(tracks_);
+    for (;;) {
         try {
-            if (Fails(Check(module, capture, track, report)) && code == console::kExitDone) {
+            const std::optional<std::string> track = tracks.Next();
+            if (!track) {
+                return code;
+            }
+            if (Fails(Check(module, capture, *track, report)) && code == console::kExitDone) {
                 code = console::kExitTrack;
             }
         } catch (const console::OutputError&) {
@@ -156,7 +162,6 @@ console::ExitCode CheckCommand::CheckTracks(Report& report) const {
             code = std::max(code, failure.code());
         }
     }
-    return code;
 }
 
 Sums CheckCommand::Check(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,

@@ -6,12 +6,12 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "tools/check/report.h"
 #include "tools/check/sums.h"
 #include "tools/console/arguments.h"
 #include "tools/console/command.h"
+#include "tools/console/track_list.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
 
@@ -33,7 +33,7 @@ class CheckCommand : public console::Command {
     bool Fails(const Sums& sums) const;
 
     console::CommandLine command_line_;
-    std::vector<std::string> tracks_;
+    console::TrackArguments tracks_;
     bool in_json_ = false;
     bool only_codes_ = false;
     bool quiet_ = false;
