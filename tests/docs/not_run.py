@@ -24,5 +24,5 @@ NOT_RUN = [
     ("build/i386/bench/", "the figures belong to the machine; bench.memory holds the limits"),
     ("cmake -S . -B build/profile", "builds, for a profile that people read"),
     ("cmake --build build/profile", "the same"),
-    ("./campaign", HOURS),
+    ("scripts/campaign", HOURS),
 ]

@@ -29,7 +29,7 @@ def parse_arguments():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--player", help="the built script_player")
     parser.add_argument("--module", help="the built quillcaption.so")
-    parser.add_argument("--emulator", default="", help='such as "qemu-arm -L /usr/arm-..."')
+    parser.add_argument("--emulator", default="", help="such as build/armhf/run")
     parser.add_argument("--count", type=int, default=2000, help="scripts to generate (2000)")
     parser.add_argument("--seed", type=int, default=1, help="other scripts for another seed (1)")
     parser.add_argument("--first", type=int, default=0, help="first script of the seed (0)")
