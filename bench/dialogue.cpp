@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "bench/loaded_module.h"
 #include "bench/measured.h"
 #include "bench/player.h"
 #include "bench/scan_limits.h"
@@ -39,7 +38,7 @@ struct Track {
     std::string text;
 };
 
-void play(const WebvttModuleMethods& module, const Track& track, std::size_t chunk_size) {
+void play(const support::Methods& module, const Track& track, std::size_t chunk_size) {
     Player player(module);
     player.feed_in_chunks(track.text, chunk_size);
     if (player.cue_count() != track.cues) {
@@ -48,8 +47,7 @@ void play(const WebvttModuleMethods& module, const Track& track, std::size_t chu
     }
 }
 
-Subject make_subject(const std::string& name, const WebvttModuleMethods& module,
-                     const Track& track) {
+Subject make_subject(const std::string& name, const support::Methods& module, const Track& track) {
     if (name == "scan") {
         return {name, [&track] { scan_lines(track.text); }};
     }
@@ -83,7 +81,7 @@ void take_times(std::vector<Subject>& subjects) {
     }
 }
 
-void print_times(std::FILE* report, const WebvttModuleMethods& module, std::size_t size) {
+void print_times(std::FILE* report, const support::Methods& module, std::size_t size) {
     const Track track(size);
     std::vector<Subject> subjects;
     for (const char* const limit : {"scan", "copy"}) {
@@ -135,7 +133,7 @@ int run(int argc, char** argv) {
     }
 
     std::FILE* const report = silence_standard_output();
-    const WebvttModuleMethods& module = load_module();
+    const support::Methods& module = load_module();
     if (only.empty()) {
         for (const std::size_t size : sizes) {
             print_times(report, module, size);

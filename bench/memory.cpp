@@ -8,29 +8,31 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "bench/counting_new.h"
-#include "bench/loaded_module.h"
 #include "bench/quiet_printing.h"
 #include "bench/shapes.h"
 #include "bench/stack_probe.h"
 #include "bench/track_generator.h"
+#include "support/memory.h"
 
 namespace bench {
 namespace {
+
+using support::Memory;
 
 constexpr std::size_t kMostStack = 8192;
 constexpr std::size_t kDialogueSize = 200000;
 constexpr unsigned kPlainCues = 2000;
 
 /// Of everything that the parsers take, themselves included.
-std::size_t heap_peak_of(const WebvttModuleMethods& module, const Play& play) {
-    restart_heap_peak();
-    const std::size_t before = heap_use().live_bytes;
+std::size_t heap_peak_of(const support::Methods& module, const Play& play) {
+    Memory& heap = Memory::of_program();
+    heap.restart_peak();
+    const std::size_t before = heap.live_bytes();
     play_shape(module, play);
-    return heap_use().peak_bytes - before;
+    return heap.peak_bytes() - before;
 }
 
-std::size_t quiet_stack_peak_of(const WebvttModuleMethods& module, const Play& play) {
+std::size_t quiet_stack_peak_of(const support::Methods& module, const Play& play) {
     const std::size_t dropped_before = dropped_prints();
     set_quiet_printing(true);
     const std::size_t peak = stack_peak_of([&] { play_shape(module, play); });
@@ -43,7 +45,7 @@ std::size_t quiet_stack_peak_of(const WebvttModuleMethods& module, const Play& p
 }
 
 /// False when a call went too deep.
-bool print_shape(std::FILE* report, const WebvttModuleMethods& module, const Shape& shape) {
+bool print_shape(std::FILE* report, const support::Methods& module, const Shape& shape) {
     const Play play = shape.make(shape.n);
     const auto bytes = static_cast<double>((play.opening.size() + play.text.size()) * play.parsers);
     const std::size_t heap = heap_peak_of(module, play);
@@ -56,7 +58,7 @@ bool print_shape(std::FILE* report, const WebvttModuleMethods& module, const Sha
     return !too_deep;
 }
 
-bool print_shapes(std::FILE* report, const WebvttModuleMethods& module) {
+bool print_shapes(std::FILE* report, const support::Methods& module) {
     std::fprintf(report, "%-34s %10s %10s %8s %8s %8s\n", "", "bytes fed", "heap peak", "a byte",
                  "stack", "printing");
     bool fine = true;
@@ -67,31 +69,31 @@ bool print_shapes(std::FILE* report, const WebvttModuleMethods& module) {
 }
 
 /// Allocations a cue, and what is left over: nothing may be.
-bool print_cues(std::FILE* report, const WebvttModuleMethods& module, const char* what,
+bool print_cues(std::FILE* report, const support::Methods& module, const char* what,
                 const std::string& track, std::size_t chunk_size, unsigned wanted) {
     Player player(module);
     player.feed_in_chunks(track, chunk_size);  // what is kept for the next track is there now
     const std::string cues = track.substr(track.find("\n\n") + 2);
-    const HeapUse before = heap_use();
-    restart_heap_peak();
+    Memory& heap = Memory::of_program();
+    heap.restart_peak();
+    const Memory before = heap;
     const std::size_t cues_before = player.cue_count();
     while (player.cue_count() - cues_before < wanted) {
         player.feed_in_chunks(cues, chunk_size);
     }
-    const HeapUse after = heap_use();
+    const Memory after = heap;
     const auto count = static_cast<double>(player.cue_count() - cues_before);
     const bool grew =
-        after.live_bytes != before.live_bytes || after.live_blocks != before.live_blocks;
+        after.live_bytes() != before.live_bytes() || after.live_blocks() != before.live_blocks();
     std::fprintf(report, "%-34s %10.0f %10.2f %10zu %8ld %8ld%s\n", what, count,
-                 static_cast<double>(after.allocations - before.allocations) / count,
-                 after.peak_bytes - before.live_bytes,
-                 static_cast<long>(after.live_bytes) - static_cast<long>(before.live_bytes),
-                 static_cast<long>(after.live_blocks) - static_cast<long>(before.live_blocks),
-                 grew ? "  GROWS" : "");
+                 static_cast<double>(after.allocations() - before.allocations()) / count,
+                 after.peak_bytes() - before.live_bytes(),
+                 static_cast<long>(after.live_bytes()) - static_cast<long>(before.live_bytes()),
+                 after.live_blocks() - before.live_blocks(), grew ? "  GROWS" : "");
     return !grew;
 }
 
-bool print_growth(std::FILE* report, const WebvttModuleMethods& module, unsigned wanted) {
+bool print_growth(std::FILE* report, const support::Methods& module, unsigned wanted) {
     std::fprintf(report, "%-34s %10s %10s %10s %8s %8s\n", "", "cues", "allocs", "heap peak",
                  "growth", "growth");
     std::fprintf(report, "%-34s %10s %10s %10s %8s %8s\n", "", "", "a cue", "bytes", "bytes",
@@ -123,7 +125,7 @@ bool print_growth(std::FILE* report, const WebvttModuleMethods& module, unsigned
 int main(int argc, char** argv) {
     const bool quick = argc > 1 && std::strcmp(argv[1], "--quick") == 0;
     std::FILE* const report = bench::silence_standard_output();
-    const WebvttModuleMethods& module = bench::load_module();
+    const support::Methods& module = bench::load_module();
     const bool shapes_fine = bench::print_shapes(report, module);
     std::fputc('\n', report);
     const bool growth_fine = bench::print_growth(report, module, quick ? 100000 : 1000000);

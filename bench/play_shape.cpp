@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "bench/loaded_module.h"
 #include "bench/measured.h"
 #include "bench/shapes.h"
 
@@ -30,7 +29,7 @@ int play(const char* name, std::size_t n, unsigned passes) {
         return 2;
     }
     std::FILE* const report = silence_standard_output();
-    const WebvttModuleMethods& module = load_module();
+    const support::Methods& module = load_module();
     const Play made = shape->make(n);
     Tally tally;
     const auto start = std::chrono::steady_clock::now();

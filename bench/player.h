@@ -5,14 +5,14 @@
 #include <cstdio>
 #include <string_view>
 
-#include "quillcaption/quillcaption.h"
+#include "support/module.h"
 
 namespace bench {
 
 /// One parser of a module, released at the end. The module must outlive it.
 class Player {
   public:
-    explicit Player(const WebvttModuleMethods& methods);
+    explicit Player(const support::Methods& methods);
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
     ~Player();
@@ -28,13 +28,17 @@ class Player {
     std::size_t call_count() const { return m_call_count; }
 
   private:
-    static void on_event(WEBVTT_EVENT_T event, void* tag, void* info);
+    static void on_event(int event, void* tag, void* info);
 
-    const WebvttModuleMethods& m_methods;
-    unsigned int m_handle = 0;
+    const support::Methods& m_methods;
+    support::Handle m_handle = 0;
     std::size_t m_cue_count = 0;
     std::size_t m_call_count = 0;  // feeding and delivering
 };
+
+/// Loads the module, or ends the program. It is never unloaded: a profiler that writes its names
+/// when the program ends must still find them.
+const support::Methods& load_module();
 
 /// Sends standard output, where the module's diagnostics go, to the null device. What a bench has
 /// to say goes to the stream that this returns, the standard output of before.

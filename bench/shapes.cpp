@@ -248,7 +248,7 @@ const Shape* find_shape(std::string_view name) {
     return found != kShapes.end() ? &*found : nullptr;
 }
 
-Tally play_shape(const WebvttModuleMethods& methods, const Play& play) {
+Tally play_shape(const support::Methods& methods, const Play& play) {
     std::list<Player> players;
     for (unsigned parser = 0; parser < play.parsers; ++parser) {
         players.emplace_back(methods);

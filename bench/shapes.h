@@ -42,6 +42,6 @@ const std::vector<Shape>& shapes();
 const Shape* find_shape(std::string_view name);
 
 /// Plays with parsers of its own, released at the end.
-Tally play_shape(const WebvttModuleMethods& methods, const Play& play);
+Tally play_shape(const support::Methods& methods, const Play& play);
 
 }  // namespace bench

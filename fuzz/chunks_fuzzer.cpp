@@ -10,51 +10,36 @@
 //     next: only CR LF pairs are left.
 #include <algorithm>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "api/entry_points.h"
 #include "fuzz/check.h"
-#include "support/cue_record.h"
-#include "support/exact_block.h"
+#include "support/parser.h"
 
 namespace {
 
-using Cues = std::vector<support::CueRecord>;
-
 struct Played {
-    Cues cues;
+    std::vector<support::CueRecord> cues;
     bool was_read_whole = true;
 };
 
-void collect(WEBVTT_EVENT_T /*event*/, void* tag, void* info) {
-    support::Delivery delivery(info);
-    auto* const cues = static_cast<Cues*>(tag);
-    std::move(delivery.cues.begin(), delivery.cues.end(), std::back_inserter(*cues));
-}
-
 /// Feeds the signature, and then the text in chunks of so many bytes.
 Played play(std::string_view text, std::size_t chunk_size) {
-    const WebvttModuleMethods& methods = *WEBVTT_MODULE_INFO.prMethods;
-    unsigned int parser = 0;
-    FUZZ_CHECK(methods.pfnCreate(&parser) == WEBVTT_RESULT_OK);
+    static const support::Methods kMethods = support::methods_at(WEBVTT_MODULE_INFO.prMethods);
+    support::Parser parser(kMethods);
+    FUZZ_CHECK(parser.feed("WEBVTT\n\n") == support::Ending::kOk);
     Played played;
-    methods.pfnSetEventNty(parser, &played.cues, collect);
-    support::ExactBlock signature("WEBVTT\n\n");
-    FUZZ_CHECK(methods.pfnParse(parser, signature.data(), signature.size()) == WEBVTT_RESULT_OK);
     for (std::size_t at = 0; at < text.size(); at += chunk_size) {
-        support::ExactBlock chunk(text.substr(at, chunk_size));
-        try {
-            played.was_read_whole &=
-                methods.pfnParse(parser, chunk.data(), chunk.size()) == WEBVTT_RESULT_OK;
-        } catch (const std::out_of_range&) {
-            played.was_read_whole = false;
+        const support::Ending ending = parser.feed(text.substr(at, chunk_size));
+        played.was_read_whole &= ending == support::Ending::kOk;
+        for (support::CueRecord& cue : parser.take()) {
+            played.cues.push_back(std::move(cue));
         }
-        methods.pfnGetParseResult(parser);
     }
-    methods.pfnRelease(parser);
+    FUZZ_CHECK(parser.complaint().empty());
     return played;
 }
 

@@ -26,7 +26,6 @@
 
 #include "fuzz/check.h"
 #include "fuzz/hosted_parser.h"
-#include "support/failing_new.h"
 
 namespace {
 
@@ -36,7 +35,7 @@ constexpr char kEscape = '\xFF';
 
 class Script {
   public:
-    explicit Script(std::string_view script) : m_rest(script) {}
+    Script(std::string_view script, fuzz::Budget& budget) : m_rest(script), m_budget(budget) {}
 
     void run() {
         current();
@@ -104,23 +103,28 @@ class Script {
                 current().register_nothing();
                 break;
             case 'f':
-                m_memory = {take_small(), 1};
+                plan(take_small(), 1);
                 break;
             case 'F':
-                m_memory = {take_small(), fuzz::MemoryPlan::kForEver};
+                plan(take_small(), fuzz::Budget::kForEver);
                 break;
             case 'n':
-                m_memory = {};
+                plan(0, 0);
                 break;
             default:
                 break;
         }
     }
 
+    void plan(unsigned spared, unsigned times) {
+        m_budget.spared = spared;
+        m_budget.times = times;
+    }
+
     HostedParser& current() {
         std::unique_ptr<HostedParser>& parser = m_parsers[m_current];
         if (parser == nullptr) {
-            parser = std::make_unique<HostedParser>(&m_memory);
+            parser = std::make_unique<HostedParser>(m_budget);
             check_distinct(*parser);
         }
         return *parser;
@@ -163,7 +167,7 @@ class Script {
     }
 
     std::string_view m_rest;
-    fuzz::MemoryPlan m_memory;
+    fuzz::Budget& m_budget;
     std::string m_chunk;  // track bytes not yet fed
     std::array<std::unique_ptr<HostedParser>, 4> m_parsers;
     std::size_t m_current = 0;
@@ -173,8 +177,8 @@ class Script {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const long before = support::live_blocks();
-    Script({reinterpret_cast<const char*>(data), size}).run();
-    FUZZ_CHECK(support::live_blocks() == before);
+    fuzz::Budget budget;
+    Script({reinterpret_cast<const char*>(data), size}, budget).run();
+    FUZZ_CHECK(budget.memory.live_blocks() == 0);
     return 0;
 }

@@ -7,13 +7,13 @@
 #include <string_view>
 #include <vector>
 
-#include "host/support/module.h"
-#include "host/support/notation.h"
-#include "host/support/quiet.h"
 #include "host/support/tracks.h"
-#include "host/support/watched_parser.h"
+#include "support/module.h"
+#include "support/notation.h"
+#include "support/parser.h"
+#include "support/stdout_capture.h"
 
-namespace host {
+namespace support::host {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -92,13 +92,13 @@ class Series {
     /// Plays the chunks under a plan, and then a cue with all memory there.
     Outcome play() {
         Outcome outcome;
-        WatchedParser parser(m_methods, m_memory);
+        Parser parser(m_methods, m_memory);
         outcome.create_result = parser.create_result();
         outcome.handle = parser.handle();
         if (outcome.create_result == 0) {
             for (const std::string_view chunk : m_chunks) {
                 outcome.endings.push_back(parser.feed(chunk));
-                for (const support::CueRecord& cue : parser.take()) {
+                for (const CueRecord& cue : parser.take()) {
                     outcome.cues.push_back(describe(cue));
                 }
             }
@@ -116,12 +116,12 @@ class Series {
 
     /// Feeds on as a player would. The first line serves a parser that has not seen one, the blank
     /// lines end a header section or a block that was left open, and may take an error with them.
-    static std::string play_on(WatchedParser& parser) {
+    static std::string play_on(Parser& parser) {
         std::string last_text;
         parser.feed("WEBVTT\n");
         parser.feed("\n\n\n");
         parser.feed("00:00:01.000 --> 00:00:02.000\nstill here\n\n");
-        for (const support::CueRecord& cue : parser.take()) {
+        for (const CueRecord& cue : parser.take()) {
             last_text = cue.text;
         }
         return last_text;
@@ -129,12 +129,12 @@ class Series {
 
     /// Plays beside another parser, which is fed before and after and must not notice.
     Outcome play_beside_another() {
-        ModuleMemory memory;
-        WatchedParser other(m_methods, memory);
+        Memory memory;
+        Parser other(m_methods, memory);
         other.feed("WEBVTT\n\n00:01.000 --> 00:02.000\nbe");
         Outcome outcome = play();
         other.feed("side\n\n");
-        const std::vector<support::CueRecord> cues = other.take();
+        const std::vector<CueRecord> cues = other.take();
         other.release();
         if (cues.size() != 1 || cues[0].text != "beside\n" || memory.live_blocks() != 0) {
             outcome.complaint += "the parser beside it was disturbed";
@@ -183,7 +183,7 @@ class Series {
     const Chunks m_chunks;
     const bool m_is_whole;
     const bool m_may_throw;
-    ModuleMemory m_memory;
+    Memory m_memory;
     Outcome m_untouched;
     unsigned m_allocations = 0;  // of the last run, before all memory was there again
     unsigned m_failures = 0;
@@ -236,4 +236,4 @@ std::string test_name(const testing::TestParamInfo<std::string>& info) {
 INSTANTIATE_TEST_SUITE_P(Of, AllocationFailure, testing::ValuesIn(sample_names()), test_name);
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

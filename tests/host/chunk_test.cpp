@@ -9,13 +9,13 @@
 #include <string_view>
 #include <vector>
 
-#include "host/support/module.h"
-#include "host/support/notation.h"
-#include "host/support/parser.h"
-#include "host/support/quiet.h"
 #include "host/support/tracks.h"
+#include "support/module.h"
+#include "support/notation.h"
+#include "support/parser.h"
+#include "support/stdout_capture.h"
 
-namespace host {
+namespace support::host {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -26,7 +26,7 @@ const unsigned kDefaultPlans = 100;
 /// What a host has of a track in the end.
 struct Playback {
     Lines cues;
-    std::vector<int> results;  // of each chunk; -1 when it threw
+    std::vector<Ending> endings;  // of each chunk
 };
 
 /// Feeds a track's chunks and takes the cues after each, as a player does.
@@ -35,12 +35,8 @@ Playback play(const Methods& methods, const Chunks& chunks) {
     Parser parser(methods);
     Playback playback;
     const auto feed = [&](std::string_view chunk) {
-        try {
-            playback.results.push_back(parser.feed(chunk));
-        } catch (const std::out_of_range&) {
-            playback.results.push_back(-1);
-        }
-        for (const support::CueRecord& cue : parser.take()) {
+        playback.endings.push_back(parser.feed(chunk));
+        for (const CueRecord& cue : parser.take()) {
             playback.cues.push_back(describe(cue));
         }
     };
@@ -48,19 +44,20 @@ Playback play(const Methods& methods, const Chunks& chunks) {
         feed(chunk);
     }
     feed("\n\n\n");  // whatever the track ends in, its last cue is complete now
+    EXPECT_EQ(parser.complaint(), "");
     return playback;
 }
 
-/// 1 for every chunk that ends inside the header section, 0 for the later ones.
-std::vector<int> expected_results(std::string_view track, const Chunks& chunks) {
-    std::vector<int> results;
+/// As chunks end inside the header section, and later.
+std::vector<Ending> expected_endings(std::string_view track, const Chunks& chunks) {
+    std::vector<Ending> endings;
     std::size_t fed = 0;
     for (const std::string_view chunk : chunks) {
         fed += chunk.size();
-        results.push_back(fed < header_size(track) ? 1 : 0);
+        endings.push_back(fed < header_size(track) ? Ending::kHeader : Ending::kOk);
     }
-    results.push_back(0);  // what play() adds
-    return results;
+    endings.push_back(Ending::kOk);  // what play() adds
+    return endings;
 }
 
 /// A random plan: a first chunk of at least the size given, then chunks of a size that suits it.
@@ -96,7 +93,7 @@ class Borders : public testing::TestWithParam<Sample> {
     void expect_same(std::string_view bytes, const Chunks& chunks, const std::string& plan) {
         const Playback cut = play(m_module.methods(), chunks);
         ASSERT_EQ(cut.cues, whole) << plan;
-        ASSERT_EQ(cut.results, expected_results(bytes, chunks)) << plan;
+        ASSERT_EQ(cut.endings, expected_endings(bytes, chunks)) << plan;
     }
 
     const Module m_module;
@@ -218,4 +215,4 @@ TEST_F(Damage, AMapInManyPiecesIsLost) {
 }
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

@@ -4,13 +4,11 @@
 
 #include <cstdint>
 
-#include "host/support/module.h"
 #include "support/cue_record.h"
+#include "support/module.h"
 
-namespace host {
+namespace support::host {
 namespace {
-
-using support::value_at;
 
 TEST(Descriptor, HasTheFourWordsThatALoaderReads) {
     const Module module;
@@ -59,4 +57,4 @@ TEST(Symbols, OfTheStandardLibraryAreTheHosts) {
 }
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

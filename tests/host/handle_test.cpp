@@ -9,16 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "host/support/module.h"
-#include "host/support/parser.h"
 #include "support/diagnostic_lines.h"
+#include "support/module.h"
+#include "support/parser.h"
 #include "support/stdout_capture.h"
 
-namespace host {
+namespace support::host {
 namespace {
-
-using support::handle_line;
-using support::output_of;
 
 const std::string kTrack = "WEBVTT\n\n00:01.000 --> 00:02.000\nHi\n\n";
 
@@ -120,13 +117,13 @@ TEST_F(Handles, ParsersDoNotShareAnything) {
     Parser late(call);
     call.set_video_time(late.handle(), 90000);
     output_of([&] {
-        EXPECT_EQ(early.feed("WEBVTT\n\n00:01.000 --> 00:02.000\nea"), 0);
-        EXPECT_EQ(late.feed("WEBVTT\n\n00:03.000 --> 00:04.000\nla"), 0);
-        EXPECT_EQ(early.feed("rly\n\n"), 0);
-        EXPECT_EQ(late.feed("te\n\n"), 0);
+        EXPECT_EQ(early.feed("WEBVTT\n\n00:01.000 --> 00:02.000\nea"), Ending::kOk);
+        EXPECT_EQ(late.feed("WEBVTT\n\n00:03.000 --> 00:04.000\nla"), Ending::kOk);
+        EXPECT_EQ(early.feed("rly\n\n"), Ending::kOk);
+        EXPECT_EQ(late.feed("te\n\n"), Ending::kOk);
     });
-    const std::vector<support::CueRecord> first = early.take();
-    const std::vector<support::CueRecord> second = late.take();
+    const std::vector<CueRecord> first = early.take();
+    const std::vector<CueRecord> second = late.take();
     ASSERT_EQ(first.size(), 1u);
     ASSERT_EQ(second.size(), 1u);
     EXPECT_EQ(first[0].text, "early\n");
@@ -172,4 +169,4 @@ TEST_F(Handles, AFailedCreateMakesNothing) {
 }
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

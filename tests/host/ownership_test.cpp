@@ -4,32 +4,31 @@
 #include <string>
 #include <vector>
 
-#include "host/support/module.h"
-#include "host/support/quiet.h"
 #include "host/support/tracks.h"
-#include "host/support/watched_parser.h"
+#include "support/module.h"
+#include "support/parser.h"
 #include "support/stdout_capture.h"
 
-namespace host {
+namespace support::host {
 namespace {
 
 const std::string kCue = "00:01.000 --> 00:02.000\nHello <b>world</b>, and goodbye\n\n";
 
 class Ownership : public testing::Test {
   protected:
-    static Ending feed(WatchedParser& parser, const std::string& chunk) {
+    static Ending feed(Parser& parser, const std::string& chunk) {
         const Quiet quiet;
         return parser.feed(chunk);
     }
 
     const Module m_module;
     const Methods& call = m_module.methods();
-    ModuleMemory memory;
+    Memory memory;
 };
 
 // The other tests here would say nothing if the module had an operator new of its own.
 TEST_F(Ownership, TheModulesMemoryIsWatched) {
-    WatchedParser parser(call, memory);
+    Parser parser(call, memory);
     EXPECT_GT(memory.live_blocks(), 0);
     const unsigned before = memory.allocations();
     feed(parser, "WEBVTT\n\n" + kCue);
@@ -39,7 +38,7 @@ TEST_F(Ownership, TheModulesMemoryIsWatched) {
 }
 
 TEST_F(Ownership, DeliveredRecordsAreFreedWithTheDelivery) {
-    WatchedParser parser(call, memory);
+    Parser parser(call, memory);
     feed(parser, "WEBVTT\n\n" + kCue);
     parser.take();
     const long before = memory.live_blocks();
@@ -51,7 +50,7 @@ TEST_F(Ownership, DeliveredRecordsAreFreedWithTheDelivery) {
 }
 
 TEST_F(Ownership, UndeliveredRecordsAreFreedWithTheParser) {
-    WatchedParser parser(call, memory);
+    Parser parser(call, memory);
     feed(parser, "WEBVTT\n\n" + kCue);
     const long before = memory.live_blocks();
     for (int i = 0; i < 1000; ++i) {
@@ -63,7 +62,7 @@ TEST_F(Ownership, UndeliveredRecordsAreFreedWithTheParser) {
 }
 
 TEST_F(Ownership, UndeliveredRecordsAreFreedBehindADeliveryToo) {
-    WatchedParser parser(call, memory);
+    Parser parser(call, memory);
     feed(parser, "WEBVTT\n\n" + kCue);
     EXPECT_EQ(parser.take().size(), 1u);
     feed(parser, kCue + kCue);
@@ -72,7 +71,7 @@ TEST_F(Ownership, UndeliveredRecordsAreFreedBehindADeliveryToo) {
 }
 
 TEST_F(Ownership, BlocksThatFailLeaveNothing) {
-    WatchedParser parser(call, memory);
+    Parser parser(call, memory);
     feed(parser, "WEBVTT\n\n" + kCue);
     parser.take();
     const long before = memory.live_blocks();
@@ -96,7 +95,7 @@ TEST_F(Ownership, BlocksThatFailLeaveNothing) {
 }
 
 TEST_F(Ownership, HeadersAreFreedWithTheParserAlsoThoseThatThrew) {
-    WatchedParser parser(call, memory);
+    Parser parser(call, memory);
     EXPECT_EQ(feed(parser, "WEBVTT\nRegion: id=a-region-with-a-long-name width=40%\n"),
               Ending::kHeader);
     for (int i = 0; i < 20; ++i) {
@@ -107,7 +106,7 @@ TEST_F(Ownership, HeadersAreFreedWithTheParserAlsoThoseThatThrew) {
     }
     // The current map is one that threw. If it were freed, this would read freed memory.
     EXPECT_EQ(feed(parser, "\n" + kCue), Ending::kOk);
-    const std::vector<support::CueRecord> cues = parser.take();
+    const std::vector<CueRecord> cues = parser.take();
     ASSERT_EQ(cues.size(), 1u);
     EXPECT_EQ(cues[0].start, 1.0);
     parser.release();
@@ -119,7 +118,7 @@ TEST_F(Ownership, AParserMayBeReleasedAtAnyByte) {
     for (const std::string& name : sample_names()) {
         const std::string track = sample(name);
         for (std::size_t size = 1; size < track.size(); size += step) {
-            WatchedParser parser(call, memory);
+            Parser parser(call, memory);
             feed(parser, track.substr(0, size));
             parser.release();
             ASSERT_EQ(memory.live_blocks(), 0) << name << " up to byte " << size;
@@ -137,7 +136,7 @@ class LongTexts : public testing::Test {
     Ending feed(const std::string& chunk) {
         memory.fail_from_size(100000);
         Ending ending = Ending::kUndocumented;
-        printed = support::output_of([&] { ending = parser.feed(chunk); });
+        printed = output_of([&] { ending = parser.feed(chunk); });
         failures = memory.failures();
         memory.fail_nothing();
         return ending;
@@ -145,14 +144,14 @@ class LongTexts : public testing::Test {
 
     void feed_well(const std::string& chunk, Ending ending) {
         Ending got = Ending::kUndocumented;
-        support::output_of([&] { got = parser.feed(chunk); });
+        output_of([&] { got = parser.feed(chunk); });
         EXPECT_EQ(got, ending);
     }
 
     /// The text of the only cue that a chunk completes.
     std::string text_of(const std::string& chunk) {
         feed_well(chunk, Ending::kOk);
-        const std::vector<support::CueRecord> cues = parser.take();
+        const std::vector<CueRecord> cues = parser.take();
         EXPECT_EQ(cues.size(), 1u);
         return cues.size() == 1 ? cues[0].text : "";
     }
@@ -164,8 +163,8 @@ class LongTexts : public testing::Test {
     }
 
     const Module m_module;
-    ModuleMemory memory;
-    WatchedParser parser{m_module.methods(), memory};
+    Memory memory;
+    Parser parser{m_module.methods(), memory};
     std::string printed;
     unsigned failures = 0;
 };
@@ -207,11 +206,11 @@ TEST_F(LongTexts, ATextThatCannotBeCopiedLosesItsCue) {
     const Ending ending = feed("00:01.000 --> 00:02.000\n" + kHalf + kHalf + "\n\n");
     EXPECT_TRUE(ending == Ending::kError || ending == Ending::kBadAlloc);
     feed_well("00:03.000 --> 00:04.000\nlast\n\n", Ending::kOk);
-    const std::vector<support::CueRecord> cues = parser.take();
+    const std::vector<CueRecord> cues = parser.take();
     ASSERT_EQ(cues.size(), 2u);
     EXPECT_EQ(cues[0].text, "first\n");
     EXPECT_EQ(cues[1].text, "last\n");
 }
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "host/support/module.h"
-#include "host/support/quiet.h"
 #include "support/cue_record.h"
+#include "support/module.h"
+#include "support/stdout_capture.h"
 
-namespace host {
+namespace support::host {
 namespace {
 
 /// 32 KB; on MIPS and PowerPC 128 KB, for no thread may have less there.
@@ -90,10 +90,10 @@ struct Job {
 void on_event(int /*event*/, void* tag, void* info) {
     Job& job = *static_cast<Job*>(tag);
     ++job.deliveries;
-    for (auto* record = support::value_at<const char*>(info, 0); record != nullptr;
-         record = support::value_at<const char*>(record, 44)) {
+    for (auto* record = value_at<const char*>(info, 0); record != nullptr;
+         record = value_at<const char*>(record, 44)) {
         ++job.cues;
-        job.length = std::strlen(support::value_at<const char*>(record, 24));
+        job.length = std::strlen(value_at<const char*>(record, 24));
     }
 }
 
@@ -146,4 +146,4 @@ std::string test_name(const testing::TestParamInfo<Shape>& info) {
 INSTANTIATE_TEST_SUITE_P(With, SmallStack, testing::ValuesIn(kShapes), test_name);
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

@@ -5,7 +5,7 @@
 
 #include "host/support/transcript.h"
 
-namespace host {
+namespace support::host {
 
 // What the framework prints for a failing case.
 void PrintTo(const Case& one, std::ostream* out) {
@@ -46,4 +46,4 @@ TEST(TranscriptFiles, HoldCasesThatExpectSomething) {
 }
 
 }  // namespace
-}  // namespace host
+}  // namespace support::host

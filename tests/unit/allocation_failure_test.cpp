@@ -12,7 +12,7 @@
 #include "parser/block_buffer.h"
 #include "parser/record_arena.h"
 #include "parser_fixture.h"
-#include "support/failing_new.h"
+#include "support/memory.h"
 
 namespace webvtt {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "parser/webvtt_parser.h"
 #include "support/exact_block.h"
-#include "support/failing_new.h"
+#include "support/memory.h"
 #include "support/stdout_capture.h"
 
 namespace webvtt {

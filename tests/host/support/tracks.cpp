@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iterator>
 
-namespace host {
+namespace support::host {
 
 std::string sample(const std::string& name) {
     std::ifstream file(std::string(QUILLCAPTION_SAMPLES) + "/" + name, std::ios::binary);
@@ -77,4 +77,4 @@ std::vector<std::string_view> blocks_of(std::string_view track) {
     return blocks;
 }
 
-}  // namespace host
+}  // namespace support::host

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace host {
+namespace support::host {
 
 /// The bytes of a sample track. Ends the program when there is no such file.
 std::string sample(const std::string& name);
@@ -29,4 +29,4 @@ std::vector<std::string_view> chunks_of(std::string_view track, std::size_t size
 /// A track of line feeds cut behind each blank line: a header section, then a block each.
 std::vector<std::string_view> blocks_of(std::string_view track);
 
-}  // namespace host
+}  // namespace support::host

@@ -8,7 +8,7 @@
 
 #include "host/support/transcript_player.h"
 
-namespace host {
+namespace support::host {
 namespace {
 
 /// Whether a line belongs to the call above it: the rest of its bytes, or what is expected of it.
@@ -77,4 +77,4 @@ std::string play(const Methods& methods, const Case& wanted) {
     return text;
 }
 
-}  // namespace host
+}  // namespace support::host

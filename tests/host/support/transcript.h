@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "host/support/module.h"
+#include "support/module.h"
 
-namespace host {
+namespace support::host {
 
 /// One case of a transcript file.
 struct Case {
@@ -23,4 +23,4 @@ std::vector<Case> read_cases(const std::string& folder);
 /// Makes the calls of a case with one parser. Returns the case's text as it should have been.
 std::string play(const Methods& methods, const Case& wanted);
 
-}  // namespace host
+}  // namespace support::host

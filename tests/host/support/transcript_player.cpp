@@ -6,11 +6,11 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "host/support/notation.h"
 #include "support/exact_block.h"
+#include "support/notation.h"
 #include "support/stdout_capture.h"
 
-namespace host {
+namespace support::host {
 namespace {
 
 const std::string kErrorPrefix = "[WEBVTT] ERR:: ";
@@ -90,7 +90,7 @@ std::string TranscriptPlayer::call(const std::string& text) {
 
 /// What a call of parse prints, and how it ends.
 std::string TranscriptPlayer::parse(const void* data, unsigned size) {
-    support::StdoutCapture capture;
+    StdoutCapture capture;
     std::string ending;
     try {
         ending = "  = " + std::to_string(m_methods.parse(m_handle, data, size)) + "\n";
@@ -105,7 +105,7 @@ std::string TranscriptPlayer::parse(const void* data, unsigned size) {
 }
 
 std::string TranscriptPlayer::feed_bytes(const std::string& bytes) {
-    support::ExactBlock block(bytes);
+    ExactBlock block(bytes);
     return parse(block.data(), block.size());
 }
 
@@ -118,7 +118,7 @@ std::string TranscriptPlayer::feed_null(const std::string& size) {
 }
 
 std::string TranscriptPlayer::feed_empty(const std::string& /*none*/) {
-    support::ExactBlock block("not read");
+    ExactBlock block("not read");
     return parse(block.data(), 0);
 }
 
@@ -154,23 +154,22 @@ std::string TranscriptPlayer::show_exact_payload(const std::string& quoted) {
 
 std::string TranscriptPlayer::take(const std::string& /*none*/) {
     m_delivered.clear();
-    const std::string printed = support::output_of([this] { m_methods.get_result(m_handle); });
+    const std::string printed = output_of([this] { m_methods.get_result(m_handle); });
     return printed_lines(printed) +
            (m_delivered.empty() ? "  the callback was not called\n" : m_delivered);
 }
 
 std::string TranscriptPlayer::set_video_time(const std::string& ticks) {
-    return printed_lines(
-        support::output_of([&] { m_methods.set_video_time(m_handle, count_of(ticks)); }));
+    return printed_lines(output_of([&] { m_methods.set_video_time(m_handle, count_of(ticks)); }));
 }
 
 std::string TranscriptPlayer::register_tag(const std::string& tag) {
-    return printed_lines(support::output_of([&] { register_callback(count_of(tag)); }));
+    return printed_lines(output_of([&] { register_callback(count_of(tag)); }));
 }
 
 std::string TranscriptPlayer::register_null(const std::string& tag) {
-    return printed_lines(support::output_of(
-        [&] { m_methods.set_callback(m_handle, &m_tags.at(count_of(tag)), nullptr); }));
+    return printed_lines(
+        output_of([&] { m_methods.set_callback(m_handle, &m_tags.at(count_of(tag)), nullptr); }));
 }
 
 void TranscriptPlayer::register_callback(std::size_t tag) {
@@ -181,17 +180,17 @@ void TranscriptPlayer::on_event(int event, void* tag, void* info) {
     const Tag* const place = static_cast<Tag*>(tag);
     TranscriptPlayer& player = *place->player;
     const auto number = static_cast<std::size_t>(place - player.m_tags.data());
-    player.write_event(event, number, support::Delivery(info));
+    player.write_event(event, number, Delivery(info));
 }
 
-void TranscriptPlayer::write_event(int event, std::size_t tag, const support::Delivery& delivery) {
+void TranscriptPlayer::write_event(int event, std::size_t tag, const Delivery& delivery) {
     if (!m_delivered.empty()) {
         m_delivered += "  the callback was called again\n";
     }
     if (tag != 0) {
         m_delivered += "  tag " + std::to_string(tag) + "\n";
     }
-    for (const support::CueRecord& cue : delivery.cues) {
+    for (const CueRecord& cue : delivery.cues) {
         m_delivered += "  " + describe(cue) + "\n";
     }
     if (delivery.cues.empty()) {
@@ -204,4 +203,4 @@ void TranscriptPlayer::write_event(int event, std::size_t tag, const support::De
     }
 }
 
-}  // namespace host
+}  // namespace support::host

@@ -4,10 +4,10 @@
 #include <array>
 #include <string>
 
-#include "host/support/module.h"
 #include "support/cue_record.h"
+#include "support/module.h"
 
-namespace host {
+namespace support::host {
 
 /// One parser, and what came of each call, in the notation of transcripts.
 class TranscriptPlayer {
@@ -41,7 +41,7 @@ class TranscriptPlayer {
     std::string show_bytes(const std::string& bytes);
     void register_callback(std::size_t tag);
     static void on_event(int event, void* tag, void* info);
-    void write_event(int event, std::size_t tag, const support::Delivery& delivery);
+    void write_event(int event, std::size_t tag, const Delivery& delivery);
 
     /// What the callback's tag points at.
     struct Tag {
@@ -54,4 +54,4 @@ class TranscriptPlayer {
     std::string m_delivered;
 };
 
-}  // namespace host
+}  // namespace support::host

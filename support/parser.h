@@ -1,15 +1,15 @@
-// A parser whose memory is watched, for tests of ownership and of allocations that fail.
+// One parser of the module, driven with care.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "host/support/module.h"
-#include "host/support/module_memory.h"
 #include "support/cue_record.h"
+#include "support/memory.h"
+#include "support/module.h"
 
-namespace host {
+namespace support {
 
 /// How a call of parse ended: its result, or what it threw.
 enum class Ending {
@@ -21,14 +21,14 @@ enum class Ending {
     kUndocumented,  // any other result or exception
 };
 
-/// All calls are made under the memory given, which must outlive the parser.
-class WatchedParser {
+/// All calls are made under the memory given, which must outlive the parser, as must the module.
+class Parser {
   public:
     /// Creates a parser and registers a callback.
-    WatchedParser(const Methods& methods, ModuleMemory& memory);
-    WatchedParser(const WatchedParser&) = delete;
-    WatchedParser& operator=(const WatchedParser&) = delete;
-    ~WatchedParser() { release(); }
+    explicit Parser(const Methods& methods, Memory& memory = Memory::of_program());
+    Parser(const Parser&) = delete;
+    Parser& operator=(const Parser&) = delete;
+    ~Parser() { release(); }
 
     /// Create's result and handle; there is no parser when memory ran out.
     int create_result() const { return m_create_result; }
@@ -38,7 +38,7 @@ class WatchedParser {
     Ending feed(std::string_view chunk);
 
     /// The cues completed since the last time. Notes in complaint() what is wrong with them.
-    std::vector<support::CueRecord> take();
+    std::vector<CueRecord> take();
 
     void release();
 
@@ -47,16 +47,15 @@ class WatchedParser {
 
   private:
     static void on_event(int event, void* tag, void* info);
-    void check(const support::CueRecord& cue);
     void complain(const std::string& text) { m_complaint += text + "; "; }
 
     const Methods m_methods;
-    ModuleMemory& m_memory;
+    Memory& m_memory;
     int m_create_result;
     Handle m_handle = 0xFFFFFFFF;
-    std::vector<support::CueRecord> m_cues;
+    std::vector<CueRecord> m_cues;
     unsigned m_events = 0;
     std::string m_complaint;
 };
 
-}  // namespace host
+}  // namespace support

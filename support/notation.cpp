@@ -1,9 +1,9 @@
-#include "host/support/notation.h"
+#include "support/notation.h"
 
 #include <charconv>
 #include <cstdio>
 
-namespace host {
+namespace support {
 namespace {
 
 constexpr char kEscapes[][2] = {{'\n', 'n'}, {'\r', 'r'}, {'\t', 't'}, {'\\', '\\'}, {'"', '"'}};
@@ -90,7 +90,7 @@ std::string number(double value) {
     return {digits, std::to_chars(digits, digits + sizeof(digits), value).ptr};
 }
 
-std::string describe(const support::CueRecord& cue) {
+std::string describe(const CueRecord& cue) {
     std::string line = "cue " + number(cue.start) + " " + number(cue.end) + " ";
     line += cue.has_text ? quote(cue.text) : "no text";
     append_unless(100, "line", cue.line, line);
@@ -104,4 +104,4 @@ std::string describe(const support::CueRecord& cue) {
     return line;
 }
 
-}  // namespace host
+}  // namespace support

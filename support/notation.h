@@ -6,7 +6,7 @@
 
 #include "support/cue_record.h"
 
-namespace host {
+namespace support {
 
 /// Bytes with everything but printable ASCII escaped: \n \r \t \\ \xNN, and a trailing space.
 std::string escape(std::string_view bytes);
@@ -22,6 +22,6 @@ std::string number(double value);
 
 /// A record in one line: start, end, text, and every field that is not as a cue without settings
 /// has it.
-std::string describe(const support::CueRecord& cue);
+std::string describe(const CueRecord& cue);
 
-}  // namespace host
+}  // namespace support

@@ -1,21 +1,24 @@
-#include "host/support/module.h"
+#include "support/module.h"
 
 #include <dlfcn.h>
 
 #include <cstdio>
 #include <cstdlib>
 
-#include "support/cue_record.h"
+#include "support/value_at.h"
 
-namespace host {
-namespace {
+namespace support {
 
-template <typename Function>
-Function function_at(const void* table, std::size_t offset) {
-    return support::value_at<Function>(table, offset);
+Methods methods_at(const void* table) {
+    Methods methods;
+    methods.create = value_at<decltype(methods.create)>(table, 0);
+    methods.release = value_at<decltype(methods.release)>(table, 4);
+    methods.parse = value_at<decltype(methods.parse)>(table, 8);
+    methods.set_callback = value_at<decltype(methods.set_callback)>(table, 12);
+    methods.get_result = value_at<decltype(methods.get_result)>(table, 16);
+    methods.set_video_time = value_at<decltype(methods.set_video_time)>(table, 20);
+    return methods;
 }
-
-}  // namespace
 
 std::string module_path() {
     const char* const path = std::getenv("QUILLCAPTION_MODULE");
@@ -28,13 +31,7 @@ Module::Module() : m_library(dlopen(module_path().c_str(), RTLD_NOW | RTLD_LOCAL
         std::fprintf(stderr, "cannot load the module: %s\n", dlerror());
         std::abort();
     }
-    const void* const table = support::value_at<const void*>(m_descriptor, 8);
-    m_methods.create = function_at<decltype(m_methods.create)>(table, 0);
-    m_methods.release = function_at<decltype(m_methods.release)>(table, 4);
-    m_methods.parse = function_at<decltype(m_methods.parse)>(table, 8);
-    m_methods.set_callback = function_at<decltype(m_methods.set_callback)>(table, 12);
-    m_methods.get_result = function_at<decltype(m_methods.get_result)>(table, 16);
-    m_methods.set_video_time = function_at<decltype(m_methods.set_video_time)>(table, 20);
+    m_methods = methods_at(value_at<const void*>(m_descriptor, 8));
 }
 
 Module::~Module() {
@@ -50,4 +47,4 @@ unsigned number_from_environment(const char* name, unsigned otherwise) {
     return value != nullptr ? static_cast<unsigned>(std::strtoul(value, nullptr, 10)) : otherwise;
 }
 
-}  // namespace host
+}  // namespace support

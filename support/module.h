@@ -6,7 +6,7 @@
 
 #include <string>
 
-namespace host {
+namespace support {
 
 using Handle = unsigned int;
 using Notify = void (*)(int event, void* tag, void* info);
@@ -20,6 +20,9 @@ struct Methods {
     void (*get_result)(Handle handle);
     void (*set_video_time)(Handle handle, unsigned long ticks);
 };
+
+/// Reads the functions from their table.
+Methods methods_at(const void* table);
 
 /// The file under test: $QUILLCAPTION_MODULE if that is set, else the module of this build.
 std::string module_path();
@@ -48,4 +51,4 @@ class Module {
 /// An environment variable that is a number, or what to take when it is not set.
 unsigned number_from_environment(const char* name, unsigned otherwise);
 
-}  // namespace host
+}  // namespace support
