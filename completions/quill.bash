@@ -5,7 +5,7 @@ _quill_subcommands='check conform cues inspect'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
-    [check]='--help --files-from --format --chunk --fail-on --codes --module --quiet'
+    [check]='--help --files-from --format --chunk --fail-on --codes --all --sums --module --quiet'
     [conform]='--help --list --only --failed-only --cases --timeout --format'
     [cues]='--help --format --chunk --pts --module --quiet'
     [inspect]='--help --format'

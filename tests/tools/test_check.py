@@ -113,12 +113,14 @@ class Check(QuillTest):
     def check_all(self, tracks, *arguments):
         """The same for many tracks in one run."""
         paths = [self.file(f"{number}.vtt", track) for number, track in enumerate(tracks)]
-        text = self.quill("check", "--quiet", *arguments, *paths).out.decode()
+        text = self.quill("check", "--quiet", "--all", *arguments, *paths).out.decode()
         result = self.quill("check", "--format", "json", *arguments, *paths)
         self.assertEqual(result.err, b"")
         found = {path: [] for path in paths}
         sums = {}
         for line in map(json.loads, result.out.splitlines()):
+            if "total" in line:
+                continue
             if "sums" in line:
                 sums[line["track"]] = line["sums"]
             else:
@@ -293,14 +295,6 @@ class Check(QuillTest):
         self.assertEqual([line.split(":")[0] for line in expected], ["8", "12"])
         for line_end in (b"\r\n", b"\r"):
             self.assertEqual(self.check(track.replace(b"\n", line_end))[0], expected)
-
-    def test_sums_in_text(self):
-        result = self.quill("check", self.file("track.vtt", b"WEBVTT\n" + GOOD + b"\nalone\n\n"))
-        sums = b"".join(result.out.partition(b": 1 cue ")[1:])
-        self.assertEqual(sums.decode().splitlines(), [
-            ": 1 cue delivered, 1 lost, 0 changed, 0 remarks", "  lost: 1 by Q106",
-            "  header lines: 0 used, 0 ignored; comments: 0",
-            "  bytes: 62 = 7 signature + 3 blank lines + 46 delivered + 6 lost"])
 
     def test_a_module_that_delivers_nothing(self):
         result = self.quill("check", "--module", fixture("scripted"),

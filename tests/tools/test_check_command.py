@@ -49,7 +49,8 @@ class Command(QuillTest):
         self.assertEqual(result.code, 2)
         self.assertEqual(self.messages(result), [missing + ": No such file or directory"])
         self.assertIn(lost.encode() + b":4: lost: ", result.out)
-        self.assertIn(self.track.encode() + b": 1 cue delivered", result.out)
+        self.assertIn(b"total: 2 tracks, 1 with findings, 1 could not be checked: 1 cue delivered",
+                      result.out)
 
     def test_standard_input(self):
         result = self.quill("check", "-", stdin=LOST)
@@ -64,7 +65,7 @@ class Command(QuillTest):
         read, write = os.pipe()
         os.close(read)
         with os.fdopen(write, "wb") as pipe:
-            result = self.quill("check", self.track, stdout=pipe)
+            result = self.quill("check", self.file("lost.vtt", LOST), stdout=pipe)
         self.assertEqual(result.code, 2)
         self.assertEqual(self.messages(result),
                          ["standard output was closed; the rest was not checked"])
@@ -125,7 +126,7 @@ class Terminal(QuillTest):
 
     def slow_run(self, *arguments, **how):
         """A track that takes more than a second to arrive."""
-        process = self.start("check", *arguments, "-", **how)
+        process = self.start("check", "--sums", *arguments, "-", **how)
         process.stdin.write(GOOD[:10])
         time.sleep(1.3)
         process.stdin.write(GOOD[10:])

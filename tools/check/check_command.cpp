@@ -5,19 +5,19 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdlib>
+#include <memory>
+#include <string_view>
 
 #include "tools/check/codes.h"
-#include "tools/check/track_check.h"
 #include "tools/console/arguments.h"
 #include "tools/console/message.h"
 #include "tools/console/progress.h"
-#include "tools/host/track_reader.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
 
 namespace quill::check {
 namespace {
 
-// Two copies of a track must fit into the memory of a 32-bit program.
-constexpr std::uint32_t kLargestTrack = 256u << 20;
 // Between two lines of progress.
 constexpr std::chrono::milliseconds kProgressPause(200);
 
@@ -28,12 +28,13 @@ Severities:
            shares a chunk with something else (Q2..)
   changed  it arrives, but not as it was written (Q3..)
   remark   it arrives, and is worth a look (Q4..)
-The sums follow; every byte of the track is counted in exactly one class. In json every line is
-an object of its own, and those with "sums" end a track.
+Of one code the first three are shown, and those that a chunk takes with it as one; --all shows
+each. The sums follow, and for several tracks their total. A track without a finding prints
+nothing. In json every line is an object, no finding is left out, and "sums" ends each track.
 
 Examples:
   quill check track.vtt
-  quill check --chunk 65536 --fail-on changed track.vtt
+  quill check --chunk 1460 --fail-on changed track.vtt
   quill check --format json track.vtt
   some-stream | quill check -
   quill check --codes
@@ -61,23 +62,6 @@ bool WantsColour() {
     return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || *no_colour == '\0');
 }
 
-std::string ReadAll(host::TrackReader& reader, console::Progress& progress) {
-    std::string bytes;
-    while (const std::optional<host::Chunk> chunk = reader.Next()) {
-        if (reader.offset() > kLargestTrack) {
-            throw console::Failure(console::kExitUsage,
-                                   reader.name() + ": a track may have up to " +
-                                       std::to_string(kLargestTrack) + " bytes");
-        }
-        bytes.append(chunk->data.get(), chunk->size);
-        if (progress.IsDue()) {
-            progress.Show(reader.name() + ": " + std::to_string(reader.offset() >> 10) +
-                          " KiB read");
-        }
-    }
-    return bytes;
-}
-
 }  // namespace
 
 CheckCommand::CheckCommand(CLI::App& app)
@@ -91,13 +75,17 @@ CheckCommand::CheckCommand(CLI::App& app)
             chunk_size_ = console::ParseWholeNumber("--chunk", "a whole number of bytes", text, 1,
                                                     kLargestTrack);
         },
-        "Play the track in chunks of this size (default: all of\n"
-        "it in one); the first one always holds the first line");
+        "Play the track in chunks of this size (default: 65536, as\n"
+        "quill cues does); the first one always holds the first line");
     line.AddOption(
         "--fail-on", "LEVEL", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
         "What ends in exit code 1: lost (default), changed (or\n"
         "lost), remark (any finding), or never");
     line.AddFlag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
+    line.AddFlag("--all", all_, "Print every finding, however many there are of one code");
+    line.AddFlag("--sums", in_full_,
+                 "Print the sums of every track, also of one without a\n"
+                 "finding, and what each of its bytes is part of");
     line.AddFlag("--quiet", quiet_, "Print no sums, and show no progress");
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
@@ -108,16 +96,19 @@ bool CheckCommand::IsChosen() const {
 }
 
 console::ExitCode CheckCommand::Run(console::Output& output) {
-    const std::unique_ptr<Report> report = MakeReport(output);
+    const std::unique_ptr<Report> report =
+        in_json_ ? MakeJsonReport() : MakeTextReport(WantsColour());
     if (only_codes_) {
-        return PrintCodes(*report);
+        std::for_each(Codes(), Codes() + CodeCount(),
+                      [&](const Code& code) { output.Write(report->Format(code)); });
+        return console::kExitDone;
     }
     if (!tracks_.AreGiven()) {
         throw console::Failure(console::kExitUsage,
                                "check: TRACK or --files-from is required (--help says more)");
     }
     try {
-        return CheckTracks(*report);
+        return CheckTracks(Options(*report), output);
     } catch (const console::OutputError& error) {
         if (!error.closed()) {
             throw;
@@ -129,56 +120,45 @@ console::ExitCode CheckCommand::Run(console::Output& output) {
     }
 }
 
-std::unique_ptr<Report> CheckCommand::MakeReport(console::Output& output) const {
-    return in_json_ ? MakeJsonReport(output) : MakeTextReport(output, WantsColour());
-}
-
-console::ExitCode CheckCommand::PrintCodes(Report& report) const {
-    std::for_each(Codes(), Codes() + CodeCount(), [&](const Code& code) { report.AddCode(code); });
-    report.Flush();
-    return console::kExitDone;
+CheckOptions CheckCommand::Options(const Report& report) const {
+    const SumsWanted sums = quiet_     ? SumsWanted::kNone
+                            : in_full_ ? SumsWanted::kInFull
+                                       : SumsWanted::kOfFindings;
+    return {{&report, report.Folds() && !all_, sums}, chunk_size_};
 }
 
 // A track that cannot be read does not keep the others from being checked.
-console::ExitCode CheckCommand::CheckTracks(Report& report) const {
+console::ExitCode CheckCommand::CheckTracks(const CheckOptions& options,
+                                            console::Output& output) const {
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
     host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
     const host::ModuleHandle module(path);
-    console::ExitCode code = console::kExitDone;
+    TrackChecker checker(module, capture, options);
     console::TrackList tracks(tracks_);
-    for (;;) {
+    Total total;
+    console::ExitCode code = console::kExitDone;
+    for (bool more = true; more;) {
         try {
             const std::optional<std::string> track = tracks.Next();
-            if (!track) {
-                return code;
-            }
-            if (Fails(Check(module, capture, *track, report)) && code == console::kExitDone) {
-                code = console::kExitTrack;
+            more = track.has_value();
+            if (more) {
+                console::Progress progress(!quiet_, kProgressPause);
+                const Sums sums = checker.Check(
+                    *track, [&](std::string_view bytes) { output.Write(bytes); }, progress);
+                total.Add(sums);
             }
         } catch (const console::OutputError&) {
             throw;
         } catch (const console::Failure& failure) {
             console::Say(failure.what());
             code = std::max(code, failure.code());
+            ++total.failed;
         }
     }
-}
-
-Sums CheckCommand::Check(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-                         const std::string& track, Report& report) const {
-    console::Progress progress(!quiet_, kProgressPause);
-    host::TrackReader reader(track, std::nullopt);
-    const std::string bytes = ReadAll(reader, progress);
-    TrackReport track_report(reader.name(), report, progress);
-    TrackCheck check(module, capture, bytes, chunk_size_, track_report);
-    check.Run(static_cast<std::size_t>(reader.offset()));
-    progress.Wipe();
-    if (quiet_) {
-        report.Flush();
-    } else {
-        report.AddSums(reader.name(), track_report.sums());
+    if (!quiet_ && total.tracks + total.failed > 1) {
+        output.Write(options.printing.report->Format(total, in_full_));
     }
-    return track_report.sums();
+    return code == console::kExitDone && Fails(total.sums) ? console::kExitTrack : code;
 }
 
 bool CheckCommand::Fails(const Sums& sums) const {

@@ -3,17 +3,15 @@
 #define TOOLS_CHECK_CHECK_COMMAND_H_
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <string>
 
 #include "tools/check/report.h"
 #include "tools/check/sums.h"
+#include "tools/check/track_checker.h"
 #include "tools/console/arguments.h"
 #include "tools/console/command.h"
 #include "tools/console/track_list.h"
-#include "tools/host/diagnostics_capture.h"
-#include "tools/host/module_handle.h"
 
 namespace quill::check {
 
@@ -25,17 +23,16 @@ class CheckCommand : public console::Command {
     console::ExitCode Run(console::Output& output) override;
 
   private:
-    std::unique_ptr<Report> MakeReport(console::Output& output) const;
-    console::ExitCode PrintCodes(Report& report) const;
-    console::ExitCode CheckTracks(Report& report) const;
-    Sums Check(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-               const std::string& track, Report& report) const;
+    CheckOptions Options(const Report& report) const;
+    console::ExitCode CheckTracks(const CheckOptions& options, console::Output& output) const;
     bool Fails(const Sums& sums) const;
 
     console::CommandLine command_line_;
     console::TrackArguments tracks_;
     bool in_json_ = false;
     bool only_codes_ = false;
+    bool all_ = false;
+    bool in_full_ = false;
     bool quiet_ = false;
     std::optional<Severity> fail_on_ = Severity::kLost;
     std::optional<std::uint32_t> chunk_size_;

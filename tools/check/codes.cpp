@@ -1,5 +1,6 @@
 #include "tools/check/codes.h"
 
+#include <iterator>
 #include <stdexcept>
 #include <string>
 
@@ -174,8 +175,10 @@ const Code* Codes() {
     return kCodes;
 }
 
+static_assert(std::size(kCodes) <= kMostCodes);
+
 std::size_t CodeCount() {
-    return sizeof(kCodes) / sizeof(kCodes[0]);
+    return std::size(kCodes);
 }
 
 const Code& CodeNamed(std::string_view name) {

@@ -24,6 +24,7 @@ struct Code {
 // The whole table, in the order of the numbers.
 const Code* Codes();
 std::size_t CodeCount();
+constexpr std::size_t kMostCodes = 128;  // that the table may grow to
 
 // The code with that name, which must be one of the table.
 const Code& CodeNamed(std::string_view name);

@@ -16,7 +16,8 @@ struct Finding {
     Finding(std::uint32_t at, std::string_view name, std::string text)
         : line(at), code(&CodeNamed(name)), message(std::move(text)) {}
 
-    std::uint32_t line;  // of the track, from 1
+    std::uint32_t line;            // of the track, from 1
+    std::uint32_t cause_line = 0;  // on which that stands for which this was lost; 0 if on none
     const Code* code;
     std::string message;  // what happened here; safe to print
 };

@@ -49,8 +49,10 @@ Finding Neighbours::Explain(const Block& block, const Verdict& verdict) const {
         const std::string by = early_end->in_header ? "the map header"
                                : known              ? "line " + std::to_string(culprit_->line)
                                                     : "something before it";
-        return {block.first_line, CodeOf(*early_end),
-                cue + " is lost with its chunk, which " + by + " ended"};
+        Finding finding(block.first_line, CodeOf(*early_end),
+                        cue + " is lost with its chunk, which " + by + " ended");
+        finding.cause_line = known ? culprit_->line : 0;
+        return finding;
     }
     if (first <= play_.header_chunk && !play_.early_ends.empty()) {
         return {block.first_line, "taken-for-header", cue + " is taken for a part of the header"};

@@ -31,11 +31,17 @@ Json OfCode(const Code& code) {
 
 Json OfSums(const Sums& sums) {
     Json object;
+    object["chunk_size"] = sums.chunk_size;
     object["cues_delivered"] = sums.cues_delivered;
     for (const Severity severity : {Severity::kLost, Severity::kChanged, Severity::kRemark}) {
         object["findings"][SeverityName(severity)] = sums.Count(severity);
     }
-    object["lost_by_code"] = sums.lost_blocks;
+    object["codes"] = Json::object();
+    for (std::size_t index = 0; index < CodeCount(); ++index) {
+        if (sums.codes.at(index) != 0) {
+            object["codes"][Codes()[index].number] = sums.codes.at(index);
+        }
+    }
     object["header_lines"] = {{"used", sums.header_lines_used},
                               {"ignored", sums.header_lines_ignored}};
     object["comments"] = sums.comments;
@@ -48,19 +54,18 @@ Json OfSums(const Sums& sums) {
 
 class JsonReport : public Report {
   public:
-    using Report::Report;
+    bool Folds() const override { return false; }
 
-  private:
-    std::string Format(const std::string& track, const Finding& finding) const override {
+    std::string Format(const std::string& track, const Fold& fold) const override {
+        const Finding& finding = fold.finding;
         Json object = {{"track", track}, {"line", finding.line}};
+        if (finding.cause_line != 0) {
+            object["cause_line"] = finding.cause_line;
+        }
         object.update(OfCode(*finding.code));
         object["message"] = finding.message;
         object["hint"] = finding.code->hint;
         return Line(object);
-    }
-
-    std::string Format(const std::string& track, const Sums& sums) const override {
-        return Line({{"track", track}, {"sums", OfSums(sums)}});
     }
 
     std::string Format(const Code& code) const override {
@@ -69,12 +74,24 @@ class JsonReport : public Report {
         object["hint"] = code.hint;
         return Line(object);
     }
+
+    std::string Format(const std::string& track, const Sums& sums, bool) const override {
+        return Line({{"track", track}, {"sums", OfSums(sums)}});
+    }
+
+    std::string Format(const Total& total, bool) const override {
+        return Line({{"total",
+                      {{"tracks", total.tracks},
+                       {"with_findings", total.with_findings},
+                       {"failed", total.failed}}},
+                     {"sums", OfSums(total.sums)}});
+    }
 };
 
 }  // namespace
 
-std::unique_ptr<Report> MakeJsonReport(console::Output& output) {
-    return std::make_unique<JsonReport>(output);
+std::unique_ptr<Report> MakeJsonReport() {
+    return std::make_unique<JsonReport>();
 }
 
 }  // namespace quill::check

@@ -1,3 +1,4 @@
+#include <cstddef>
 #include <cstdint>
 
 #include "tools/check/report.h"
@@ -22,12 +23,21 @@ std::string Count(std::uint64_t number, const std::string& what) {
     return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
 }
 
-std::string LostBlocks(const Sums& sums) {
-    std::string text;
-    for (const auto& [number, count] : sums.lost_blocks) {
-        text += (text.empty() ? "" : ", ") + std::to_string(count) + " by " + number;
+// "0 cues delivered in chunks of 65536 bytes, 3 lost, 0 changed, 0 remarks: 1 Q101, 2 Q201"
+std::string InOneLine(const Sums& sums) {
+    std::string text = Count(sums.cues_delivered, "cue") + " delivered in chunks of " +
+                       Count(sums.chunk_size, "byte") + ", " +
+                       std::to_string(sums.Count(Severity::kLost)) + " lost, " +
+                       std::to_string(sums.Count(Severity::kChanged)) + " changed, " +
+                       Count(sums.Count(Severity::kRemark), "remark");
+    const char* before = ": ";
+    for (std::size_t index = 0; index < CodeCount(); ++index) {
+        if (const std::uint64_t count = sums.codes.at(index); count != 0) {
+            text += before + std::to_string(count) + " " + Codes()[index].number;
+            before = ", ";
+        }
     }
-    return text.empty() ? "none" : text;
+    return text + "\n";
 }
 
 std::string Bytes(const Sums& sums) {
@@ -41,28 +51,41 @@ std::string Bytes(const Sums& sums) {
     return std::to_string(sums.AllBytes()) + (text.empty() ? "" : " = ") + text;
 }
 
+// Every byte, and what is no finding.
+std::string InFull(const Sums& sums) {
+    return InOneLine(sums) + "  header lines: " + std::to_string(sums.header_lines_used) +
+           " used, " + std::to_string(sums.header_lines_ignored) +
+           " ignored; comments: " + std::to_string(sums.comments) + "\n" +
+           "  bytes: " + Bytes(sums) + "\n";
+}
+
+// "line 11", "lines 11 to 4711"
+std::string Lines(const LineRange& range) {
+    return range.first == range.last
+               ? "line " + std::to_string(range.first)
+               : "lines " + std::to_string(range.first) + " to " + std::to_string(range.last);
+}
+
 class TextReport : public Report {
   public:
-    TextReport(console::Output& output, bool in_colour) : Report(output), in_colour_(in_colour) {}
+    explicit TextReport(bool in_colour) : in_colour_(in_colour) {}
 
-  private:
-    std::string Format(const std::string& track, const Finding& finding) const override {
-        return console::Escape(track, console::LineFeeds::kEscape) + ":" +
-               std::to_string(finding.line) + ": " + Coloured(finding.code->severity) + ": " +
-               finding.message + " [" + finding.code->number + "]; " + finding.code->hint + "\n";
-    }
+    bool Folds() const override { return true; }
 
-    std::string Format(const std::string& track, const Sums& sums) const override {
-        return console::Escape(track, console::LineFeeds::kEscape) + ": " +
-               Count(sums.cues_delivered, "cue") + " delivered, " +
-               std::to_string(sums.Count(Severity::kLost)) + " lost, " +
-               std::to_string(sums.Count(Severity::kChanged)) + " changed, " +
-               Count(sums.Count(Severity::kRemark), "remark") + "\n" +
-               "  lost: " + LostBlocks(sums) + "\n" +
-               "  header lines: " + std::to_string(sums.header_lines_used) + " used, " +
-               std::to_string(sums.header_lines_ignored) +
-               " ignored; comments: " + std::to_string(sums.comments) + "\n" +
-               "  bytes: " + Bytes(sums) + "\n";
+    std::string Format(const std::string& track, const Fold& fold) const override {
+        const Code& code = *fold.finding.code;
+        const std::string more = std::to_string(fold.others.count) + " more ";
+        std::string text = Name(track) + ":" + std::to_string(fold.finding.line) + ": " +
+                           Coloured(code.severity) + ": ";
+        if (fold.kind == Fold::Kind::kRest) {
+            return text + "and " + more + "like these, " + Lines(fold.others) + " [" + code.number +
+                   "]; --all shows each\n";
+        }
+        text += fold.finding.message;
+        if (fold.others.count > 0) {
+            text += ", and " + more + "behind it, " + Lines(fold.others);
+        }
+        return text + " [" + code.number + "]; " + code.hint + "\n";
     }
 
     std::string Format(const Code& code) const override {
@@ -71,6 +94,29 @@ class TextReport : public Report {
         severity.resize(kSeverityWidth, ' ');
         return std::string(code.number) + " " + severity + code.name + ": " + code.cause + "; " +
                code.hint + "\n";
+    }
+
+    std::string Format(const std::string& track, const Sums& sums, bool in_full) const override {
+        if (in_full) {
+            return Name(track) + ": " + InFull(sums);
+        }
+        return sums.AllFindings() == 0 ? "" : Name(track) + ": " + InOneLine(sums);
+    }
+
+    std::string Format(const Total& total, bool in_full) const override {
+        if (!in_full && total.sums.AllFindings() == 0) {
+            return "";
+        }
+        const std::string failed =
+            total.failed == 0 ? "" : ", " + std::to_string(total.failed) + " could not be checked";
+        return "total: " + Count(total.tracks, "track") + ", " +
+               std::to_string(total.with_findings) + " with findings" + failed + ": " +
+               (in_full ? InFull(total.sums) : InOneLine(total.sums));
+    }
+
+  private:
+    static std::string Name(const std::string& track) {
+        return console::Escape(track, console::LineFeeds::kEscape);
     }
 
     std::string Coloured(Severity severity) const {
@@ -83,8 +129,8 @@ class TextReport : public Report {
 
 }  // namespace
 
-std::unique_ptr<Report> MakeTextReport(console::Output& output, bool in_colour) {
-    return std::make_unique<TextReport>(output, in_colour);
+std::unique_ptr<Report> MakeTextReport(bool in_colour) {
+    return std::make_unique<TextReport>(in_colour);
 }
 
 }  // namespace quill::check

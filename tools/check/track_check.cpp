@@ -20,6 +20,7 @@ TrackCheck::TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCaptur
       report_(report) {}
 
 void TrackCheck::Run(std::size_t size) {
+    report_.sums().chunk_size = static_cast<std::uint32_t>(plan_.chunk_size());
     if (IsRejected()) {
         report_.Say(ExplainRejection(track_));
         report_.sums().AddBytes(ByteClass::kRejected, size);

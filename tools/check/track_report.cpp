@@ -11,7 +11,7 @@ void TrackReport::Say(const Findings& findings) {
 void TrackReport::Say(const Finding& finding) {
     sums_.AddFinding(finding);
     progress_.Wipe();
-    report_.AddFinding(name_, finding);
+    sink_.Add(finding);
 }
 
 void TrackReport::ShowProgress(std::uint64_t done, std::uint64_t all) {

@@ -7,22 +7,28 @@
 #include <utility>
 
 #include "tools/check/finding.h"
-#include "tools/check/report.h"
 #include "tools/check/sums.h"
 #include "tools/console/progress.h"
 
 namespace quill::check {
 
-// Counts what is found, prints it, and keeps the progress line out of its way.
+// Takes findings in about the order of their lines.
+class FindingSink {
+  public:
+    virtual ~FindingSink() = default;
+    virtual void Add(const Finding& finding) = 0;
+};
+
+// Counts what is found, hands it on, and keeps the progress line out of its way.
 class TrackReport {
   public:
-    // The report and the progress must outlive this.
-    TrackReport(std::string name, Report& report, console::Progress& progress)
-        : name_(std::move(name)), report_(report), progress_(progress) {}
+    // The sink and the progress must outlive this.
+    TrackReport(std::string name, FindingSink& sink, console::Progress& progress)
+        : name_(std::move(name)), sink_(sink), progress_(progress) {}
 
     Sums& sums() { return sums_; }
 
-    // Findings on the lines behind those that were said before. Throws OutputError.
+    // Findings on the lines behind those that were said before. Throws what the sink throws.
     void Say(const Findings& findings);
     void Say(const Finding& finding);
 
@@ -31,7 +37,7 @@ class TrackReport {
 
   private:
     std::string name_;
-    Report& report_;
+    FindingSink& sink_;
     console::Progress& progress_;
     Sums sums_;
 };

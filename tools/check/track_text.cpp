@@ -16,6 +16,15 @@ std::size_t FirstLineSize(std::string_view track) {
                     host::TrackReader::kLongestFirstLine);
 }
 
+// Without a chunk size the reader hands out what it has read, until the first line is among it.
+std::size_t FirstChunkSize(std::string_view track, std::optional<std::uint32_t> chunk_size) {
+    constexpr std::size_t kRead = host::TrackReader::kReadSize;
+    const std::size_t line = FirstLineSize(track);
+    return chunk_size
+               ? std::max<std::size_t>(line, std::min<std::size_t>(*chunk_size, track.size()))
+               : std::min((line + kRead - 1) / kRead * kRead, track.size());
+}
+
 bool IsLineEnd(char byte) {
     return byte == '\n' || byte == '\r';
 }
@@ -90,9 +99,8 @@ std::uint32_t LineCounter::LineOf(std::size_t offset) {
 
 ChunkPlan::ChunkPlan(std::string_view track, std::optional<std::uint32_t> chunk_size)
     : track_size_(track.size()),
-      first_size_(std::max(FirstLineSize(track),
-                           std::min<std::size_t>(chunk_size.value_or(UINT32_MAX), track.size()))),
-      chunk_size_(chunk_size.value_or(UINT32_MAX)),
+      first_size_(FirstChunkSize(track, chunk_size)),
+      chunk_size_(chunk_size.value_or(host::TrackReader::kReadSize)),
       count_(1 + (track_size_ - first_size_ + (chunk_size_ - 1)) / chunk_size_) {}
 
 std::size_t ChunkPlan::Begin(std::size_t index) const {

@@ -77,10 +77,11 @@ class LineCounter {
 // looks at no later one when that is cut off.
 class ChunkPlan {
   public:
-    // Without a chunk size the track is one chunk.
+    // Without a chunk size these are the chunks in which host::TrackReader reads a file.
     ChunkPlan(std::string_view track, std::optional<std::uint32_t> chunk_size);
 
     std::size_t count() const { return count_; }
+    std::size_t chunk_size() const { return chunk_size_; }
     std::size_t Begin(std::size_t index) const;
     std::size_t End(std::size_t index) const { return Begin(index + 1); }
     // The chunk that holds the byte; count() for what is behind the track.

@@ -1,0 +1,46 @@
+// Reads a track, checks it and prints what was found.
+#ifndef TOOLS_CHECK_TRACK_CHECKER_H_
+#define TOOLS_CHECK_TRACK_CHECKER_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "tools/check/sums.h"
+#include "tools/check/track_printer.h"
+#include "tools/console/progress.h"
+#include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_handle.h"
+
+namespace quill::check {
+
+// Two copies of a track must fit into the memory of a 32-bit program.
+constexpr std::uint32_t kLargestTrack = 256u << 20;
+
+struct CheckOptions {
+    Printing printing;
+    // Without one the track is played as `quill cues` plays it.
+    std::optional<std::uint32_t> chunk_size;
+};
+
+class TrackChecker {
+  public:
+    // All that is given must outlive the checker; the capture must collect.
+    TrackChecker(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+                 const CheckOptions& options)
+        : module_(module), capture_(capture), options_(options) {}
+
+    // `track` is a file, or "-" for standard input. Throws Failure when it cannot be read or is too
+    // large, and what `write` throws.
+    Sums Check(const std::string& track, const TrackPrinter::Write& write,
+               console::Progress& progress);
+
+  private:
+    const host::ModuleHandle& module_;
+    host::DiagnosticsCapture& capture_;
+    const CheckOptions& options_;
+};
+
+}  // namespace quill::check
+
+#endif  // TOOLS_CHECK_TRACK_CHECKER_H_
