@@ -48,15 +48,20 @@ struct Delivery {
     /// Reads the info block that the callback gets and the list behind it.
     explicit Delivery(const void* info)
         : count(value_at<std::uint32_t>(info, 4)), reserved(value_at<std::uint32_t>(info, 8)) {
-        for (const void* record = value_at<const void*>(info, 0); record != nullptr;
-             record = CueRecord::next_of(record)) {
+        const void* record = value_at<const void*>(info, 0);
+        for (; record != nullptr && cues.size() < kMostCues; record = CueRecord::next_of(record)) {
             cues.emplace_back(record);
         }
+        has_end = record == nullptr;
     }
+
+    /// More than any test delivers. A list that is linked in a circle must not fill the memory.
+    static constexpr std::size_t kMostCues = 50000;
 
     std::vector<CueRecord> cues;
     std::uint32_t count;
     std::uint32_t reserved;
+    bool has_end;
 };
 
 }  // namespace support

@@ -5,20 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "support/value_at.h"
-
 namespace support {
-
-Methods methods_at(const void* table) {
-    Methods methods;
-    methods.create = value_at<decltype(methods.create)>(table, 0);
-    methods.release = value_at<decltype(methods.release)>(table, 4);
-    methods.parse = value_at<decltype(methods.parse)>(table, 8);
-    methods.set_callback = value_at<decltype(methods.set_callback)>(table, 12);
-    methods.get_result = value_at<decltype(methods.get_result)>(table, 16);
-    methods.set_video_time = value_at<decltype(methods.set_video_time)>(table, 20);
-    return methods;
-}
 
 std::string module_path() {
     const char* const path = std::getenv("QUILLCAPTION_MODULE");

@@ -1,28 +1,11 @@
 // The module as a host reaches it: by file name, by symbol name, and from there on by number.
-//
-// Nothing here includes the module's headers, the public one neither: a mistake that the module
-// and its header share would go unseen otherwise.
 #pragma once
 
 #include <string>
 
+#include "support/methods.h"
+
 namespace support {
-
-using Handle = unsigned int;
-using Notify = void (*)(int event, void* tag, void* info);
-
-/// The six functions, in the order of the module's method table.
-struct Methods {
-    int (*create)(Handle* handle);
-    void (*release)(Handle handle);
-    int (*parse)(Handle handle, const void* data, unsigned int size);
-    void (*set_callback)(Handle handle, void* tag, Notify notify);
-    void (*get_result)(Handle handle);
-    void (*set_video_time)(Handle handle, unsigned long ticks);
-};
-
-/// Reads the functions from their table.
-Methods methods_at(const void* table);
 
 /// The file under test: $QUILLCAPTION_MODULE if that is set, else the module of this build.
 std::string module_path();

@@ -85,7 +85,8 @@ void Parser::on_event(int event, void* tag, void* info) {
     Parser& parser = *static_cast<Parser*>(tag);
     ++parser.m_events;
     Delivery delivery(info);
-    if (event != 0 || delivery.count != delivery.cues.size() || delivery.reserved != 0) {
+    if (event != 0 || delivery.count != delivery.cues.size() || delivery.reserved != 0 ||
+        !delivery.has_end) {
         parser.complain("the event or its info block is wrong");
     }
     for (CueRecord& cue : delivery.cues) {

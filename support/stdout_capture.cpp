@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 
 namespace support {
 namespace {
@@ -62,6 +63,12 @@ StdoutCapture::StdoutCapture() : m_file(open_file()), m_redirection(fileno(m_fil
 std::string StdoutCapture::take() {
     m_redirection.end();
     return peek();
+}
+
+std::string StdoutCapture::more() {
+    flush_streams();
+    const std::string all = peek();
+    return all.substr(std::exchange(m_told, all.size()));
 }
 
 std::string StdoutCapture::peek() const {

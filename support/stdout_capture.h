@@ -45,12 +45,16 @@ class StdoutCapture {
     /// Ends the capture and gives what was written since it began.
     std::string take();
 
+    /// What was written since the last call of this kind.
+    std::string more();
+
     /// What has reached the descriptor by now; what waits in a stream's buffer is not part of it.
     std::string peek() const;
 
   private:
     std::FILE* m_file;
     Redirection m_redirection;
+    std::size_t m_told = 0;
 };
 
 /// What a call writes to standard output. What it throws passes through.

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-#include "tools/conform/case_player.h"
+#include "tools/conform/cases/case_player.h"
 #include "tools/conform/probes.h"
 #include "tools/console/failure.h"
 #include "tools/host/exception_text.h"
@@ -39,7 +39,8 @@ void PlaySteps(const Case& one, const std::string& module, host::Channel& channe
     channel.Write("step loading the module\n");
     const host::ModuleHandle handle(module);
     printed.Take();
-    CasePlayer player(handle.methods(), printed);
+    CasePlayer player(support::methods_at(&handle.methods()),
+                      [&printed] { return printed.Take(); });
     for (const CaseStep& step : one.steps) {
         channel.Write("step " + step.text + "\n");
         std::string report;

@@ -45,9 +45,8 @@ class Collector {
 
   private:
     static void Collect(WEBVTT_EVENT_T /*event*/, void* tag, void* info) {
-        const auto* cue = static_cast<const WebvttDataInfo*>(info)->prCueList;
-        for (; cue != nullptr; cue = cue->prNext) {
-            static_cast<Collector*>(tag)->cues_.push_back(DescribeCue(*cue));
+        for (const support::CueRecord& cue : support::Delivery(info).cues) {
+            static_cast<Collector*>(tag)->cues_.push_back(support::describe(cue));
         }
     }
 

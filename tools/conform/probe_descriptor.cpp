@@ -16,7 +16,7 @@ const void* Descriptor(ProbeBench& bench) {
 }
 
 const void* Table(ProbeBench& bench) {
-    return host::ValueAt<const void*>(Descriptor(bench), 8);
+    return support::value_at<const void*>(Descriptor(bench), 8);
 }
 
 std::string DescriptorBytes(ProbeBench& bench) {
@@ -25,11 +25,11 @@ std::string DescriptorBytes(ProbeBench& bench) {
 
 void CheckWord(ProbeBench& bench) {
     bench.ExpectEqual("the 32-bit word at offset 0", host::kDescriptorWord,
-                      host::ValueAt<std::uint32_t>(Descriptor(bench), 0));
+                      support::value_at<std::uint32_t>(Descriptor(bench), 0));
 }
 
 void CheckName(ProbeBench& bench) {
-    const char* const name = host::ValueAt<const char*>(Descriptor(bench), 4);
+    const char* const name = support::value_at<const char*>(Descriptor(bench), 4);
     if (name == nullptr) {
         bench.Complain("the pointer at offset 4 is null");
         return;
@@ -48,7 +48,7 @@ void CheckTable(ProbeBench& bench) {
 void CheckTail(ProbeBench& bench) {
     for (std::size_t at = host::kDescriptorTail; at < host::kDescriptorSize; ++at) {
         bench.ExpectEqual("the byte at offset " + std::to_string(at), 0u,
-                          unsigned{host::ValueAt<std::uint8_t>(Descriptor(bench), at)});
+                          unsigned{support::value_at<std::uint8_t>(Descriptor(bench), at)});
     }
 }
 
@@ -80,7 +80,7 @@ void CheckExportedFunctions(ProbeBench& bench) {
 void CheckSlots(ProbeBench& bench) {
     for (std::size_t number = 0; number < host::kTableSlots.size(); ++number) {
         const host::TableSlot& slot = host::kTableSlots[number];
-        bench.Expect(host::ValueAt<const void*>(Table(bench), number * host::kSlotSize) ==
+        bench.Expect(support::value_at<const void*>(Table(bench), number * host::kSlotSize) ==
                          bench.library().Symbol(slot.symbol),
                      "the pointer at offset " + std::to_string(number * host::kSlotSize) +
                          " of the table does not point at " + slot.symbol);
@@ -90,7 +90,7 @@ void CheckSlots(ProbeBench& bench) {
 void CheckThatSlotsDiffer(ProbeBench& bench) {
     std::set<const void*> functions;
     for (std::size_t number = 0; number < host::kTableSlots.size(); ++number) {
-        functions.insert(host::ValueAt<const void*>(Table(bench), number * host::kSlotSize));
+        functions.insert(support::value_at<const void*>(Table(bench), number * host::kSlotSize));
     }
     bench.Expect(functions.count(nullptr) == 0, "a slot of the table is empty");
     bench.ExpectEqual("the number of different functions", host::kTableSlots.size(),

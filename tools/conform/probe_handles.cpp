@@ -118,9 +118,8 @@ void CheckTag(ProbeBench& bench) {
 void CheckInterleaving(ProbeBench& bench) {
     using Texts = std::vector<std::string>;
     const auto collect = [](WEBVTT_EVENT_T, void* tag, void* info) {
-        const auto* cue = static_cast<const WebvttDataInfo*>(info)->prCueList;
-        for (; cue != nullptr; cue = cue->prNext) {
-            static_cast<Texts*>(tag)->emplace_back(DescribeCue(*cue));
+        for (const support::CueRecord& cue : support::Delivery(info).cues) {
+            static_cast<Texts*>(tag)->push_back(support::describe(cue));
         }
     };
     Texts early;

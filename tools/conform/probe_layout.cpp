@@ -39,14 +39,14 @@ struct RawDelivery {
         self.event = static_cast<std::uint32_t>(event);
         std::memcpy(self.info.data(), info, kInfoSize);
         self.records.clear();
-        const void* at = host::ValueAt<const void*>(info, 0);
+        const void* at = support::value_at<const void*>(info, 0);
         while (at != nullptr && self.records.size() < kMostRecords) {
             Record record = {reinterpret_cast<std::uintptr_t>(at), {}, ""};
             std::memcpy(record.bytes.data(), at, kRecordSize);
-            const char* const text = host::ValueAt<const char*>(at, kTextOffset);
+            const char* const text = support::value_at<const char*>(at, kTextOffset);
             record.text = text != nullptr ? text : "(null)";
             self.records.push_back(record);
-            at = host::ValueAt<const void*>(at, kNextOffset);
+            at = support::value_at<const void*>(at, kNextOffset);
         }
     }
 };
@@ -68,9 +68,9 @@ void CheckField(ProbeBench& bench, std::size_t offset, Value first, Value second
     const RawDelivery delivery = Deliver(bench);
     const std::string what = "the field at offset " + std::to_string(offset) + " of the ";
     bench.ExpectEqual(what + "first record", first,
-                      host::ValueAt<Value>(delivery.records[0].bytes.data(), offset));
+                      support::value_at<Value>(delivery.records[0].bytes.data(), offset));
     bench.ExpectEqual(what + "second record", second,
-                      host::ValueAt<Value>(delivery.records[1].bytes.data(), offset));
+                      support::value_at<Value>(delivery.records[1].bytes.data(), offset));
 }
 
 void CheckEvent(ProbeBench& bench) {
@@ -83,9 +83,9 @@ void CheckInfo(ProbeBench& bench) {
     const RawDelivery delivery = Deliver(bench);
     const void* const info = delivery.info.data();
     bench.ExpectEqual("the pointer at offset 0", delivery.records[0].address,
-                      host::ValueAt<std::uintptr_t>(info, 0));
-    bench.ExpectEqual("the count at offset 4", 3u, host::ValueAt<std::uint32_t>(info, 4));
-    bench.ExpectEqual("the word at offset 8", 0u, host::ValueAt<std::uint32_t>(info, 8));
+                      support::value_at<std::uintptr_t>(info, 0));
+    bench.ExpectEqual("the count at offset 4", 3u, support::value_at<std::uint32_t>(info, 4));
+    bench.ExpectEqual("the word at offset 8", 0u, support::value_at<std::uint32_t>(info, 8));
 }
 
 void CheckEmptyInfo(ProbeBench& bench) {
@@ -95,7 +95,7 @@ void CheckEmptyInfo(ProbeBench& bench) {
     bench.ExpectEqual("the number of calls", 1, delivery.calls);
     for (std::size_t offset = 0; offset < kInfoSize; offset += 4) {
         bench.ExpectEqual("the word at offset " + std::to_string(offset), 0u,
-                          host::ValueAt<std::uint32_t>(delivery.info.data(), offset));
+                          support::value_at<std::uint32_t>(delivery.info.data(), offset));
     }
 }
 
@@ -115,7 +115,7 @@ void CheckLinks(ProbeBench& bench) {
             i + 1 < delivery.records.size() ? delivery.records[i + 1].address : 0;
         bench.ExpectEqual(
             "the link at offset 44 of record " + std::to_string(i), next,
-            host::ValueAt<std::uintptr_t>(delivery.records[i].bytes.data(), kNextOffset));
+            support::value_at<std::uintptr_t>(delivery.records[i].bytes.data(), kNextOffset));
     }
 }
 
@@ -129,11 +129,11 @@ void CheckAlignment(ProbeBench& bench) {
 void CheckDefaults(ProbeBench& bench) {
     const RawDelivery delivery = Deliver(bench);
     const void* const record = delivery.records[2].bytes.data();
-    bench.ExpectEqual("the line", 100, host::ValueAt<std::int32_t>(record, 28));
+    bench.ExpectEqual("the line", 100, support::value_at<std::int32_t>(record, 28));
     bench.ExpectEqual("the bytes from offset 32", std::string("\0\1\x32\x64", 4),
                       std::string(delivery.records[2].bytes.data() + 32, 4));
-    bench.ExpectEqual("the text alignment", 1, host::ValueAt<std::int32_t>(record, 36));
-    bench.ExpectEqual("the direction", 0, host::ValueAt<std::int32_t>(record, 40));
+    bench.ExpectEqual("the text alignment", 1, support::value_at<std::int32_t>(record, 36));
+    bench.ExpectEqual("the direction", 0, support::value_at<std::int32_t>(record, 40));
 }
 
 Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {

@@ -1,6 +1,6 @@
 #include "tools/conform/probes.h"
 
-#include <algorithm>
+#include "support/exact_block.h"
 
 namespace quill::conform {
 
@@ -18,12 +18,8 @@ unsigned int ProbeBench::Open(void* tag, WebvttEventNotify notify) {
 }
 
 int ProbeBench::Feed(unsigned int handle, std::string_view bytes) {
-    const auto block = std::make_unique<char[]>(bytes.size());
-    std::copy(bytes.begin(), bytes.end(), block.get());
-    const int result =
-        methods().pfnParse(handle, block.get(), static_cast<unsigned int>(bytes.size()));
-    std::memset(block.get(), 0xDD, bytes.size());
-    return result;
+    support::ExactBlock block(bytes);
+    return methods().pfnParse(handle, block.data(), block.size());
 }
 
 void ProbeBench::Doing(const std::string& what) {
@@ -31,7 +27,7 @@ void ProbeBench::Doing(const std::string& what) {
 }
 
 void ProbeBench::Complain(const std::string& what) {
-    channel_.Write("got " + EscapeBytes(what) + "\n");
+    channel_.Write("got " + support::escape(what) + "\n");
 }
 
 }  // namespace quill::conform

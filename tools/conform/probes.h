@@ -9,21 +9,21 @@
 #include <vector>
 
 #include "quillcaption/quillcaption.h"
-#include "tools/conform/case.h"
-#include "tools/conform/case_notation.h"
+#include "support/notation.h"
+#include "support/value_at.h"
+#include "tools/conform/cases/case.h"
 #include "tools/conform/printed_text.h"
 #include "tools/host/isolated_run.h"
 #include "tools/host/module_handle.h"
-#include "tools/host/value_at.h"
 
 namespace quill::conform {
 
 // Values as complaints show them.
 inline std::string InWords(const std::string& text) {
-    return Quote(text);
+    return support::quote(text);
 }
 inline std::string InWords(double number) {
-    return FormatDouble(number);
+    return support::format(number);
 }
 template <typename Number>
 std::string InWords(Number number) {

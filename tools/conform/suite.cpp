@@ -8,7 +8,7 @@
 #include <iterator>
 #include <sstream>
 
-#include "tools/conform/case_reader.h"
+#include "tools/conform/cases/case_reader.h"
 #include "tools/conform/probes.h"
 #include "tools/console/descriptor.h"
 #include "tools/console/failure.h"
@@ -18,8 +18,9 @@ namespace {
 
 // What a host meets first comes first.
 constexpr const char* kGroups[] = {
-    "descriptor", "layout",   "handles", "results", "signature", "line-endings", "chunks",
-    "times",      "settings", "markup",  "headers", "delivery",  "lifetime",
+    "descriptor", "layout", "handles",  "results",  "signature", "line-endings",
+    "chunks",     "blocks", "times",    "settings", "numbers",   "markup",
+    "headers",    "maps",   "delivery", "lifetime",
 };
 
 std::size_t RankOf(const Case& one) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/conform/case.h"
+#include "tools/conform/cases/case.h"
 
 namespace quill::conform {
 

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <string>
 
-#include "tools/conform/case.h"
 #include "tools/conform/case_runner.h"
+#include "tools/conform/cases/case.h"
 #include "tools/console/output.h"
 
 namespace quill::conform {

@@ -8,13 +8,13 @@
 #include <cstring>
 #include <optional>
 
+#include "support/value_at.h"
 #include "tools/console/descriptor.h"
 #include "tools/console/failure.h"
 #include "tools/host/exception_text.h"
 #include "tools/host/isolated_run.h"
 #include "tools/host/module_contract.h"
 #include "tools/host/module_handle.h"
-#include "tools/host/value_at.h"
 
 namespace quill::inspect {
 namespace {
@@ -59,7 +59,7 @@ class ModuleReader {
 void ModuleReader::ReadTail(const void* descriptor, Json& found) {
     found["zero_tail"] = true;
     for (std::size_t at = host::kDescriptorTail; at < host::kDescriptorSize; ++at) {
-        const unsigned byte = host::ValueAt<std::uint8_t>(descriptor, at);
+        const unsigned byte = support::value_at<std::uint8_t>(descriptor, at);
         if (byte != 0) {
             found["zero_tail"] = false;
             Complain("descriptor: the byte at offset " + std::to_string(at) + " is " +
@@ -71,13 +71,13 @@ void ModuleReader::ReadTail(const void* descriptor, Json& found) {
 
 void ModuleReader::ReadDescriptor(const void* descriptor) {
     Json& found = report_["descriptor"];
-    const auto word = host::ValueAt<std::uint32_t>(descriptor, 0);
+    const auto word = support::value_at<std::uint32_t>(descriptor, 0);
     found["word"] = word;
     if (word != host::kDescriptorWord) {
         Complain("descriptor: the word at offset 0 is " + std::to_string(word) + ", not " +
                  std::to_string(host::kDescriptorWord));
     }
-    const char* const name = host::ValueAt<const char*>(descriptor, 4);
+    const char* const name = support::value_at<const char*>(descriptor, 4);
     found["name"] = nullptr;
     if (name == nullptr) {
         Complain("descriptor: the name at offset 4 is null, not " + Quoted(host::kDescriptorName));
@@ -89,7 +89,7 @@ void ModuleReader::ReadDescriptor(const void* descriptor) {
                      Quoted(host::kDescriptorName));
         }
     }
-    const void* const table = host::ValueAt<const void*>(descriptor, 8);
+    const void* const table = support::value_at<const void*>(descriptor, 8);
     const std::optional<std::string> symbol = SymbolAt(table);
     found["table"] = symbol ? Json(*symbol) : Json(nullptr);
     const char* const wanted = host::kDataExports[1].symbol;
@@ -116,7 +116,7 @@ void ModuleReader::ReadTable(const void* table) {
 void ModuleReader::ReadSlot(const void* table, std::size_t number) {
     const host::TableSlot& slot = host::kTableSlots[number];
     const std::size_t offset = number * host::kSlotSize;
-    const void* const function = host::ValueAt<const void*>(table, offset);
+    const void* const function = support::value_at<const void*>(table, offset);
     const std::optional<std::string> symbol = SymbolAt(function);
     report_["table"].push_back(
         {{"slot", slot.field},

@@ -1,42 +1,16 @@
-#include "tools/conform/case_reader.h"
+#include "tools/conform/cases/case_reader.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <utility>
 
-#include "tools/conform/case_notation.h"
+#include "support/notation.h"
+#include "tools/conform/cases/case_player.h"
 #include "tools/console/failure.h"
 
 namespace quill::conform {
 namespace {
-
-// What stands behind a verb.
-enum class Arguments { kNone, kOptionalName, kName, kNumber, kTag, kBytes, kNumberAndBytes };
-
-constexpr struct {
-    const char* verb;
-    Arguments arguments;
-} kVerbs[] = {
-    {"create", Arguments::kOptionalName},
-    {"start", Arguments::kOptionalName},
-    {"open", Arguments::kOptionalName},
-    {"create-null", Arguments::kNone},
-    {"use", Arguments::kName},
-    {"register", Arguments::kTag},
-    {"register-null", Arguments::kTag},
-    {"feed", Arguments::kBytes},
-    {"feed-null", Arguments::kNumber},
-    {"feed-empty", Arguments::kNone},
-    {"pieces", Arguments::kNumberAndBytes},
-    {"show", Arguments::kBytes},
-    {"settings", Arguments::kBytes},
-    {"payload", Arguments::kBytes},
-    {"payload-exact", Arguments::kBytes},
-    {"take", Arguments::kNone},
-    {"pts", Arguments::kNumber},
-    {"release", Arguments::kNone},
-};
 
 constexpr std::uint32_t kHighestTag = 9;
 
@@ -50,38 +24,36 @@ std::string FirstWord(std::string_view text, std::string_view& rest) {
 // What is wrong with a call, empty when nothing is.
 std::string ParseCall(std::string_view text, CaseCall& call) {
     std::string_view rest;
-    call.verb = FirstWord(text, rest);
-    const auto* const known =
-        std::find_if(std::begin(kVerbs), std::end(kVerbs),
-                     [&call](const auto& one) { return one.verb == call.verb; });
-    if (known == std::end(kVerbs)) {
-        return "there is no call \"" + call.verb + "\"";
+    const std::string verb = FirstWord(text, rest);
+    call.verb = Verb::Find(verb);
+    if (call.verb == nullptr) {
+        return "there is no call \"" + verb + "\"";
     }
-    const Arguments arguments = known->arguments;
+    const Arguments arguments = call.verb->arguments;
     if (arguments == Arguments::kOptionalName || arguments == Arguments::kName) {
         call.name = FirstWord(rest, rest);
         if (call.name.empty() && arguments == Arguments::kName) {
-            return call.verb + " needs the name of a parser, or a handle as a number";
+            return verb + " needs the name of a parser, or a handle as a number";
         }
     }
     if (arguments == Arguments::kNumber || arguments == Arguments::kTag ||
         arguments == Arguments::kNumberAndBytes) {
-        const std::optional<std::uint32_t> number = ParseNumber(FirstWord(rest, rest));
+        const std::optional<std::uint32_t> number = support::parse_number(FirstWord(rest, rest));
         const bool is_tag = arguments == Arguments::kTag;
         if (!number || (is_tag && *number > kHighestTag)) {
-            return call.verb + " needs a " + (is_tag ? "tag from 0 to 9" : "whole number");
+            return verb + " needs a " + (is_tag ? "tag from 0 to 9" : "whole number");
         }
         call.number = *number;
     }
     if (arguments == Arguments::kBytes || arguments == Arguments::kNumberAndBytes) {
-        const std::optional<std::string> bytes = Unquote(rest);
+        const std::optional<std::string> bytes = support::unquote(rest);
         if (rest.empty() || !bytes) {
-            return call.verb + " needs bytes in double quotes";
+            return verb + " needs bytes in double quotes";
         }
         call.bytes = *bytes;
         rest = "";
     }
-    return rest.empty() ? "" : call.verb + " takes no \"" + std::string(rest) + "\"";
+    return rest.empty() ? "" : verb + " takes no \"" + std::string(rest) + "\"";
 }
 
 // Reads a file line by line.

@@ -1,6 +1,6 @@
 // A conformance case: calls and what must come of them.
-#ifndef TOOLS_CONFORM_CASE_H_
-#define TOOLS_CONFORM_CASE_H_
+#ifndef TOOLS_CONFORM_CASES_CASE_H_
+#define TOOLS_CONFORM_CASES_CASE_H_
 
 #include <cstdint>
 #include <string>
@@ -9,10 +9,11 @@
 namespace quill::conform {
 
 class ProbeBench;
+struct Verb;
 
 // One call of a case, taken apart. Which members count depends on the verb.
 struct CaseCall {
-    std::string verb;
+    const Verb* verb = nullptr;
     std::string name;          // of a parser, or a handle as a number
     std::uint32_t number = 0;  // a size, a tag or ticks
     std::string bytes;
@@ -39,4 +40,4 @@ struct Case {
 
 }  // namespace quill::conform
 
-#endif  // TOOLS_CONFORM_CASE_H_
+#endif  // TOOLS_CONFORM_CASES_CASE_H_

@@ -1,12 +1,12 @@
 // Reads case files. tools/conform/cases/README.md describes how they are written.
-#ifndef TOOLS_CONFORM_CASE_READER_H_
-#define TOOLS_CONFORM_CASE_READER_H_
+#ifndef TOOLS_CONFORM_CASES_CASE_READER_H_
+#define TOOLS_CONFORM_CASES_CASE_READER_H_
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tools/conform/case.h"
+#include "tools/conform/cases/case.h"
 
 namespace quill::conform {
 
@@ -16,4 +16,4 @@ std::vector<Case> ReadCases(const std::string& file, std::string_view text);
 
 }  // namespace quill::conform
 
-#endif  // TOOLS_CONFORM_CASE_READER_H_
+#endif  // TOOLS_CONFORM_CASES_CASE_READER_H_
