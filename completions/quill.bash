@@ -1,13 +1,14 @@
 # bash completion for quill. Needs bash 4.2 and nothing else.
 
 # Subcommands, and the options of each; a test compares both with what quill --help says.
-_quill_subcommands='check conform cues inspect'
+_quill_subcommands='check conform cues fix inspect'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
     [check]='--help --files-from --format --chunk --fail-on --codes --all --sums --module --quiet'
     [conform]='--help --list --only --failed-only --cases --timeout --format'
     [cues]='--help --format --chunk --pts --module --quiet'
+    [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
     [inspect]='--help --format'
 )
 
@@ -19,8 +20,8 @@ _quill_value() {
         cues:--format) values='text json srt' ;;
         *:--format) values='text json' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | *:--files-from | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
-        *:--chunk | *:--pts | conform:--timeout | conform:--only) ;;
+        *:--module | *:--files-from | fix:--output | fix:-o | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--chunk | *:--pts | conform:--timeout | *:--only | fix:--skip | fix:--from) ;;
         *) return 1 ;;
     esac
     if [ -n "$values" ]; then

@@ -16,6 +16,7 @@
 #include "tools/console/message.h"
 #include "tools/console/output.h"
 #include "tools/cues/cues_command.h"
+#include "tools/fix/fix_command.h"
 #include "tools/inspect/inspect_command.h"
 
 namespace quill {
@@ -47,6 +48,7 @@ console::ExitCode Run(int argc, char** argv) {
     std::vector<std::unique_ptr<console::Command>> commands;
     commands.push_back(std::make_unique<cues::CuesCommand>(app));
     commands.push_back(std::make_unique<check::CheckCommand>(app));
+    commands.push_back(std::make_unique<fix::FixCommand>(app));
     commands.push_back(std::make_unique<inspect::InspectCommand>(app));
     commands.push_back(std::make_unique<conform::ConformCommand>(app));
 

@@ -36,6 +36,8 @@ OFFERS = [
     (["quill", "conform", "--cases", "an"], ["another.so"]),
     (["quill", "conform", "--only", "a"], []),
     (["quill", "conform", "--list", "an"], ["another.so"]),
+    (["quill", "fix", "-o", "an"], ["another.so"]),
+    (["quill", "fix", "--only", "a"], []),
     (["quill", "inspect", "a"], ["a track.vtt", "another.so"]),
     (["quill", "inspect", "--chunk", ""], []),
     (["quill", "x"], []),

@@ -1,0 +1,134 @@
+"""Tracks before and after quill fix. `fixed` and `left` name lines and codes in the order in which
+they are said; what is left is lost or changed still."""
+
+import collections
+import gzip
+
+Row = collections.namedtuple("Row", "before after fixed left")
+ROWS = []
+
+
+def row(before, after, fixed, left=""):
+    ROWS.append(Row(before, after, fixed, left))
+
+
+def cue(before, after, fixed, left=""):
+    """Of one block, the third line of its track."""
+    row(*(b"WEBVTT\n\n" + text + b"\n\n" for text in (before, after)), fixed, left)
+
+
+def timing(before, after, fixed, left=""):
+    cue(before + b"\nHi", after + b"\nHi", fixed, left)
+
+
+def start(before, after, fixed, left=""):
+    timing(before + b" --> 99:00:00.000", after + b" --> 99:00:00.000", fixed, left)
+
+
+def settings(before, after, fixed, left=""):
+    timing(b"00:01.000 --> 00:02.000 " + before, b"00:01.000 --> 00:02.000 " + after, fixed, left)
+
+
+GOOD = b"WEBVTT\n\n1\n00:01.000 --> 00:02.000\nHi\n\n"
+SUBRIP = b"1\n00:00:01,000 --> 00:00:02,000\nHi\n\n"
+
+# What is in order, or what nobody can know, stays as it is.
+for track in (GOOD, GOOD.replace(b"\n", b"\r\n"), GOOD.replace(b"\n", b"\r"),
+              b"WEBVTT - title\nKind: captions\n\n" + GOOD[8:], b"WEBVTT\n", b"WEBVTT\n\n\n\n"):
+    row(track, track, "")
+start(b"soon", b"soon", "", "3:Q101")
+start(b"", b"", "", "3:Q101")
+start(b"00:00:01:12", b"00:00:01:12", "", "3:Q101")
+start(b"00:61:00.000", b"00:61:00.000", "", "3:Q101")
+start(b"00:00:61.000", b"00:00:61.000", "", "3:Q101")
+start(b"-00:01.000", b"-00:01.000", "", "3:Q101")
+cue(b"Hello", b"Hello", "", "3:Q106")
+cue(b"00:01.000 --> 00:02.000\n\nNOTE no text", b"00:01.000 --> 00:02.000\n\nNOTE no text", "",
+    "3:Q108")
+
+# The first line.
+row(b"\xef\xbb\xbf" + GOOD, GOOD, "1:Q131")
+row(b"\xef\xbb\xbf\xef\xbb\xbf" + GOOD, GOOD, "1:Q132")
+for encoding, mark in (("utf-16-le", b"\xff\xfe"), ("utf-16-be", b"\xfe\xff"), ("utf-16-le", b""),
+                       ("utf-16-be", b"")):
+    text = GOOD.decode() + "00:03.000 --> 00:04.000\n\u00e9\u20ac\U0001f600\n\n"
+    row(mark + text.encode(encoding), text.encode(), "1:Q133")
+row(gzip.compress(GOOD), GOOD, "1:Q136")
+row(gzip.compress(b"\xef\xbb\xbf" + GOOD), GOOD, "1:Q136 1:Q131")
+row(b"webvtt" + GOOD[6:], GOOD, "1:Q141")
+row(b"WebVTT\ttitle" + GOOD[6:], b"WEBVTT\ttitle" + GOOD[6:], "1:Q141")
+row(b"WEBVTT-title" + GOOD[6:], b"WEBVTT -title" + GOOD[6:], "1:Q141")
+row(b"\n \n" + GOOD, GOOD, "3:Q142")
+row(b" " + GOOD, GOOD, "1:Q142")
+row(b"\xe2\x80\x8b" + GOOD, GOOD, "1:Q142")
+row(SUBRIP, b"WEBVTT\n\n" + SUBRIP.replace(b",", b"."), "1:Q134 2:Q102 2:Q104")
+row(b"\r\n" + SUBRIP.replace(b"\n", b"\r\n"),
+    b"WEBVTT\r\n\r\n" + SUBRIP.replace(b",", b".").replace(b"\n", b"\r\n"), "1:Q134 3:Q102 3:Q104")
+row(GOOD[8:], GOOD, "1:Q134")
+
+# The header.
+row(b"WEBVTT\n" + GOOD[8:], GOOD, "2:Q113")
+row(b"WEBVTT\nKind: captions\n" + GOOD[10:], b"WEBVTT\nKind: captions\n\n" + GOOD[10:], "3:Q113")
+row(b"WEBVTT\n \t\xc2\xa0\n" + GOOD[8:], GOOD, "2:Q106")
+
+# Times.
+for before, after, code in (
+        (b"00:00:01,000", b"00:00:01.000", "Q102"), (b"0:01,5", b"00:01.500", "Q102"),
+        (b"00:01", b"00:01.000", "Q101"), (b"1:2:3", b"01:02:03.000", "Q101"),
+        (b"00:01.", b"00:01.000", "Q101"), (b"00:01.5", b"00:01.500", "Q101"),
+        (b"00:01.1234567", b"00:01.123", "Q101"), (b"0:01.000", b"00:01.000", "Q101"),
+        (b"1.000", b"00:01.000", "Q101"), (b"00.01.000", b"00:01.000", "Q101"),
+        (b"00:00:01:000", b"00:00:01.000", "Q101"), (b"00:60.000", b"01:00.000", "Q101"),
+        (b"90:00.000", b"01:30:00.000", "Q101"), (b"00:01.000\t", b"00:01.000", "Q101"),
+        (b"\t00:01.000", b"00:01.000", "Q101"), (b"00:01.000\xc2\xa0", b"00:01.000", "Q101"),
+        (b"00:\xe2\x80\x8b01.000", b"00:01.000", "Q101"),
+        (b"\xef\xbb\xbf00:01.000", b"00:01.000", "Q101"),
+        ("００：０１．０００".encode(), b"00:01.000", "Q101")):
+    start(before, after, "3:" + code)
+timing(b"00:01.000 --> 00:02,000", b"00:01.000 --> 00:02.000", "3:Q104")
+timing(b"00:01.000 --> 00:02", b"00:01.000 --> 00:02.000", "3:Q103")
+timing(b"00:01.000 --> 00:02.000\t", b"00:01.000 --> 00:02.000", "3:Q103")
+timing(b"00:01.000 --> 00:02.000align:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
+timing(b"00:01.000 --> 00:02.000\talign:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
+timing(b"00:01.000-->00:02.000", b"00:01.000-->00:02.000", "")
+timing(b"  00:01.000  -->   00:02.000  ", b"  00:01.000  -->   00:02.000  ", "")
+for arrow in (b"->", b"--->", b"-- >", b"=>", b">", b"--&gt;", "—>".encode(), "–>".encode(),
+              "→".encode(), "−−>".encode(), b"==>", "--›".encode()):
+    timing(b"00:01.000 " + arrow + b" 00:02.000", b"00:01.000 --> 00:02.000", "3:Q115")
+
+# Settings.
+for before, after, code in (
+        (b"align:center", b"align:middle", "Q408"), (b"align:LEFT", b"align:left", "Q408"),
+        (b"align: end", b"align:end", "Q404"), (b"align :end", b"align:end", "Q404"),
+        (b"align = end", b"align:end", "Q405"), (b"align=end", b"align:end", "Q405"),
+        (b"Align:end", b"align:end", "Q403"), (b"size:50", b"size:50%", "Q406"),
+        (b"position:50,center", b"position:50%,middle", "Q409"),
+        (b"position:10%,line-left", b"position:10%,start", "Q409"),
+        (b"line:50%,center", b"line:50%,middle", "Q409"), (b"line:-1,END", b"line:-1,end", "Q409"),
+        (b"vertical:RL", b"vertical:rl", "Q410"), (b"size:300%", b"size:100%", "Q305")):
+    settings(before, after, "3:" + code)
+settings(b"line:,end", b"", "3:Q111")
+settings(b"size:40% line:- align:left", b"size:40% align:left", "3:Q111")
+settings(b"align:end\tsize:50%", b"align:end size:50%", "3:Q405 3:Q405")
+settings(b"align:center size:40% position:10%", b"align:middle size:40% position:10%", "3:Q408")
+for kept in (b"align:center align:left", b"align: x", b"size:half", b"colour:red", b"region:a",
+             b"position:120%", b"align:end  size:50% "):
+    settings(kept, kept, "")
+
+# Blank lines.
+cue(b"00:01.000 --> 00:02.000\n\nHi\nyou", b"00:01.000 --> 00:02.000\nHi\nyou", "4:Q108")
+cue(b"7\n\n00:01.000 --> 00:02.000\nHi", b"7\n00:01.000 --> 00:02.000\nHi", "3:Q106")
+cue(b"00:01.000 --> 00:02.000\nHi\n \t\n00:03.000 --> 00:04.000\nyou",
+    b"00:01.000 --> 00:02.000\nHi\n\n00:03.000 --> 00:04.000\nyou", "5:Q106")
+cue(b"00:01.000 --> 00:02.000\nHi\n \nyou", b"00:01.000 --> 00:02.000\nHi\n \nyou", "")
+cue(b"00:01.000 --> 00:02.000\n \n\n00:03.000 --> 00:04.000\nyou",
+    b"00:01.000 --> 00:02.000\n \n\n00:03.000 --> 00:04.000\nyou", "")
+row(b"WEBVTT\r\r00:01.000 --> 00:02.000\rHi\r \n00:03.000 --> 00:04.000\ryou\r\r",
+    b"WEBVTT\r\r00:01.000 --> 00:02.000\rHi\r\r00:03.000 --> 00:04.000\ryou\r\r", "5:Q106")
+row(GOOD[:-1], GOOD, "5:Q418")
+row(GOOD[:-2], GOOD, "5:Q418")
+row(GOOD.replace(b"\n", b"\r\n")[:-4], GOOD.replace(b"\n", b"\r\n"), "5:Q418")
+row(GOOD.replace(b"\n", b"\r")[:-1], GOOD.replace(b"\n", b"\r"), "5:Q418")
+
+# A block that cannot be mended as a whole stays as it is.
+cue(b"00:01,000 --> 00:02.000\nHi <x y", b"00:01,000 --> 00:02.000\nHi <x y", "", "3:Q102")

@@ -1,0 +1,171 @@
+// Where blocks begin and end: blank lines that are missing, that should not be, or only look blank.
+#include "tools/fix/blocks.h"
+
+#include <algorithm>
+#include <string>
+
+#include "tools/fix/characters.h"
+#include "tools/fix/fixer.h"
+
+namespace quill::fix {
+namespace {
+
+constexpr std::size_t kMostLines = 10;  // of a block
+
+bool IsMap(std::string_view line) {
+    return line.substr(0, 15) == "X-TIMESTAMP-MAP";
+}
+
+// A cue, with an identifier or without, or a block that says what it is.
+bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index) {
+    return lines[index].timing || IsComment(lines[index].text) || IsStyle(lines[index].text) ||
+           (index + 1 < lines.size() && lines[index + 1].timing);
+}
+
+// Lines between blocks that hold what nobody sees. Below a timing line such a line may be meant:
+// it is all the text that the cue has.
+void BlankLinesThatLookIt(const Workshop& shop) {
+    Document& document = shop.document;
+    std::vector<Line>& lines = document.lines();
+    for (std::size_t begin = 1; begin < lines.size();) {
+        std::size_t end = begin;
+        while (end < lines.size() && IsEmptyToTheEye(lines[end])) {
+            ++end;
+        }
+        const bool between = end > begin && !lines[begin - 1].timing &&
+                             (end == lines.size() || BlockBeginsAt(lines, end));
+        for (std::size_t index = begin; between && index < end; ++index) {
+            Line& line = lines[index];
+            if (!line.text.empty() && !line.frozen && shop.Wants("lone-line")) {
+                document.Record(line.number, "lone-line", Instead(line.text, ""));
+                document.Replace(index, "", {});
+            }
+        }
+        begin = std::max(end, begin + 1);
+    }
+    document.Commit();
+}
+
+// Text that a blank line has cut off from the timing line above it.
+void JoinTexts(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    Range block = NextBlock(lines, document.HeaderEnd());
+    while (block.size() > 0) {
+        const Range next = NextBlock(lines, block.end);
+        const bool no_text = TimingOf(lines, block) + 1 == block.end;
+        const bool is_text = next.size() > 0 && !BlockBeginsAt(lines, next.begin) &&
+                             TimingOf(lines, next) == next.end && !IsMap(lines[next.begin].text) &&
+                             !(next.size() == 1 && IsNumber(lines[next.begin].text));
+        const bool free = std::none_of(lines.begin() + static_cast<std::ptrdiff_t>(block.begin),
+                                       lines.begin() + static_cast<std::ptrdiff_t>(next.end),
+                                       [](const Line& line) { return line.frozen; });
+        if (no_text && is_text && free && block.size() + next.size() <= kMostLines &&
+            shop.Wants("no-text")) {
+            document.Record(lines[block.end].number, "no-text",
+                            "the blank line above the text removed");
+            for (std::size_t index = block.end; index < next.begin; ++index) {
+                document.Remove(index);
+            }
+        }
+        block = next;
+    }
+    document.Commit();
+}
+
+// An identifier that a blank line has cut off from its cue. Only one that is a number is sure to be
+// one.
+void JoinIdentifiers(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    Range block = NextBlock(lines, document.HeaderEnd());
+    while (block.size() > 0) {
+        const Range next = NextBlock(lines, block.end);
+        if (block.size() == 1 && IsNumber(lines[block.begin].text) && next.size() > 0 &&
+            lines[next.begin].timing && next.size() < kMostLines && !lines[block.begin].frozen &&
+            !lines[next.begin].frozen && shop.Wants("lone-line")) {
+            document.Record(lines[block.begin].number, "lone-line",
+                            "the blank line below it removed");
+            for (std::size_t index = block.end; index < next.begin; ++index) {
+                document.Remove(index);
+            }
+        }
+        block = next;
+    }
+    document.Commit();
+}
+
+}  // namespace
+
+bool IsComment(std::string_view line) {
+    return line.substr(0, 4) == "NOTE" && (line.size() == 4 || line[4] == ' ' || line[4] == '\t');
+}
+
+bool IsStyle(std::string_view line) {
+    const std::string_view word = line.substr(0, line.find_last_not_of(" \t") + 1);
+    return word == "STYLE" || word == "REGION";
+}
+
+bool IsNumber(std::string_view line) {
+    return !line.empty() && line.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+bool IsEmptyToTheEye(const Line& line) {
+    return line.IsBlank() || LooksBlank(line.text);
+}
+
+void FixTimesInHeader(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    const std::size_t end = document.HeaderEnd();
+    std::size_t timing = 1;
+    while (timing < end && !lines[timing].timing) {
+        ++timing;
+    }
+    if (timing >= end || !shop.Wants("times-in-header")) {
+        return;
+    }
+    const std::size_t begin = timing > 1 && IsNumber(lines[timing - 1].text) ? timing - 1 : timing;
+    if (lines[begin].frozen || lines[timing].frozen) {
+        return;
+    }
+    document.Record(lines[begin].number, "times-in-header", "a blank line put above it");
+    document.InsertAbove(begin);
+    document.Commit();
+}
+
+void FixBlankLines(const Workshop& shop) {
+    BlankLinesThatLookIt(shop);
+    FixTimesInHeader(shop);
+    JoinTexts(shop);
+    JoinIdentifiers(shop);
+}
+
+// The last cue is complete only when a blank line follows it.
+void FixLastLine(const Workshop& shop) {
+    std::vector<Line>& lines = shop.document.lines();
+    if (lines.empty() || lines.back().IsBlank() || lines.back().frozen ||
+        !shop.Wants("last-blank-line")) {
+        return;
+    }
+    std::size_t begin = lines.size();
+    while (begin > 0 && !lines[begin - 1].IsBlank()) {
+        --begin;
+    }
+    const Range block{begin, lines.size()};
+    const std::size_t timing = TimingOf(lines, block);
+    // In the header nothing waits for its end.
+    if (begin == 0 || timing + 1 >= lines.size()) {
+        return;
+    }
+    Line& last = lines.back();
+    shop.document.Record(last.number, "last-blank-line", "a blank line put below it");
+    if (last.end.empty()) {
+        last.end = lines[lines.size() - 2].end;
+    }
+    Line blank{"", "", last.end, last.number};
+    blank.inserted = true;
+    lines.push_back(blank);
+}
+
+}  // namespace quill::fix

@@ -1,0 +1,191 @@
+#include "tools/fix/note_check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "quillcaption/quillcaption.h"
+#include "tools/fix/characters.h"
+#include "tools/fix/timing_reading.h"
+
+namespace quill::fix {
+namespace {
+
+constexpr double kRounding = 1e-6;  // of seconds that are summed up in another order
+
+// The time as stated or, when a line's time is as it was, as the module reads it alone.
+bool HasTime(double delivered, const std::optional<std::int64_t>& stated, const WrittenTime& time,
+             std::string_view line, Oracle& oracle) {
+    std::optional<double> expected;
+    if (stated) {
+        expected = static_cast<double>(*stated) / 1000;
+    } else {
+        expected = oracle.Time(line.substr(time.begin, time.end - time.begin));
+    }
+    return expected && std::abs(*expected - delivered) < kRounding;
+}
+
+bool HasTimes(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
+    const std::optional<TimingReading> reading = ReadTiming(line.text);
+    return reading && HasTime(cue.start, note.start, reading->start, line.text, oracle) &&
+           HasTime(cue.end, note.end, reading->end, line.text, oracle);
+}
+
+// The alignment decides the position, unless a setting does.
+void Align(check::CueCopy& cue, int align, const std::string& kept, Oracle& oracle) {
+    const auto left = oracle.Settings(kept + " align:start");
+    const auto right = oracle.Settings(kept + " align:end");
+    cue.align = align;
+    if (left && right && left->position != right->position) {
+        cue.position = align == WEBVTT_TEXT_ALIGN_MIDDLE                                    ? 50
+                       : align == WEBVTT_TEXT_ALIGN_END || align == WEBVTT_TEXT_ALIGN_RIGHT ? 100
+                                                                                            : 0;
+    }
+}
+
+void Apply(check::CueCopy& cue, const Effect& effect) {
+    switch (effect.field) {
+        case Effect::Field::kAlign:
+            break;  // was the first
+        case Effect::Field::kVertical:
+            cue.vertical = effect.value;
+            break;
+        case Effect::Field::kSize:
+            cue.size = effect.value;
+            break;
+        case Effect::Field::kPosition:
+            cue.position = effect.value;
+            break;
+        case Effect::Field::kLine:
+        case Effect::Field::kLinePercent:
+            cue.line = effect.value;
+            cue.snap_to_lines = effect.field == Effect::Field::kLine;
+            break;
+    }
+}
+
+// What the settings that were kept come to, with the stated effects of the others.
+bool HasSettings(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
+    const std::optional<TimingReading> reading = ReadTiming(line.original);
+    const std::string written =
+        reading ? std::string(line.original.substr(reading->settings_begin)) : "";
+    const std::string kept = note.kept_settings.value_or(written);
+    std::optional<check::CueCopy> expected = oracle.Settings(kept);
+    if (!expected) {
+        return false;
+    }
+    for (const Effect& effect : note.effects) {
+        if (effect.field == Effect::Field::kAlign) {
+            Align(*expected, effect.value, kept, oracle);
+        }
+    }
+    for (const Effect& effect : note.effects) {
+        Apply(*expected, effect);
+    }
+    return check::SameSettings(*expected, cue);
+}
+
+// A control character that stands nowhere in the text; 0 when there is none.
+char FreeMark(const std::string& text) {
+    for (char mark = 1; mark < ' '; ++mark) {
+        if (mark != '\t' && mark != '\n' && mark != '\r' && mark != '\f' &&
+            text.find(mark) == std::string::npos) {
+            return mark;
+        }
+    }
+    return '\0';
+}
+
+// The line as it was, with `mark`, or else the replacement, for every span.
+std::string WithSpans(const Line& line, const Note& note, const char* mark) {
+    std::string text;
+    std::size_t reached = 0;
+    for (const Span& span : note.spans) {
+        text += line.original.substr(reached, span.begin - reached);
+        text += mark != nullptr ? mark : span.replacement;
+        reached = span.begin + span.size;
+    }
+    return text + std::string(line.original.substr(reached));
+}
+
+// Has the module read the text with a mark for everything that was replaced, and puts what is
+// stated to be shown there in the place of the marks.
+bool HasText(const Document& outcome, std::size_t begin, std::size_t end, const std::string& shown,
+             Oracle& oracle) {
+    std::string text;
+    std::vector<const Span*> spans;
+    for (std::size_t index = begin; index < end; ++index) {
+        text += outcome.lines()[index].original;
+    }
+    const char mark[] = {FreeMark(text), '\0'};
+    text.clear();
+    for (std::size_t index = begin; index < end; ++index) {
+        const Line& line = outcome.lines()[index];
+        if (line.note < 0) {
+            text += std::string(line.text) + "\n";
+            continue;
+        }
+        const Note& note = outcome.note(line);
+        if (mark[0] == '\0' || WithSpans(line, note, nullptr) != line.text) {
+            return false;
+        }
+        text += WithSpans(line, note, mark) + "\n";
+        for (const Span& span : note.spans) {
+            spans.push_back(&span);
+        }
+    }
+    const std::optional<std::string> marked = oracle.Shown(text);
+    std::string expected;
+    std::size_t next = 0;
+    for (const char c : marked.value_or("")) {
+        if (c != mark[0] || next == spans.size()) {
+            expected += c;
+        } else {
+            expected += spans[next++]->shown;
+        }
+    }
+    return marked && next == spans.size() && expected == shown;
+}
+
+}  // namespace
+
+bool MayGo(const Document& outcome, const Line& gone) {
+    if (LooksBlank(gone.original)) {
+        return true;
+    }
+    if (gone.note < 0) {
+        return false;
+    }
+    const Note& note = outcome.note(gone);
+    return WithSpans(gone, note, nullptr).empty() &&
+           std::all_of(note.spans.begin(), note.spans.end(),
+                       [](const Span& span) { return span.shown.empty(); });
+}
+
+std::optional<std::string> CheckNotes(const Document& outcome, const Range& block,
+                                      const check::CueCopy& cue, Oracle& oracle) {
+    const std::vector<Line>& lines = outcome.lines();
+    const std::size_t timing = TimingOf(lines, block);
+    if (timing == block.end) {
+        return "a block that is no cue would become one";
+    }
+    if (lines[timing].note >= 0) {
+        const Note& note = outcome.note(lines[timing]);
+        if (!HasTimes(lines[timing], note, cue, oracle)) {
+            return "the times would come otherwise";
+        }
+        if (!HasSettings(lines[timing], note, cue, oracle)) {
+            return "the settings would come otherwise";
+        }
+    }
+    for (std::size_t index = timing + 1; index < block.end; ++index) {
+        if (lines[index].note >= 0) {
+            const bool holds = HasText(outcome, timing + 1, block.end, cue.text, oracle);
+            return holds ? std::nullopt
+                         : std::optional<std::string>("the text would come otherwise");
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace quill::fix

@@ -1,0 +1,291 @@
+#include "tools/fix/settings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <optional>
+#include <set>
+
+#include "tools/fix/characters.h"
+
+namespace quill::fix {
+namespace {
+
+constexpr const char* kNames[] = {"align", "line", "position", "region", "size", "vertical"};
+
+std::string Lower(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), [](char c) {
+        return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    });
+    return text;
+}
+
+bool IsName(const std::string& text) {
+    return std::find(std::begin(kNames), std::end(kNames), Lower(text)) != std::end(kNames);
+}
+
+// A piece of the list, and what stands before it.
+struct Item {
+    std::string before;  // spaces
+    std::string text;
+    std::string written;         // as it was, with the pieces that were put to it
+    const char* code = nullptr;  // of the change to it
+    bool dropped = false;
+    bool glued = false;  // to the item before, by a blank that is no space
+    bool glues = false;  // the one behind
+};
+
+bool IsSpaces(std::string_view text) {
+    return text.find_first_not_of(' ') == std::string_view::npos;
+}
+
+std::vector<Item> Split(std::string_view settings) {
+    const Looks looks(settings);
+    const std::string& text = looks.text();
+    std::vector<Item> items;
+    std::size_t reached = 0;
+    for (std::size_t at = text.find_first_not_of(' '); at < text.size();) {
+        const std::size_t end = std::min(text.find(' ', at), text.size());
+        const std::size_t item_end = looks.End(end - 1);
+        const std::string_view item = settings.substr(looks.Begin(at), item_end - looks.Begin(at));
+        items.push_back({std::string(settings.substr(reached, looks.Begin(at) - reached)),
+                         std::string(item), std::string(item)});
+        reached = item_end;
+        at = std::min(text.find_first_not_of(' ', end), text.size());
+    }
+    for (std::size_t index = 1; index < items.size(); ++index) {
+        items[index].glued = !IsSpaces(items[index].before);
+        items[index - 1].glues = items[index].glued;
+    }
+    if (!items.empty()) {
+        items.back().glues = !IsSpaces(settings.substr(reached));
+    }
+    return items;
+}
+
+// "align: end", "align :end" and "align = end" are one setting.
+void JoinPieces(std::vector<Item>& items) {
+    const auto ends_open = [](const std::string& text) {
+        return !text.empty() && (text.back() == ':' || text.back() == '=') &&
+               text.find_first_of(":=") == text.size() - 1 &&
+               IsName(text.substr(0, text.size() - 1));
+    };
+    for (std::size_t index = 0; index + 1 < items.size();) {
+        Item& item = items[index];
+        const Item& next = items[index + 1];
+        const bool begins_with_mark = next.text[0] == ':' || next.text[0] == '=';
+        const bool belongs =
+            (IsName(item.text) && begins_with_mark) ||
+            (ends_open(item.text) && next.text.find_first_of(":=") == std::string::npos);
+        if (!belongs) {
+            ++index;
+            continue;
+        }
+        item.code = "empty-setting";
+        item.written += next.before + next.written;
+        item.text += next.text;
+        item.glues = next.glues;
+        items.erase(items.begin() + static_cast<std::ptrdiff_t>(index) + 1);
+    }
+}
+
+bool IsNumber(std::string_view text) {
+    const std::size_t point = text.find('.');
+    const std::string_view whole = text.substr(0, point);
+    return !whole.empty() && whole.size() <= 6 &&
+           text.find_first_not_of("0123456789.") == std::string_view::npos &&
+           (point == std::string_view::npos || text.find('.', point + 1) == std::string_view::npos);
+}
+
+struct Value {
+    std::string number;
+    std::string second;  // with its comma
+};
+
+Value SplitValue(const std::string& value) {
+    const std::size_t comma = std::min(value.find(','), value.size());
+    return {value.substr(0, comma), value.substr(comma)};
+}
+
+void FixSecond(std::string& second, const char*& code) {
+    const std::string word = Lower(second);
+    for (const auto& [from, to] : {std::pair(",center", ",middle"), std::pair(",centre", ",middle"),
+                                   std::pair(",line-left", ",start"),
+                                   std::pair(",line-right", ",end"), std::pair(",start", ",start"),
+                                   std::pair(",middle", ",middle"), std::pair(",end", ",end")}) {
+        if (word == from && second != to) {
+            second = to;
+            code = "alignment-part";
+        }
+    }
+}
+
+std::string FixAlign(const std::string& value, const char*& code) {
+    std::string word = Lower(value);
+    if (word == "center" || word == "centre") {
+        word = "middle";
+    }
+    for (const char* const known : {"start", "middle", "end", "left", "right"}) {
+        if (word == known && value != word) {
+            code = "align-keyword";
+            return word;
+        }
+    }
+    return value;
+}
+
+std::string FixPercentage(const std::string& name, const std::string& value, const char*& code) {
+    Value parts = SplitValue(value);
+    if (IsNumber(parts.number) && std::stod(parts.number) <= 100) {
+        code = "setting-value";
+        parts.number += '%';
+    } else if (name == "size" && parts.second.empty() && !parts.number.empty() &&
+               parts.number.back() == '%' &&
+               IsNumber(std::string_view(parts.number).substr(0, parts.number.size() - 1)) &&
+               std::stod(parts.number) > 100) {
+        code = "number-wraps";
+        parts.number = "100%";
+    }
+    FixSecond(parts.second, code);
+    return parts.number + parts.second;
+}
+
+std::string FixValue(const std::string& name, const std::string& value, const char*& code) {
+    if (name == "align") {
+        return FixAlign(value, code);
+    }
+    if (name == "vertical") {
+        const std::string word = Lower(value);
+        const bool known = word == "rl" || word == "lr";
+        code = known && word != value ? "vertical-keyword" : code;
+        return known ? word : value;
+    }
+    if (name == "size" || name == "position") {
+        return FixPercentage(name, value, code);
+    }
+    if (name == "line") {
+        Value parts = SplitValue(value);
+        FixSecond(parts.second, code);
+        return parts.number + parts.second;
+    }
+    return value;
+}
+
+void FixItem(Item& item) {
+    const std::size_t mark = item.text.find_first_of(":=");
+    if (mark == std::string::npos || !IsName(item.text.substr(0, mark))) {
+        return;
+    }
+    const std::string name = Lower(item.text.substr(0, mark));
+    std::string value = item.text.substr(mark + 1);
+    if (item.text.compare(0, mark, name) != 0) {
+        item.code = "unknown-setting";
+    }
+    if (item.text[mark] == '=') {
+        item.code = "no-setting";
+    }
+    const std::string number = SplitValue(value).number;
+    if (name == "line" && !value.empty() && (number.empty() || number == "-")) {
+        item.code = "line-setting";
+        item.dropped = true;
+        return;
+    }
+    value = FixValue(name, value, item.code);
+    item.text = name + ":" + value;
+}
+
+// What a setting that is in order comes to; nothing for one that a player is not told, or whose
+// value is not for us to say.
+std::optional<Effect> EffectOf(const std::string& text) {
+    const std::size_t colon = text.find(':');
+    const std::string name = text.substr(0, colon);
+    const std::string value = colon == std::string::npos ? "" : text.substr(colon + 1);
+    const auto index_of = [&value](const std::vector<std::string>& words) {
+        return static_cast<int>(std::find(words.begin(), words.end(), value) - words.begin());
+    };
+    if (name == "align") {
+        const int align = index_of({"start", "middle", "end", "left", "right"});
+        return align < 5 ? std::optional<Effect>({Effect::Field::kAlign, align}) : std::nullopt;
+    }
+    if (name == "vertical" && !value.empty()) {
+        const int vertical = index_of({"lr", "rl"});
+        return vertical < 2 ? std::optional<Effect>({Effect::Field::kVertical, vertical + 1})
+                            : std::nullopt;
+    }
+    std::string number = SplitValue(value).number;
+    const bool negative = number.substr(0, 1) == "-";
+    number.erase(0, negative ? 1 : 0);
+    const bool percent = !number.empty() && number.back() == '%';
+    number.resize(number.size() - (percent ? 1 : 0));
+    if (!IsNumber(number)) {
+        return std::nullopt;
+    }
+    const double real = std::stod(number);
+    const int whole = negative ? -static_cast<int>(real) : static_cast<int>(real);
+    if (name == "line" && (!percent || (!negative && real <= 100))) {
+        return Effect{percent ? Effect::Field::kLinePercent : Effect::Field::kLine, whole};
+    }
+    if (name == "size" && percent && !negative && real <= 100) {
+        return Effect{Effect::Field::kSize, whole};
+    }
+    if (name == "position" && percent && !negative && real <= 100) {
+        return Effect{Effect::Field::kPosition, whole};
+    }
+    return std::nullopt;
+}
+
+bool HasDoubles(const std::vector<Item>& items) {
+    std::set<std::string> names;
+    return std::any_of(items.begin(), items.end(), [&names](const Item& item) {
+        const std::string name = Lower(item.text.substr(0, item.text.find_first_of(":=")));
+        return IsName(name) && !names.insert(name).second;
+    });
+}
+
+}  // namespace
+
+SettingsFix FixSettings(std::string_view settings, const Selection& selection) {
+    SettingsFix fix;
+    if (settings.empty()) {
+        return fix;
+    }
+    std::vector<Item> items = Split(settings);
+    JoinPieces(items);
+    if (HasDoubles(items)) {
+        items.clear();
+    }
+    for (Item& item : items) {
+        const Item as_written = item;
+        FixItem(item);
+        const std::optional<Effect> effect = EffectOf(item.text);
+        if (!effect && !item.dropped) {
+            // It would not be in order either.
+            item.text = item.written;
+            item.code = nullptr;
+        }
+        // Another blank than a space makes one item of two.
+        if (item.code == nullptr && (item.glued || item.glues)) {
+            item.code = "no-setting";
+        }
+        const bool changes = item.dropped || item.text != item.written || item.glued || item.glues;
+        if (!changes || !selection.Wants(item.code)) {
+            fix.text += as_written.before + as_written.written;
+            fix.kept += as_written.written + " ";
+            continue;
+        }
+        fix.changes.push_back({item.code, item.written, item.dropped ? "" : item.text});
+        if (item.dropped) {
+            continue;
+        }
+        fix.text += (item.glued ? " " : item.before) + item.text;
+        if (effect) {
+            fix.effects.push_back(*effect);
+        }
+    }
+    if (fix.changes.empty()) {
+        fix.text = settings;
+    }
+    fix.text.erase(0, fix.changes.empty() ? 0 : fix.text.find_first_not_of(' '));
+    return fix;
+}
+
+}  // namespace quill::fix

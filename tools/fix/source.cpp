@@ -1,0 +1,58 @@
+#include "tools/fix/source.h"
+
+#include <cstdint>
+#include <optional>
+
+#include "tools/console/failure.h"
+#include "tools/fix/encoding.h"
+#include "tools/host/track_reader.h"
+
+namespace quill::fix {
+namespace {
+
+// Its lines, their copies and what is stated of them must fit into the memory of a 32-bit program.
+constexpr std::size_t kLargestTrack = 64u << 20;
+
+std::string ReadAll(host::TrackReader& reader) {
+    std::string bytes;
+    while (const std::optional<host::Chunk> chunk = reader.Next()) {
+        if (reader.offset() > kLargestTrack) {
+            throw console::Failure(console::kExitUsage,
+                                   reader.name() + ": a track may have up to " +
+                                       std::to_string(kLargestTrack) + " bytes");
+        }
+        bytes.append(chunk->data.get(), chunk->size);
+    }
+    bytes.resize(static_cast<std::size_t>(reader.offset()));  // without a line end put to it
+    return bytes;
+}
+
+}  // namespace
+
+Source ReadSource(const std::string& name, const std::string& encoding,
+                  const Selection& selection) {
+    host::TrackReader reader(name, std::nullopt);
+    Source source{reader.name(), ReadAll(reader), "", {}};
+    source.text = source.bytes;
+    const auto note = [&source](const char* code, const std::string& words) {
+        source.edits.push_back({1, &check::CodeNamed(code), words});
+    };
+    if (IsGzip(source.text) && selection.Wants("compressed")) {
+        source.text = Unpack(source.text, kLargestTrack, source.name);
+        note("compressed", "unpacked");
+    }
+    const char* const utf16 = encoding.empty() ? FindUtf16(source.text) : nullptr;
+    if (utf16 != nullptr && selection.Wants("utf-16")) {
+        source.text = ToUtf8(source.text, utf16, source.name);
+        note("utf-16", std::string("converted from ") + utf16);
+    } else if (!encoding.empty()) {
+        std::string text = ToUtf8(source.text, encoding, source.name);
+        if (text != source.text) {
+            note("not-utf-8", "converted from " + encoding);
+            source.text = std::move(text);
+        }
+    }
+    return source;
+}
+
+}  // namespace quill::fix
