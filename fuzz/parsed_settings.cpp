@@ -61,6 +61,7 @@ void parse_timing_line(std::string_view text) {
         if (is_valid) {
             check_derived_fields(cue);
             FUZZ_CHECK(cue.dStartTime >= 0.0 && cue.dEndTime >= 0.0);
+            FUZZ_CHECK(!line.does_contain(" "));  // the last setting
         }
     } catch (const webvtt::InvalidArgumentException&) {
         FUZZ_CHECK(text.find("-->") != std::string_view::npos);
@@ -68,7 +69,9 @@ void parse_timing_line(std::string_view text) {
         check_out_of_range(error);
         FUZZ_CHECK(text.find("line:") != std::string_view::npos);
     }
-    FUZZ_CHECK(line.is_empty());
+    // What is left is the rest of the line, and all of it when there is no arrow.
+    FUZZ_CHECK(text.find(line.text) != std::string_view::npos);
+    FUZZ_CHECK((line.text == text) == (text.find("-->") == std::string_view::npos));
 }
 
 /// Feeds a header a line in a block of exactly its size. False when the line threw.

@@ -68,18 +68,18 @@ bool parse(Cue& cue, std::string_view payload) {
     return false;
 }
 
-/// @param text the payload up to its first zero byte, which is where it ends
-void check_cue(Cue& cue, std::string_view text) {
+/// @param payload may hold a zero byte, with which or behind which its last token ends
+void check_cue(Cue& cue, std::string_view payload) {
     const std::string content = cue.strGetCueContent().text;
     Census census;
     webvtt::walk_tree(cue.pRootNode, [&census](const WebvttNode* node) { census.visit(node); });
     FUZZ_CHECK(content == census.text);
-    FUZZ_CHECK(content.size() <= text.size());
-    if (text.find_first_of("<&") == std::string_view::npos) {
-        FUZZ_CHECK(content == text);
+    FUZZ_CHECK(content.size() <= payload.size());
+    if (payload.find_first_of("<&") == std::string_view::npos) {
+        FUZZ_CHECK(content == payload);
     }
     // Each token takes a byte at least, and makes a node at most.
-    FUZZ_CHECK(census.nodes <= text.size() + 1);
+    FUZZ_CHECK(census.nodes <= payload.size() + 1);
     FUZZ_CHECK(cue.dqApplicableLanguages.size() <= census.languages);
     for (const webvtt::WebvttString& language : cue.dqApplicableLanguages) {
         FUZZ_CHECK(language.text == "lang");
@@ -138,7 +138,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Cue cue;
     const bool is_whole = parse(cue, payload);
-    check_cue(cue, text);
+    check_cue(cue, payload);
     if (is_whole) {
         // What was read before has no influence: the same again goes under the same root.
         const std::string once = cue.strGetCueContent().text;

@@ -32,6 +32,7 @@ bool Cue::fgParse(const char* pcLine, unsigned size) {
 }
 
 bool Cue::fgParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined) {
+    m_for_text = true;
     std::string_view payload;
     if (!fgParseHead(block, &payload)) {
         return false;
@@ -63,15 +64,18 @@ inline bool Cue::fgParseUsualHead(std::string_view block, std::string_view* pstr
         return false;
     }
     Split line{{}, block.substr(settings_at + 1), true};
-    if (block[settings_at] == ' ') {
+    const bool settings = block[settings_at] == ' ';
+    if (settings) {
         line = split_line(line.tail);
         if (!line.found) {
             return false;
         }
-        vParseSettings(line.head);
-    }  // Without settings the fields stay what they are in a new cue.
+    }
     dStartTime = start;
     dEndTime = end;
+    if (settings || !m_for_text) {  // without settings a new cue stays as it is
+        vParseSettings(line.head);
+    }
     *pstrPayload = line.tail;
     return true;
 }
@@ -99,7 +103,8 @@ bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
         }
         times = split_first(line.head, kArrow);
     }
-    if (!fgParseTimes(times)) {
+    std::string_view left;
+    if (!fgParseTimes(times, left)) {
         print_error("Parse Cue Time and Settings Failed");
         return false;
     }
@@ -108,16 +113,26 @@ bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
 }
 
 bool Cue::fgParseCueTimeAndSettings(WebvttString& line) {
-    const std::string consumed = std::move(line.text);
-    line.text.clear();
-    return fgParseTimes(split_first(consumed, kArrow));
+    /// Takes from the line what was read of it, also when an exception leaves.
+    struct Cutter {
+        std::string& text;
+        std::string_view left;  // a part of the text
+        ~Cutter() {
+            text.erase(0, left.empty() ? text.size()
+                                       : static_cast<std::size_t>(left.data() - text.data()));
+            text.resize(left.size());
+        }
+    } cutter{line.text, line.text};
+    return fgParseTimes(split_first(line.text, kArrow), cutter.left);
 }
 
 /// @param times the timing line, cut at its first arrow
-bool Cue::fgParseTimes(const Split& times) {
+/// @param left  is set to what is left of the line, when there was an arrow
+bool Cue::fgParseTimes(const Split& times, std::string_view& left) {
     if (!times.found) {
         return false;
     }
+    left = trim_spaces(times.tail);
     const std::string_view start = trim_spaces(times.head);
     if (!parse_timestamp(start, dStartTime)) {
         // This throws while a bad end time only fails. Hosts tell the two apart by what is printed
@@ -125,12 +140,13 @@ bool Cue::fgParseTimes(const Split& times) {
         print_error("Invalid Start Time Stamp <%.*s>", WEBVTT_PRINTABLE(start));
         throw InvalidArgumentException("Input pcLine is empty", nullptr);
     }
-    const Split rest = split_first(trim_spaces(times.tail), ' ');
+    const Split rest = split_first(left, ' ');
+    left = rest.tail;
     if (!parse_timestamp(rest.head, dEndTime)) {
         print_error("Invalid End Time Stamp <%.*s>", WEBVTT_PRINTABLE(rest.head));
         return false;
     }
-    vParseSettings(rest.tail);
+    vParseSettings(left);
     return true;
 }
 

@@ -44,7 +44,8 @@ class Cue {
 
     /// The same for a host, which gets no more of the payload than its text: no tree is built and
     /// no class name kept, so tags cost no memory however many there are and however deep they
-    /// nest. The text is strPlainText(); results and errors are those of fgParse.
+    /// nest. The text is strPlainText(); results and errors are those of fgParse. The cue must be
+    /// new: settings that are not given are not looked at.
     /// @param block           need not be zero-terminated; must outlive the cue
     /// @param fgMayHaveMarkup false when there is no "<" and no "&" in the block
     /// @param joined          takes the text of a payload with markup; must outlive the cue. The
@@ -55,7 +56,10 @@ class Cue {
     /// block or in the joined text.
     std::string_view strPlainText() const { return m_plain_text; }
 
-    /// Parses a timing line; the line is consumed. Results and errors as in fgParse.
+    /// Parses a timing line. Results and errors as in fgParse. What is left of the line says how
+    /// far it was read: all of it when it has no arrow, what is behind the arrow after a bad start
+    /// time, the settings after a bad end time, the last setting after success, and what begins
+    /// with the setting that threw.
     bool fgParseCueTimeAndSettings(WebvttString& line);
 
     // ---- The settings (cue/cue_settings.cpp) ----
@@ -117,8 +121,8 @@ class Cue {
 
     /// Builds the tree of a payload under pRootNode; a second call appends to the same root.
     ///
-    /// @param pcPayload ends at its first zero byte, if there is one before its length
-    /// @param uLength   its length, which must not be 0
+    /// @param pcPayload may hold zero bytes: the token that takes in the first one is the last
+    /// @param uLength   its length, which must not be 0; nothing is read beyond it
     /// @return true
     /// @throws InvalidArgumentException the payload is empty or null; nothing is built
     /// @throws BadAllocException        memory ran out, or a start tag is not known; what was
@@ -168,9 +172,9 @@ class Cue {
   private:
     bool fgParseHead(std::string_view block, std::string_view* pstrPayload);
     bool fgParseUsualHead(std::string_view block, std::string_view* pstrPayload);
-    bool fgParseTimes(const Split& times);
+    bool fgParseTimes(const Split& times, std::string_view& left);
     void vReadPayloadText(std::string_view payload, std::string& joined);
-    void vParseSettings(std::string_view settings);
+    void vParseSettings(std::string_view& settings);
     void vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon);
     void vDeriveSettings();
 
@@ -185,7 +189,7 @@ class Cue {
     static const Setting kSettings[6];
 
     std::string_view m_plain_text;
-    bool m_for_text = false;  // class names are not kept
+    bool m_for_text = false;  // the cue is new, and class names are not kept
 };
 
 }  // namespace webvtt

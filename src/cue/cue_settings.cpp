@@ -76,7 +76,8 @@ Line_Align_Type Cue::eMapLineAlign(const WebvttString& keyword) const {
     return look_up(kLineAlignments, keyword.text);
 }
 
-void Cue::vParseSettings(std::string_view settings) {
+/// @param settings is left with the last item, or with all from the item on that threw
+void Cue::vParseSettings(std::string_view& settings) {
     fgPositionSet = false;
     fgPositionAlignSet = false;
     // One look at each character finds the items and the colons in them.
@@ -87,6 +88,7 @@ void Cue::vParseSettings(std::string_view settings) {
         if (*at == ' ') {
             vParseSetting(item, at, colon);
             item = at + 1;
+            settings = {item, static_cast<std::size_t>(end - item)};
             colon = nullptr;
         } else if (*at == ':' && colon == nullptr) {
             colon = at;

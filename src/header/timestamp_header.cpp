@@ -28,7 +28,7 @@ void TimeStampMetaDataHeader::vUnset() {
     u4MpegTs = kUnsetMpegTs;
 }
 
-bool TimeStampMetaDataHeader::fgIsValid() const {
+bool TimeStampMetaDataHeader::fgIsValid() {
     return dLocalTime != kUnsetLocalTime && u4MpegTs != kUnsetMpegTs;
 }
 

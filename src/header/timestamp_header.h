@@ -35,7 +35,7 @@ class TimeStampMetaDataHeader : public MetaDataHeader {
     bool fgParseMpegPts(const WebvttString& item);
 
     /// Whether both fields are set. A map that is not valid does not shift any cue.
-    bool fgIsValid() const;
+    bool fgIsValid();
 
     double dLocalTime = kUnsetLocalTime;    ///< seconds
     unsigned long u4MpegTs = kUnsetMpegTs;  ///< ticks of 90 kHz, 32 bits

@@ -76,7 +76,7 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
         vConsumeLine(line);
         content = true;
         at_line_start = true;
-        if (++lines == kMostLines) {
+        if (++lines >= kMostLines) {
             return Block_Result::kComplete;
         }
     }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 
 #include "quillcaption/quillcaption.h"
 
@@ -21,27 +22,31 @@ char* copy_text(const char* pcText) {
 
 }  // namespace
 
-// The constructors delegate, so that the destructor frees the first text if the second one fails.
+// Delegates, so that the destructor frees the first text if the second one fails.
 WebvttCue::WebvttCue(const char* pcAux, const char* pcCueText) : WebvttCue() {
     pcAuxText = copy_text(pcAux);
     pcText = copy_text(pcCueText);
 }
 
-WebvttCue::WebvttCue(const WebvttCue& other) : WebvttCue() {
+// A record made as a copy of itself keeps all that it has, its texts included.
+WebvttCue::WebvttCue(const WebvttCue& other)
+    : pcAuxText(other.pcAuxText),
+      dStartTime(other.dStartTime),
+      dEndTime(other.dEndTime),
+      pcText(other.pcText),
+      i4Line(other.i4Line),
+      fgReserved(other.fgReserved),
+      fgSnapToLines(other.fgSnapToLines),
+      u1Position(other.u1Position),
+      u1Size(other.u1Size),
+      eTextAlign(other.eTextAlign),
+      eVertical(other.eVertical) {
     if (this == &other) {
         return;
     }
-    pcAuxText = copy_text(other.pcAuxText);
+    std::unique_ptr<char[]> aux(copy_text(other.pcAuxText));
     pcText = copy_text(other.pcText);
-    dStartTime = other.dStartTime;
-    dEndTime = other.dEndTime;
-    i4Line = other.i4Line;
-    fgReserved = other.fgReserved;
-    fgSnapToLines = other.fgSnapToLines;
-    u1Position = other.u1Position;
-    u1Size = other.u1Size;
-    eTextAlign = other.eTextAlign;
-    eVertical = other.eVertical;
+    pcAuxText = aux.release();
 }
 
 WebvttCue::~WebvttCue() {

@@ -59,9 +59,7 @@ class WebVTTParser {
 
     /// Installs a chunk; it is not copied.
     void vSetParsingBuffer(char* pcBuf, unsigned int u4Len);
-    bool fgIsBufferAvailable() const {
-        return pcParsingBuffer != nullptr && u4ParsingBufferLen != 0;
-    }
+    bool fgIsBufferAvailable() { return pcParsingBuffer != nullptr && u4ParsingBufferLen != 0; }
 
     /// Hands out the next complete line: its bytes, one line feed whatever ended it, and a zero.
     /// The caller frees it with vDestoryLine. False when the chunk holds no complete line.

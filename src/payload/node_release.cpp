@@ -19,11 +19,12 @@ void Cue::vReleaseNode(WebvttNode* pNode) {
     if (pNode == nullptr) {
         return;
     }
-    pNode->pParent = nullptr;
+    pNode->pParent = nullptr;  // it is the last one, whatever lies above it
     prepare_release(pNode);
     while (pNode != nullptr) {
         if (pNode->vecChildren.empty()) {
             WebvttNode* const parent = pNode->pParent;
+            pNode->pParent = nullptr;
             delete pNode;
             pNode = parent;
             continue;

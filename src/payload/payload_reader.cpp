@@ -51,14 +51,14 @@ class PayloadReader {
     PayloadReader(Cue& cue, std::string_view payload, PayloadSink& sink)
         : m_cue(cue), m_rest(payload), m_sink(sink) {}
 
-    void read() {
-        while (!m_rest.empty()) {
+    void read(const char* stop) {
+        do {
             if (m_rest.front() != '<') {
                 read_text();
             } else if (!read_plain_tag()) {
                 read_token();
             }
-        }
+        } while (m_rest.data() < stop);
     }
 
   private:
@@ -206,8 +206,8 @@ void PayloadReader::read_timestamp(const std::string& text) {
 
 }  // namespace
 
-void read_payload(Cue& cue, std::string_view payload, PayloadSink& sink) {
-    PayloadReader(cue, payload, sink).read();
+void read_payload(Cue& cue, std::string_view payload, std::size_t uStop, PayloadSink& sink) {
+    PayloadReader(cue, payload, sink).read(payload.data() + uStop);
 }
 
 }  // namespace webvtt

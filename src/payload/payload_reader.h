@@ -25,8 +25,11 @@ class PayloadSink {
     ~PayloadSink() = default;
 };
 
-/// @param cue its tokenizer is used, which records class names there
+/// @param cue     its tokenizer is used, which records class names there
+/// @param payload must not be empty
+/// @param uStop   where reading ends: behind the token that reaches this place. The payload's size,
+///                or that of the text in front of a zero byte in it.
 /// @throws BadAllocException a start tag is not known; the rest of the payload is not read
-void read_payload(Cue& cue, std::string_view payload, PayloadSink& sink);
+void read_payload(Cue& cue, std::string_view payload, std::size_t uStop, PayloadSink& sink);
 
 }  // namespace webvtt

@@ -23,11 +23,10 @@ class TextCollector final : public PayloadSink {
 }  // namespace
 
 void Cue::vReadPayloadText(std::string_view payload, std::string& joined) {
-    m_for_text = true;
     joined.clear();
     joined.reserve(payload.size());
     TextCollector collector(joined);
-    read_payload(*this, payload, collector);
+    read_payload(*this, payload, payload.size(), collector);
     m_plain_text = joined;
 }
 

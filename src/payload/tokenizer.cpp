@@ -16,15 +16,6 @@ void append_reference(std::string& text, const std::string& name) {
     }
 }
 
-/// Where the ordinary text at the front ends: at the first "<" or "&", or with the text.
-std::size_t find_text_end(std::string_view text) {
-    std::size_t end = 0;
-    while (end < text.size() && text[end] != '<' && text[end] != '&') {
-        ++end;
-    }
-    return end;
-}
-
 bool is_ascii_alphanumeric(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
@@ -32,7 +23,7 @@ bool is_ascii_alphanumeric(char c) {
 }  // namespace
 
 Cue::Token_Type Cue::eTokenizer(Tokenizer_Data& data) {
-    while (!data.fgTokenReady) {
+    do {
         switch (data.eState) {
             case STATE_DATA:
                 vProcessDataState(data);
@@ -61,36 +52,36 @@ Cue::Token_Type Cue::eTokenizer(Tokenizer_Data& data) {
             default:
                 data.fgTokenReady = true;
         }
-    }
+    } while (!data.fgTokenReady);
     return data.eTokenType;
 }
 
 void Cue::vProcessDataState(Tokenizer_Data& data) {
-    const std::string_view rest(data.pcInput + data.iPosition,
-                                static_cast<std::size_t>(data.iLength - data.iPosition));
-    const std::size_t run = find_text_end(rest);
-    data.strResult.text.append(rest.data(), run);
-    data.iPosition += static_cast<int>(run);
-
-    const char c = data.cRead();
-    if (data.fgStop) {
-        data.vFinish(TOKEN_STRING);
-    } else if (c == '&') {
-        data.eState = STATE_ESCAPE;
-        data.strBuffer.text = "&";
+    do {
+        const char c = data.cRead();
+        if (data.fgStop) {
+            data.vFinish(TOKEN_STRING);
+            return;
+        }
+        if (c == '&') {
+            data.eState = STATE_ESCAPE;
+            data.strBuffer.text = "&";
+        } else if (c != '<') {
+            data.strResult.text += c;
+        } else if (data.strResult.is_empty()) {
+            data.eState = STATE_TAG;
+        } else {
+            data.vFinish(TOKEN_STRING);  // the "<" starts the next token
+            return;
+        }
         data.vAdvance();
-    } else if (data.strResult.is_empty()) {
-        data.eState = STATE_TAG;
-        data.vAdvance();
-    } else {
-        data.vFinish(TOKEN_STRING);  // the "<" starts the next token
-    }
+    } while (data.fgGoesOn(STATE_DATA));
 }
 
 void Cue::vProcessEscapeState(Tokenizer_Data& data) {
     std::string& name = data.strBuffer.text;
     std::string& text = data.strResult.text;
-    while (data.eState == STATE_ESCAPE) {
+    do {
         const char c = data.cRead();
         if (data.fgStop || c == '<') {
             text += name;
@@ -112,7 +103,7 @@ void Cue::vProcessEscapeState(Tokenizer_Data& data) {
             data.eState = STATE_DATA;
         }
         data.vAdvance();
-    }
+    } while (data.fgGoesOn(STATE_ESCAPE));
 }
 
 }  // namespace webvtt

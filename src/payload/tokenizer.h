@@ -50,6 +50,9 @@ struct Cue::Tokenizer_Data {
         }
     }
 
+    /// Whether the handler of this state has more to do.
+    bool fgGoesOn(Tokenizer_State eHandled) const { return eState == eHandled && !fgTokenReady; }
+
     void vFinish(Token_Type eType) {
         eTokenType = eType;
         fgTokenReady = true;

@@ -9,19 +9,23 @@
 namespace webvtt {
 namespace {
 
-/// Collects everything up to ">" or the end of the input: an end tag or a timestamp.
-void take_until_bracket(Cue::Tokenizer_Data& data, Cue::Token_Type eType) {
-    char c = data.cRead();
-    while (!data.fgStop) {
-        if (c == '>') {
-            data.fgStop = true;
-        } else {
-            data.strResult.text += c;
+/// Collects everything up to ">" or the end of the input: an annotation, an end tag or a
+/// timestamp.
+void take_until_bracket(Cue::Tokenizer_Data& data, std::string& taken, Cue::Token_Type eType) {
+    do {
+        const char c = data.cRead();
+        if (!data.fgStop) {
+            if (c == '>') {
+                data.fgStop = true;
+            } else {
+                taken += c;
+            }
+            data.vAdvance();
         }
-        data.vAdvance();
-        c = data.cRead();
+    } while (!data.fgStop && !data.fgTokenReady);
+    if (data.fgStop) {
+        data.vFinish(eType);
     }
-    data.vFinish(eType);
 }
 
 }  // namespace
@@ -56,7 +60,7 @@ void Cue::vProcessTagState(Tokenizer_Data& data) {
 }
 
 void Cue::vProcessStartTagState(Tokenizer_Data& data) {
-    while (data.eState == STATE_START_TAG) {
+    do {
         const char c = data.cRead();
         if (data.fgStop) {
             data.vFinish(TOKEN_START_TAG);
@@ -78,7 +82,7 @@ void Cue::vProcessStartTagState(Tokenizer_Data& data) {
         if (data.iPosition >= data.iLength - 1) {
             data.fgStop = true;
         }
-    }
+    } while (data.fgGoesOn(STATE_START_TAG));
 }
 
 void Cue::vProcessStartTagClassState(Tokenizer_Data& data) {
@@ -102,7 +106,7 @@ void Cue::vProcessStartTagClassState(Tokenizer_Data& data) {
             data.strBuffer.text += c;
         }
         data.vAdvance();
-        if (data.fgTokenReady || data.eState != STATE_START_TAG_CLASS) {
+        if (!data.fgGoesOn(STATE_START_TAG_CLASS)) {
             return;
         }
         c = data.cRead();
@@ -112,26 +116,18 @@ void Cue::vProcessStartTagClassState(Tokenizer_Data& data) {
 }
 
 void Cue::vProcessStartTagAnnotationState(Tokenizer_Data& data) {
-    char c = data.cRead();
-    while (!data.fgStop) {
-        if (c == '>') {
-            data.fgStop = true;
-        } else {
-            data.strBuffer.text += c;
-        }
-        data.vAdvance();
-        c = data.cRead();
+    take_until_bracket(data, data.strBuffer.text, TOKEN_START_TAG);
+    if (data.fgStop) {
+        data.strBuffer.trim();
     }
-    data.strBuffer.trim();
-    data.vFinish(TOKEN_START_TAG);
 }
 
 void Cue::vProcessEndTagState(Tokenizer_Data& data) {
-    take_until_bracket(data, TOKEN_END_TAG);
+    take_until_bracket(data, data.strResult.text, TOKEN_END_TAG);
 }
 
 void Cue::vProcessTimeStampState(Tokenizer_Data& data) {
-    take_until_bracket(data, TOKEN_TIMESTAMP);
+    take_until_bracket(data, data.strResult.text, TOKEN_TIMESTAMP);
 }
 
 }  // namespace webvtt

@@ -91,8 +91,8 @@ bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
         }
     }
     TreeBuilder builder(*this, pRootNode);
-    // A zero byte ends the payload even if the length says otherwise.
-    read_payload(*this, {pcPayload, strnlen(pcPayload, uLength)}, builder);
+    // A zero byte ends the payload, but not the token that it is part of.
+    read_payload(*this, {pcPayload, uLength}, strnlen(pcPayload, uLength), builder);
     return true;
 }
 

@@ -51,7 +51,7 @@ std::string read(std::string_view payload) {
     Log sink;
     support::StdoutCapture capture;
     try {
-        read_payload(cue, {block.data(), block.size()}, sink);
+        read_payload(cue, {block.data(), block.size()}, block.size(), sink);
     } catch (const BadAllocException& error) {
         sink.log += "!";
     }

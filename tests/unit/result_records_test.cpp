@@ -107,16 +107,28 @@ TEST(ResultRecord, CopyHasTextsOfItsOwnAndIsNotInTheQueue) {
     EXPECT_EQ(without_texts.pcText, nullptr);
 }
 
-// A record that is made a copy of itself holds nothing yet that could be copied.
-TEST(ResultRecord, CopyOfItselfReadsNothing) {
-    alignas(WebvttCue) unsigned char storage[sizeof(WebvttCue)];
-    std::memset(storage, 0xFF, sizeof(storage));  // wild pointers
-    // Through a volatile pointer, so that the compiler cannot know it is the same place.
-    void* volatile place = storage;
-    auto* const cue = new (storage) WebvttCue(*static_cast<const WebvttCue*>(place));
-    EXPECT_EQ(cue->pcText, nullptr);
-    EXPECT_EQ(cue->pcAuxText, nullptr);
-    cue->~WebvttCue();
+// Made in its own place, where the compiler cannot know it: hence the volatile pointer.
+TEST(ResultRecord, CopyOfItselfChangesNothing) {
+    WebvttCueNode next;
+    WebvttCueNode node("aux", "text");
+    WebvttCue& cue = node;
+    fill(node);
+    node.prNext = &next;
+    const char* const aux = node.pcAuxText;
+    const char* const text = node.pcText;
+    void* volatile place = &cue;
+    new (place) WebvttCue(*static_cast<const WebvttCue*>(place));
+    EXPECT_EQ(node.pcAuxText, aux);
+    EXPECT_EQ(node.pcText, text);
+    EXPECT_STREQ(node.pcText, "text");
+    EXPECT_EQ(node.prNext, &next);
+    expect_filled(node);
+
+    place = &node;
+    new (place) WebvttCueNode(*static_cast<const WebvttCueNode*>(place));
+    EXPECT_EQ(node.pcText, text);
+    EXPECT_EQ(node.prNext, nullptr);  // as in every copy
+    expect_filled(node);
 }
 
 TEST(ResultRecord, AssigningANodeChangesNothing) {

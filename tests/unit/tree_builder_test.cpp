@@ -192,13 +192,6 @@ TEST(TreeBuilder, SecondPayloadIsAppendedToTheSameRoot) {
     EXPECT_EQ(built.tree(), "root(b('x') 'y' i('z'))");
 }
 
-TEST(TreeBuilder, TerminatingZeroEndsThePayload) {
-    Cue cue;
-    support::ExactText text("a<b>b");
-    EXPECT_TRUE(cue.fgParseCuePayload(text.c_str(), 1000));
-    EXPECT_EQ(dump_tree(cue.pRootNode), "root('a' b('b'))");
-}
-
 TEST(CueLists, TakeCopies) {
     Cue cue;
     WebvttString name("one");
