@@ -15,6 +15,7 @@
 #include "tools/console/failure.h"
 #include "tools/console/message.h"
 #include "tools/console/output.h"
+#include "tools/console/suggestion.h"
 #include "tools/cues/cues_command.h"
 #include "tools/fix/fix_command.h"
 #include "tools/inspect/inspect_command.h"
@@ -22,13 +23,40 @@
 namespace quill {
 namespace {
 
+std::vector<std::string> OptionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* const option : app.get_options()) {
+        for (const std::string& name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> SubcommandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* const subcommand : app.get_subcommands(nullptr)) {
+        names.push_back(subcommand->get_name());
+    }
+    return names;
+}
+
 // A word that stands in the subcommand's place is the mistake, rather than that one is missing.
 std::string DescribeMistake(const CLI::App& app, const CLI::ParseError& error) {
-    const std::vector<std::string> unknown = app.remaining();
-    if (app.get_subcommands().empty() && !unknown.empty()) {
-        return "there is no subcommand or option \"" + unknown.front() + "\"";
+    const std::vector<CLI::App*> chosen = app.get_subcommands();
+    const std::vector<std::string> unknown = app.remaining(true);
+    if (unknown.empty()) {
+        return error.what();
     }
-    return error.what();
+    const std::string& word = unknown.front();
+    const bool is_option = word.substr(0, 1) == "-";
+    const std::string mistake =
+        chosen.empty() ? "there is no subcommand or option \"" + word + '"' : error.what();
+    if (is_option) {
+        return mistake + console::Suggest(word.substr(0, word.find('=')),
+                                          OptionNames(chosen.empty() ? app : *chosen.front()));
+    }
+    return chosen.empty() ? mistake + console::Suggest(word, SubcommandNames(app)) : mistake;
 }
 
 console::ExitCode RunChosen(const std::vector<std::unique_ptr<console::Command>>& commands,

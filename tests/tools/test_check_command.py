@@ -82,7 +82,7 @@ class Command(QuillTest):
     def test_the_examples_of_the_help_work(self):
         text = self.quill("check", "--help").out.decode()
         lines = re.findall("^  (.*quill check .*)$", text, re.MULTILINE)
-        self.assertEqual(len(lines), 5)
+        self.assertEqual(len(lines), 6)
         for line in lines:
             with self.subTest(line):
                 result = self.quill(*line.partition("quill ")[2].split(), stdin=GOOD,

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 
+#include "tools/check/code_page.h"
 #include "tools/check/codes.h"
 #include "tools/console/arguments.h"
 #include "tools/console/message.h"
@@ -37,7 +38,8 @@ Examples:
   quill check --chunk 1460 --fail-on changed track.vtt
   quill check --format json track.vtt
   some-stream | quill check -
-  quill check --codes
+  quill check --select Q1,Q2 track.vtt
+  quill check --explain Q113
 
 Exit codes:
   0  no finding of the level of --fail-on
@@ -81,6 +83,7 @@ CheckCommand::CheckCommand(CLI::App& app)
         "--fail-on", "LEVEL", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
         "What ends in exit code 1: lost (default), changed (or\n"
         "lost), remark (any finding), or never");
+    AddCodeOptions();
     line.AddFlag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
     line.AddFlag("--all", all_, "Print every finding, however many there are of one code");
     line.AddFlag("--sums", in_full_,
@@ -89,6 +92,25 @@ CheckCommand::CheckCommand(CLI::App& app)
     line.AddFlag("--quiet", quiet_, "Print no sums, and show no progress");
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
+}
+
+void CheckCommand::AddCodeOptions() {
+    const auto taker = [](const char* option, std::optional<CodePrefixes>& prefixes) {
+        return [option, &prefixes](const std::string& text) {
+            prefixes = prefixes.value_or(CodePrefixes());
+            AddPrefixes(option, text, *prefixes);
+        };
+    };
+    command_line_.AddRepeatedOption("--select", "CODES", taker("--select", selected_),
+                                    "Report these codes only, such as Q1 (all that begin so)\n"
+                                    "or Q1,Q408; a longer beginning outdoes a shorter one");
+    command_line_.AddRepeatedOption(
+        "--ignore", "CODES", taker("--ignore", ignored_),
+        "Do not report these. Without --select or --ignore, what\n"
+        "a file .quillcheck says counts: the nearest one above a track");
+    command_line_.AddOption("--explain", "CODE", explained_,
+                            "Print what the manual says of the code, with examples, and\n"
+                            "do nothing else");
 }
 
 bool CheckCommand::IsChosen() const {
@@ -102,6 +124,9 @@ console::ExitCode CheckCommand::Run(console::Output& output) {
         std::for_each(Codes(), Codes() + CodeCount(),
                       [&](const Code& code) { output.Write(report->Format(code)); });
         return console::kExitDone;
+    }
+    if (!explained_.empty()) {
+        return ExplainCode(output);
     }
     if (!tracks_.AreGiven()) {
         throw console::Failure(console::kExitUsage,
@@ -120,11 +145,22 @@ console::ExitCode CheckCommand::Run(console::Output& output) {
     }
 }
 
+console::ExitCode CheckCommand::ExplainCode(console::Output& output) const {
+    const Code* const code = FindCode(explained_);
+    if (code == nullptr) {
+        throw console::Failure(console::kExitUsage, "there is no code \"" + explained_ + '"' +
+                                                        SuggestCode(explained_) +
+                                                        " (--codes lists all)");
+    }
+    output.Write(Explain(*code));
+    return console::kExitDone;
+}
+
 CheckOptions CheckCommand::Options(const Report& report) const {
     const SumsWanted sums = quiet_     ? SumsWanted::kNone
                             : in_full_ ? SumsWanted::kInFull
                                        : SumsWanted::kOfFindings;
-    return {{&report, report.Folds() && !all_, sums}, chunk_size_};
+    return {{&report, report.Folds() && !all_, sums}, chunk_size_, selected_, ignored_};
 }
 
 // A track that cannot be read does not keep the others from being checked.

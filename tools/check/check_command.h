@@ -23,6 +23,8 @@ class CheckCommand : public console::Command {
     console::ExitCode Run(console::Output& output) override;
 
   private:
+    void AddCodeOptions();
+    console::ExitCode ExplainCode(console::Output& output) const;
     CheckOptions Options(const Report& report) const;
     console::ExitCode CheckTracks(const CheckOptions& options, console::Output& output) const;
     bool Fails(const Sums& sums) const;
@@ -36,6 +38,9 @@ class CheckCommand : public console::Command {
     bool quiet_ = false;
     std::optional<Severity> fail_on_ = Severity::kLost;
     std::optional<std::uint32_t> chunk_size_;
+    std::optional<CodePrefixes> selected_;
+    std::optional<CodePrefixes> ignored_;
+    std::string explained_;
     std::string module_;
 };
 

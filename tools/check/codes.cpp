@@ -1,8 +1,12 @@
 #include "tools/check/codes.h"
 
+#include <algorithm>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+#include "tools/console/suggestion.h"
 
 namespace quill::check {
 namespace {
@@ -188,6 +192,20 @@ const Code& CodeNamed(std::string_view name) {
         }
     }
     throw std::logic_error("no code is named " + std::string(name));
+}
+
+const Code* FindCode(std::string_view number) {
+    const Code* const code =
+        std::find_if(std::begin(kCodes), std::end(kCodes),
+                     [number](const Code& one) { return one.number == number; });
+    return code == std::end(kCodes) ? nullptr : code;
+}
+
+std::string SuggestCode(std::string_view number) {
+    std::vector<std::string> numbers;
+    std::transform(std::begin(kCodes), std::end(kCodes), std::back_inserter(numbers),
+                   [](const Code& code) { return code.number; });
+    return console::Suggest(number, numbers);
 }
 
 }  // namespace quill::check

@@ -3,6 +3,7 @@
 #define TOOLS_CHECK_CODES_H_
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace quill::check {
@@ -28,6 +29,12 @@ constexpr std::size_t kMostCodes = 128;  // that the table may grow to
 
 // The code with that name, which must be one of the table.
 const Code& CodeNamed(std::string_view name);
+
+// The code with that number; nullptr for none.
+const Code* FindCode(std::string_view number);
+
+// "; did you mean "Q408"?" when a code has a number like that, otherwise empty.
+std::string SuggestCode(std::string_view number);
 
 }  // namespace quill::check
 

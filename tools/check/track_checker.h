@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/check/code_filter.h"
 #include "tools/check/sums.h"
 #include "tools/check/track_printer.h"
 #include "tools/console/progress.h"
@@ -21,6 +22,8 @@ struct CheckOptions {
     Printing printing;
     // Without one the track is played as `quill cues` plays it.
     std::optional<std::uint32_t> chunk_size;
+    std::optional<CodePrefixes> selected;
+    std::optional<CodePrefixes> ignored;
 };
 
 class TrackChecker {
@@ -28,7 +31,10 @@ class TrackChecker {
     // All that is given must outlive the checker; the capture must collect.
     TrackChecker(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                  const CheckOptions& options)
-        : module_(module), capture_(capture), options_(options) {}
+        : module_(module),
+          capture_(capture),
+          options_(options),
+          filters_(options.selected, options.ignored) {}
 
     // `track` is a file, or "-" for standard input. Throws Failure when it cannot be read or is too
     // large, and what `write` throws.
@@ -39,6 +45,7 @@ class TrackChecker {
     const host::ModuleHandle& module_;
     host::DiagnosticsCapture& capture_;
     const CheckOptions& options_;
+    TrackFilters filters_;
 };
 
 }  // namespace quill::check

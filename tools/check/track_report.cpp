@@ -9,6 +9,9 @@ void TrackReport::Say(const Findings& findings) {
 }
 
 void TrackReport::Say(const Finding& finding) {
+    if (!filter_.Lets(*finding.code)) {
+        return;
+    }
     sums_.AddFinding(finding);
     progress_.Wipe();
     sink_.Add(finding);

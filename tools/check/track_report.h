@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/check/code_filter.h"
 #include "tools/check/finding.h"
 #include "tools/check/sums.h"
 #include "tools/console/progress.h"
@@ -22,9 +23,11 @@ class FindingSink {
 // Counts what is found, hands it on, and keeps the progress line out of its way.
 class TrackReport {
   public:
-    // The sink and the progress must outlive this.
-    TrackReport(std::string name, FindingSink& sink, console::Progress& progress)
-        : name_(std::move(name)), sink_(sink), progress_(progress) {}
+    // The sink and the progress must outlive this. What the filter holds back is as if it were not
+    // there.
+    TrackReport(std::string name, FindingSink& sink, console::Progress& progress,
+                CodeFilter filter = {})
+        : name_(std::move(name)), sink_(sink), progress_(progress), filter_(std::move(filter)) {}
 
     Sums& sums() { return sums_; }
 
@@ -39,6 +42,7 @@ class TrackReport {
     std::string name_;
     FindingSink& sink_;
     console::Progress& progress_;
+    CodeFilter filter_;
     Sums sums_;
 };
 
