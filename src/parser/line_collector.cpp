@@ -61,7 +61,7 @@ bool WebVTTParser::fgSaveUnusedBuffer(const char* pcPrefix) {
 /// Appends the chunk's unread tail to the text in m_block and carries the whole to the next call.
 bool WebVTTParser::fgCarryTail() {
     pcUnusedBuffer = nullptr;
-    if (m_block.fgIsEmpty() && !fgIsBufferAvailable()) {
+    if (m_block.fgIsEmpty() && u4ParsingBufferLen == 0) {
         return false;
     }
     std::string_view tail;
