@@ -7,8 +7,8 @@
 namespace webvtt {
 namespace {
 
-// std::cout is there before it is used, in a host written in C too. The <iostream> of newer compilers
-// leaves that to libraries newer than a board may have (src/CMakeLists.txt keeps it from asking).
+// Makes std::cout, in a host written in C too. The <iostream> of newer compilers leaves that to
+// libraries newer than a board may have (src/CMakeLists.txt keeps it from asking for one).
 const std::ios_base::Init kStreams;
 
 }  // namespace

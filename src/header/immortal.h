@@ -12,8 +12,9 @@ template <typename Object>
 class Immortal {
   public:
     template <typename... Arguments>
-    explicit Immortal(Arguments&&... arguments)
-        : m_object(new (m_storage) Object(std::forward<Arguments>(arguments)...)) {}
+    explicit Immortal(Arguments&&... arguments) {
+        m_object = new (m_storage) Object(std::forward<Arguments>(arguments)...);
+    }
     Immortal(const Immortal&) = delete;
     Immortal& operator=(const Immortal&) = delete;
 

@@ -47,7 +47,7 @@ bool WebVTTParser::fgCollectLine(char** ppcLine) {
 }
 
 void WebVTTParser::vDestoryLine(char** ppcLine) {
-    delete[] * ppcLine;
+    delete[] ppcLine[0];
 }
 
 bool WebVTTParser::fgSaveUnusedBuffer(const char* pcPrefix) {

@@ -228,8 +228,8 @@ TEST_P(AllocationFailure, ByteByByte) {
 
 std::string test_name(const testing::TestParamInfo<std::string>& info) {
     std::string name = info.param;
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return c == '.' || c == '-'; }, '_');
+    const auto is_no_letter = [](char c) { return c == '.' || c == '-'; };
+    std::replace_if(name.begin(), name.end(), is_no_letter, '_');
     return name;
 }
 

@@ -150,8 +150,8 @@ const Sample kSamples[] = {
 
 std::string test_name(const testing::TestParamInfo<Sample>& info) {
     std::string name = info.param.name;
-    std::replace_if(
-        name.begin(), name.end(), [](char c) { return c == '.' || c == '-'; }, '_');
+    const auto is_no_letter = [](char c) { return c == '.' || c == '-'; };
+    std::replace_if(name.begin(), name.end(), is_no_letter, '_');
     return name;
 }
 

@@ -20,39 +20,39 @@ static void expect(int condition, const char* what) {
 }
 
 struct Field {
-    const char* name;
     size_t offset, wanted_offset, size, wanted_size;
+    const char* name;
 };
 
 #define FIELD(type, field, offset, size) \
-    { #type "::" #field, offsetof(type, field), offset, sizeof(((type*)0)->field), size }
+    offsetof(type, field), offset, sizeof(((type*)0)->field), size, #type "::" #field
 
 static const struct Field kFields[] = {
-    FIELD(WebvttCueNode, pcAuxText, 0, 4),
-    FIELD(WebvttCueNode, dStartTime, 8, 8),
-    FIELD(WebvttCueNode, dEndTime, 16, 8),
-    FIELD(WebvttCueNode, pcText, 24, 4),
-    FIELD(WebvttCueNode, i4Line, 28, 4),
-    FIELD(WebvttCueNode, fgReserved, 32, 1),
-    FIELD(WebvttCueNode, fgSnapToLines, 33, 1),
-    FIELD(WebvttCueNode, u1Position, 34, 1),
-    FIELD(WebvttCueNode, u1Size, 35, 1),
-    FIELD(WebvttCueNode, eTextAlign, 36, 4),
-    FIELD(WebvttCueNode, eVertical, 40, 4),
-    FIELD(WebvttCueNode, prNext, 44, 4),
-    FIELD(WebvttDataInfo, prCueList, 0, 4),
-    FIELD(WebvttDataInfo, u4CueCount, 4, 4),
-    FIELD(WebvttDataInfo, u4Reserved, 8, 4),
-    FIELD(WebvttModuleMethods, pfnCreate, 0, 4),
-    FIELD(WebvttModuleMethods, pfnRelease, 4, 4),
-    FIELD(WebvttModuleMethods, pfnParse, 8, 4),
-    FIELD(WebvttModuleMethods, pfnSetEventNty, 12, 4),
-    FIELD(WebvttModuleMethods, pfnGetParseResult, 16, 4),
-    FIELD(WebvttModuleMethods, pfnSetVideoPTS, 20, 4),
-    FIELD(WebvttModuleInfo, u4LoaderWord, 0, 4),
-    FIELD(WebvttModuleInfo, pcModuleName, 4, 4),
-    FIELD(WebvttModuleInfo, prMethods, 8, 4),
-    FIELD(WebvttModuleInfo, au1Reserved, 12, 132),
+    {FIELD(WebvttCueNode, pcAuxText, 0, 4)},
+    {FIELD(WebvttCueNode, dStartTime, 8, 8)},
+    {FIELD(WebvttCueNode, dEndTime, 16, 8)},
+    {FIELD(WebvttCueNode, pcText, 24, 4)},
+    {FIELD(WebvttCueNode, i4Line, 28, 4)},
+    {FIELD(WebvttCueNode, fgReserved, 32, 1)},
+    {FIELD(WebvttCueNode, fgSnapToLines, 33, 1)},
+    {FIELD(WebvttCueNode, u1Position, 34, 1)},
+    {FIELD(WebvttCueNode, u1Size, 35, 1)},
+    {FIELD(WebvttCueNode, eTextAlign, 36, 4)},
+    {FIELD(WebvttCueNode, eVertical, 40, 4)},
+    {FIELD(WebvttCueNode, prNext, 44, 4)},
+    {FIELD(WebvttDataInfo, prCueList, 0, 4)},
+    {FIELD(WebvttDataInfo, u4CueCount, 4, 4)},
+    {FIELD(WebvttDataInfo, u4Reserved, 8, 4)},
+    {FIELD(WebvttModuleMethods, pfnCreate, 0, 4)},
+    {FIELD(WebvttModuleMethods, pfnRelease, 4, 4)},
+    {FIELD(WebvttModuleMethods, pfnParse, 8, 4)},
+    {FIELD(WebvttModuleMethods, pfnSetEventNty, 12, 4)},
+    {FIELD(WebvttModuleMethods, pfnGetParseResult, 16, 4)},
+    {FIELD(WebvttModuleMethods, pfnSetVideoPTS, 20, 4)},
+    {FIELD(WebvttModuleInfo, u4LoaderWord, 0, 4)},
+    {FIELD(WebvttModuleInfo, pcModuleName, 4, 4)},
+    {FIELD(WebvttModuleInfo, prMethods, 8, 4)},
+    {FIELD(WebvttModuleInfo, au1Reserved, 12, 132)},
 };
 
 static void check_fields(void) {
