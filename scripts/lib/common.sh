@@ -42,17 +42,20 @@ duration() { echo "$(($1 / 60)) min $(($1 % 60)) s"; }
 # Prints the header comment of the calling script: from its second line to the first empty one.
 usage() { sed -n '2,/^$/{ s/^# \{0,1\}//; /^$/d; p; }' "$0"; }
 
-# The checks are written for Debian 12's clang tools: other versions format differently and know
-# other checks. clang_tool NAME sets clang_tool to that version of the tool, or ends the script as
-# skipped when it is not here.
+# Other versions of the clang tools format differently and know other checks.
+# clang_tool NAME VERSION... sets clang_tool to one of these versions of the tool, or ends the script
+# as skipped when there is none here.
 skipped=77
 clang_tool() {
-    for clang_tool in "$1-14" "$1"; do
-        if "$clang_tool" --version 2>/dev/null | grep -q 'version 14\.'; then
-            return
-        fi
+    local name=$1 version
+    for version in "${@:2}"; do
+        for clang_tool in "$name-$version" "$name"; do
+            if "$clang_tool" --version 2>/dev/null | grep -q "version $version\."; then
+                return
+            fi
+        done
     done
-    say "skipped: needs $1 14, which scripts/setup test installs on Debian 12"
+    say "skipped: needs $name ${*:2}, which scripts/setup test installs if this Debian has it"
     exit "$skipped"
 }
 
