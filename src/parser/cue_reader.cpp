@@ -49,10 +49,9 @@ inline bool WebVTTParser::fgBorrowBlock() {
 
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.
 WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
-    const bool carried = pcUnusedBuffer != nullptr;
+    const bool carried = fgTakeCarried();
     const std::size_t carried_size = m_block.strText().size();
     const unsigned carried_line_feeds = m_block.uLineFeeds();
-    pcUnusedBuffer = nullptr;  // it has become the front of the block
 
     unsigned lines = carried_line_feeds;
     bool content = carried;
@@ -70,7 +69,9 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
         if (!m_block.fgAppendLine(line)) {
             print_error("Alloc %d B memory failed", static_cast<int>(line.bytes.size() + 1));
             m_block.vTruncate(carried_size, carried_line_feeds);
-            pcUnusedBuffer = carried ? m_block.pcOwned() : nullptr;
+            if (carried) {
+                vCarryBlock();
+            }
             return Block_Result::kFailed;
         }
         vConsumeLine(line);

@@ -27,7 +27,7 @@ int WebVTTParser::ersltParseMetadataHeader() {
             print_error("pcDataBuffer == NULL after new");
             return WEBVTT_RESULT_ERROR;
         }
-        pcUnusedBuffer = nullptr;  // it has become the header text
+        fgTakeCarried();
         const Block_Guard guard{*this};
         if (m_block.strText().size() == 1) {
             return WEBVTT_RESULT_OK;

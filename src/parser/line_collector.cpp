@@ -60,7 +60,6 @@ bool WebVTTParser::fgSaveUnusedBuffer(const char* pcPrefix) {
 
 /// Appends the chunk's unread tail to the text in m_block and carries the whole to the next call.
 bool WebVTTParser::fgCarryTail() {
-    pcUnusedBuffer = nullptr;
     if (m_block.fgIsEmpty() && u4ParsingBufferLen == 0) {
         return false;
     }
@@ -73,13 +72,13 @@ bool WebVTTParser::fgCarryTail() {
         throw BadAllocException("Create Unused Buffer failed", nullptr);
     }
     // Carried text may be empty (a tail that begins with a zero byte) and is carried all the same.
-    pcUnusedBuffer = m_block.pcOwned();
+    vCarryBlock();
     return true;
 }
 
 void WebVTTParser::vClearUnusedBuffer() {
     m_block.vClear();
-    pcUnusedBuffer = nullptr;
+    fgTakeCarried();
 }
 
 }  // namespace webvtt

@@ -134,6 +134,8 @@ class WebVTTParser {
     void vClearBlock();
     void vExhaustBuffer();
     bool fgCarryTail();
+    void vCarryBlock();
+    bool fgTakeCarried();
     void vFreeQueue();
 
     BlockBuffer m_block;  // carried text, then the block or header line it grows into
@@ -143,6 +145,18 @@ class WebVTTParser {
 };
 
 // Inline, as every line or block of a track comes through these.
+
+/// What m_block holds is now carried text.
+inline void WebVTTParser::vCarryBlock() {
+    pcUnusedBuffer = m_block.pcOwned();
+}
+
+/// Carried text, if there is any, is now the front of what is being read; it stays in m_block.
+inline bool WebVTTParser::fgTakeCarried() {
+    const bool carried = pcUnusedBuffer != nullptr;
+    pcUnusedBuffer = nullptr;
+    return carried;
+}
 
 /// Looks for the next complete line without consuming it. Notes a CR that ends the chunk.
 inline bool WebVTTParser::fgFindLine(ChunkLine* line) {
