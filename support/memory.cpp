@@ -16,7 +16,7 @@ std::size_t size_on_heap(void* block) {
 
 // Constant-initialised both: operator new is called before main.
 Memory Memory::s_program;
-Memory* Memory::s_current = &Memory::s_program;
+thread_local Memory* Memory::s_current = &Memory::s_program;
 
 void Memory::fail(unsigned first, unsigned last, std::size_t smallest) {
     m_first = first;

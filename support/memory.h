@@ -10,7 +10,8 @@
 
 namespace support {
 
-/// What is allocated and freed while this memory is in use. One thread only.
+/// What is allocated and freed while this memory is in use. For one thread at a time; each thread
+/// begins with that of the program in use.
 class Memory {
   public:
     /// Lets this memory count, and fail by its plan, while it lives. Exceptions that leave the
@@ -58,7 +59,7 @@ class Memory {
     bool fails(std::size_t size);
 
     static Memory s_program;
-    static Memory* s_current;
+    static thread_local Memory* s_current;
 
     unsigned m_first = 1;
     unsigned m_last = 0;

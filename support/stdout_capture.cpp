@@ -5,7 +5,6 @@
 
 #include <cstdlib>
 #include <iostream>
-#include <utility>
 
 namespace support {
 namespace {
@@ -67,21 +66,21 @@ std::string StdoutCapture::take() {
 
 std::string StdoutCapture::more() {
     flush_streams();
-    const std::string all = peek();
-    return all.substr(std::exchange(m_told, all.size()));
+    const std::string bytes = read_from(m_told);
+    m_told += bytes.size();
+    return bytes;
 }
 
-std::string StdoutCapture::peek() const {
+std::string StdoutCapture::read_from(std::size_t begin) const {
     std::string bytes;
     char part[4096];
-    off_t at = 0;
     for (;;) {
+        const auto at = static_cast<off_t>(begin + bytes.size());
         const ssize_t size = pread(fileno(m_file), part, sizeof(part), at);
         if (size <= 0) {
             return bytes;
         }
         bytes.append(part, static_cast<std::size_t>(size));
-        at += static_cast<off_t>(size);
     }
 }
 

@@ -49,9 +49,11 @@ class StdoutCapture {
     std::string more();
 
     /// What has reached the descriptor by now; what waits in a stream's buffer is not part of it.
-    std::string peek() const;
+    std::string peek() const { return read_from(0); }
 
   private:
+    std::string read_from(std::size_t begin) const;
+
     std::FILE* m_file;
     Redirection m_redirection;
     std::size_t m_told = 0;

@@ -13,11 +13,14 @@
 namespace quill::conform {
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr char kOrdinaryStart[] = "! Buffer Exhausted";
 constexpr char kOrdinaryEnd[] = "! FINISHED";
 constexpr char kOrdinaryResult[] = "= 0";
 constexpr char kOpening[] = "WEBVTT\n\n";
-const std::string kTimes = "00:01.000 --> 00:02.000";
+constexpr std::string_view kTimes = "00:01.000 --> 00:02.000 ";
+constexpr std::string_view kTimesLine = "00:01.000 --> 00:02.000\n";
 
 // Takes the lines away that nearly every chunk ends in, when they are all there.
 void DropOrdinaryFrame(std::vector<std::string>& lines) {
@@ -60,9 +63,9 @@ const Verb* Verb::Find(std::string_view name) {
         {"pieces", Arguments::kNumberAndBytes, &CasePlayer::FeedPieces},
         {"send", Arguments::kBytes, &CasePlayer::Send},
         {"show", Arguments::kBytes, &CasePlayer::Show},
-        {"settings", Arguments::kBytes, &CasePlayer::ShowSettings},
-        {"payload", Arguments::kBytes, &CasePlayer::ShowPayload},
-        {"payload-exact", Arguments::kBytes, &CasePlayer::ShowExactPayload},
+        {"settings", Arguments::kBytes, &CasePlayer::Show, kTimes, "\nx\n\n"},
+        {"payload", Arguments::kBytes, &CasePlayer::Show, kTimesLine, "\n\n"},
+        {"payload-exact", Arguments::kBytes, &CasePlayer::Show, kTimesLine, "\0\n\n"sv},
         {"take", Arguments::kNone, &CasePlayer::Take},
         {"pts", Arguments::kNumber, &CasePlayer::SetVideoTime},
         {"release", Arguments::kNone, &CasePlayer::Release},
@@ -70,6 +73,10 @@ const Verb* Verb::Find(std::string_view name) {
     const auto* const found = std::find_if(std::begin(kVerbs), std::end(kVerbs),
                                            [name](const Verb& one) { return one.name == name; });
     return found != std::end(kVerbs) ? found : nullptr;
+}
+
+std::string Verb::Whole(std::string_view bytes) const {
+    return std::string(front).append(bytes).append(back);
 }
 
 CasePlayer::CasePlayer(const support::Methods& methods, Printed printed)
@@ -214,24 +221,8 @@ void CasePlayer::SendBytes(std::string_view bytes) {
 }
 
 void CasePlayer::Show(const CaseCall& call) {
-    ShowBytes(call.bytes);
-}
-
-void CasePlayer::ShowBytes(std::string_view bytes) {
-    SendBytes(bytes);
+    SendBytes(call.verb->Whole(call.bytes));
     Take({});
-}
-
-void CasePlayer::ShowSettings(const CaseCall& call) {
-    ShowBytes(kTimes + " " + call.bytes + "\nx\n\n");
-}
-
-void CasePlayer::ShowPayload(const CaseCall& call) {
-    ShowBytes(kTimes + "\n" + call.bytes + "\n\n");
-}
-
-void CasePlayer::ShowExactPayload(const CaseCall& call) {
-    ShowBytes(kTimes + "\n" + call.bytes + '\0' + "\n\n");
 }
 
 void CasePlayer::Take(const CaseCall& /*call*/) {

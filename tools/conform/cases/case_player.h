@@ -54,9 +54,6 @@ class CasePlayer {
     void FeedPieces(const CaseCall& call);
     void Send(const CaseCall& call);
     void Show(const CaseCall& call);
-    void ShowSettings(const CaseCall& call);
-    void ShowPayload(const CaseCall& call);
-    void ShowExactPayload(const CaseCall& call);
     void Take(const CaseCall& call);
     void SetVideoTime(const CaseCall& call);
     void Release(const CaseCall& call);
@@ -64,7 +61,6 @@ class CasePlayer {
     Lines Parse(const void* data, unsigned int size);
     Lines FeedBytes(std::string_view bytes);
     void SendBytes(std::string_view bytes);
-    void ShowBytes(std::string_view bytes);
     void Add(const Lines& lines);
     static void OnEvent(int event, void* tag, void* info);
     void NoteEvent(int event, std::size_t tag, const void* info);
@@ -88,10 +84,15 @@ struct Verb {
     std::string_view name;
     Arguments arguments;
     void (CasePlayer::*act)(const CaseCall& call);
+    std::string_view front = {};  // stands before the bytes that are fed
+    std::string_view back = {};   // and behind them
 
     bool names_parser() const {
         return arguments == Arguments::kName || arguments == Arguments::kOptionalName;
     }
+
+    // The bytes of a call, as they are fed.
+    std::string Whole(std::string_view bytes) const;
 
     // Null when there is none of that name.
     static const Verb* Find(std::string_view name);
