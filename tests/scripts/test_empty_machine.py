@@ -1,7 +1,7 @@
 """scripts/empty-machine: what it refuses, and that it leaves nothing behind, however it ends.
 
 The Debian in it is played by a few programs of this machine, kept where the script looks for the
-Debian that it has made before.
+Debian that it has made before; the tree by the scripts alone.
 """
 
 import os
@@ -72,18 +72,25 @@ class Machine(unittest.TestCase):
         cls.folder = tempfile.TemporaryDirectory()  # pylint: disable=consider-using-with
         cls.addClassCleanup(cls.folder.cleanup)
         cls.cache = pathlib.Path(cls.folder.name) / "quillcaption"
-        cls.environment = {**os.environ, "XDG_CACHE_HOME": cls.folder.name}
+        cls.tree = pathlib.Path(cls.folder.name) / "tree"
+        shutil.copytree(TREE / "scripts", cls.tree / "scripts")
+        (cls.tree / "build").mkdir()
+        (cls.tree / "build" / "left_out").touch()
         root = cls.cache / "root"
         make_root(root)
         subprocess.run(["tar", "-C", root, "-czf", cls.cache / "trixie.tar.gz", "."], check=True)
         shutil.rmtree(root)
+
+    def setUp(self):
+        self.environment = {**os.environ, "XDG_CACHE_HOME": self.folder.name}
 
     def play(self, command, *options, signalled=None):
         """Runs a bash command there, signals once it says "ready", and sees that nothing is left."""
         mounts = pathlib.Path("/proc/self/mounts").read_text()
         reading, writing = os.pipe()  # whatever is started there holds the writing end
         try:
-            with subprocess.Popen([SCRIPT, "trixie", *options, "--", "bash", "-c", command],
+            with subprocess.Popen([self.tree / "scripts" / "empty-machine", "trixie", *options,
+                                   "--", "bash", "-c", command],
                                   env=self.environment, pass_fds=[writing], text=True,
                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                                   start_new_session=True, preexec_fn=heed_interrupts) as process:
@@ -101,6 +108,14 @@ class Machine(unittest.TestCase):
                          ["trixie-packages", "trixie.tar.gz"])
         return process.returncode, output
 
+    def test_says_when_there_can_be_none(self):
+        """The kernel refuses its namespaces, as in many containers."""
+        programs = pathlib.Path(self.folder.name) / "programs"
+        programs.mkdir()
+        (programs / "unshare").symlink_to("/bin/false")
+        self.environment["PATH"] = f"{programs}:{os.environ['PATH']}"
+        self.assertEqual(self.play("echo not reached", "--archive"), (1, ""))
+
     def test_gives_what_the_command_gives(self):
         self.environment["FOREIGN"] = "of this machine"
         self.assertEqual(self.play("echo $FOREIGN here; exit 7", "--archive"), (7, "here\n"))
@@ -109,9 +124,16 @@ class Machine(unittest.TestCase):
         command = "test ! -e build -a ! -e .git && cat scripts/empty-machine"
         self.assertEqual(self.play(command, "--archive"), (0, SCRIPT.read_text()))
 
-    @unittest.skipUnless((TREE / ".git").exists() and shutil.which("git"), "this is no clone")
+    @unittest.skipUnless(shutil.which("git"), "needs git")
     def test_copies_a_clone(self):
-        self.assertEqual(self.play("test -e .git -a -e README.md"), (0, ""))
+        for command in (["init", "--quiet"], ["add", "scripts/test"],
+                        ["-c", "user.name=n", "-c", "user.email=e", "commit", "--quiet", "-m", "m"]):
+            subprocess.run(["git", *command], cwd=self.tree, check=True)
+        self.addCleanup(shutil.rmtree, self.tree / ".git")
+        (self.tree / ".gitignore").write_text("/build/\n")
+        self.addCleanup((self.tree / ".gitignore").unlink)
+        command = "test -e .git/index -a ! -e build && echo scripts/*-machine scripts/tes?"
+        self.assertEqual(self.play(command), (0, "scripts/empty-machine scripts/test\n"))
 
     def test_ends_what_the_command_left_running(self):
         self.assertEqual(self.play("sleep 1000 & echo done", "--archive"), (0, "done\n"))
