@@ -5,7 +5,7 @@ _quill_subcommands='check conform cues fix inspect'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
-    [check]='--help --files-from --format --chunk --fail-on --select --ignore --explain --codes --all --sums --module --quiet'
+    [check]='--help --files-from --format --chunk --pts --fail-on --select --ignore --explain --codes --all --sums --module --quiet'
     [conform]='--help --list --only --failed-only --cases --timeout --format'
     [cues]='--help --format --chunk --pts --module --quiet'
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
@@ -20,13 +20,8 @@ _quill_value() {
         cues:--format) values='text json srt' ;;
         *:--format) values='text json' ;;
         check:--fail-on) values='lost changed remark never' ;;
-<<<<<<< HEAD
         *:--module | *:--files-from | fix:--output | fix:-o | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | conform:--timeout | *:--only | fix:--skip | fix:--from) ;;
-=======
-        *:--module | *:--files-from | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
-        *:--chunk | *:--pts | check:--select | check:--ignore | check:--explain | conform:--timeout | conform:--only) ;;
->>>>>>> 090cc7f (Select the codes that check reports, explain each, and guess misspelt words)
         *) return 1 ;;
     esac
     if [ -n "$values" ]; then

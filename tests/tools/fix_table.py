@@ -111,9 +111,10 @@ settings(b"line:,end", b"", "3:Q111")
 settings(b"size:40% line:- align:left", b"size:40% align:left", "3:Q111")
 settings(b"align:end\tsize:50%", b"align:end size:50%", "3:Q405 3:Q405")
 settings(b"align:center size:40% position:10%", b"align:middle size:40% position:10%", "3:Q408")
-for kept in (b"align:center align:left", b"align: x", b"size:half", b"colour:red", b"region:a",
-             b"position:120%", b"align:end  size:50% "):
-    settings(kept, kept, "")
+for kept, left in ((b"align:center align:left", "3:Q408"), (b"align: x", "3:Q404 3:Q405"),
+                   (b"size:half", "3:Q406"), (b"colour:red", "3:Q403"), (b"region:a", "3:Q412"),
+                   (b"position:120%", "3:Q407"), (b"align:end  size:50% ", "")):
+    settings(kept, kept, "", left)
 
 # Blank lines.
 cue(b"00:01.000 --> 00:02.000\n\nHi\nyou", b"00:01.000 --> 00:02.000\nHi\nyou", "4:Q108")

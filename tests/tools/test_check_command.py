@@ -38,7 +38,7 @@ class Command(QuillTest):
                  '--fail-on takes lost, changed, remark or never, not "all"'),
                 (("check", "--chunk", "0", self.track),
                  '--chunk takes a whole number of bytes from 1 to 268435456, not "0"'),
-                (("check", "--pts", "1", self.track), "--pts")):
+                (("check", "--pts", "-1", self.track), "--pts takes a whole number of 90 kHz ticks")):
             with self.subTest(arguments):
                 self.assert_fails(self.quill(*arguments), 2, words)
 

@@ -9,7 +9,13 @@ KIB_64 = 65536
 GOOD = b"00:01.000 --> 00:02.000\nHello\n\n"
 REMARK = b"00:01.000 --> 00:02.000 align:center\nHello\n\n"
 LOST = b"soon --> 00:02.000\nHello\n\n"
-TAKEN = "is taken for start [Q408]; use start, middle, end, left or right"
+TAKEN = 'is taken for start [Q408]; write "align:middle"'
+
+
+def in_turn(cues, count):
+    """The cues so many times, each time a minute later, so that none is the same as another."""
+    return b"".join(cues.replace(b"00:0", b"%02d:%02d:0" % divmod(minute, 60))
+                    for minute in range(count))
 
 
 class Screen(QuillTest):
@@ -39,7 +45,7 @@ class Screen(QuillTest):
             "  bytes: 39 = 7 signature + 2 blank lines + 30 delivered"])
 
     def test_the_sums_of_a_track_with_findings(self):
-        sums = " 1 cue delivered in chunks of 99 bytes, 1 lost, 0 changed, 1 remark: 1 Q101, 1 Q408"
+        sums = " 1 cue delivered in chunks of 99 bytes, 1 lost, 1 changed, 0 remarks: 1 Q101, 1 Q408"
         found = self.of(REMARK + LOST, "--chunk", "99")
         self.assertEqual(found[2:], [sums])
         self.assertEqual(self.of(REMARK + LOST, "--chunk", "99", "--sums")[2:], [
@@ -48,19 +54,19 @@ class Screen(QuillTest):
         self.assertEqual(self.of(REMARK + LOST, "--chunk", "99", "--quiet"), found[:2])
 
     def test_findings_of_one_code_fold(self):
-        one = '{}: remark: "align:center" ' + TAKEN
+        one = '{}: changed: "align:center" ' + TAKEN
         three = [one.format(3), one.format(6), one.format(9)]
         for count, rest in ((3, []), (4, ["1 more like these, line 12"]),
                             (800, ["797 more like these, lines 12 to 2400"])):
             with self.subTest(count):
-                self.assertEqual(self.of(REMARK * count, "--quiet"), three + [
-                    f"12: remark: and {more} [Q408]; --all shows each" for more in rest])
-        self.assertEqual(self.of(REMARK * 5, "--quiet", "--all"),
+                self.assertEqual(self.of(in_turn(REMARK, count), "--quiet"), three + [
+                    f"12: changed: and {more} [Q408]; --all shows each" for more in rest])
+        self.assertEqual(self.of(in_turn(REMARK, 5), "--quiet", "--all"),
                          three + [one.format(12), one.format(15)])
 
     def test_each_code_folds_by_itself_and_all_stand_by_line(self):
-        unknown = b"00:01.000 --> 00:02.000\n&copy;\n\n"
-        lines = self.of((REMARK + unknown) * 4, "--quiet")
+        unknown = b"00:03.000 --> 00:04.000\n&copy;\n\n"
+        lines = self.of(in_turn(REMARK + unknown, 4), "--quiet")
         self.assertEqual([line.split(":")[0] for line in lines],
                          ["3", "7", "9", "13", "15", "19", "21", "25"])
         self.assertIn("and 1 more like these, line 21 [Q408]", lines[6])
@@ -97,7 +103,7 @@ class Screen(QuillTest):
         self.file("b.vtt", b"WEBVTT\n\n" + REMARK + LOST)
         self.file("c.vtt", b"WEBVTT\n\n" + REMARK)
         total = "total: 3 tracks, 2 with findings: 3 cues delivered in chunks of 65536 bytes, " \
-                "1 lost, 0 changed, 2 remarks: 1 Q101, 2 Q408"
+                "1 lost, 2 changed, 0 remarks: 1 Q101, 2 Q408"
         self.assertEqual(self.printed(".", code=1)[-1], total)
         self.assertEqual(self.printed(".", "--sums", code=1)[-3:], [
             total, "  header lines: 0 used, 0 ignored; comments: 0",

@@ -104,7 +104,7 @@ class Command(QuillTest):
         self.assertEqual((result.code, result.out), (2, b""))
         self.assertEqual(self.messages(result), [
             page + ": nothing was written: the file looks like an HTML page [Q135]; a server may "
-            "have sent an error page; look at it and fetch the track again",
+            "have sent it; look at it and fetch the track again",
             missing + ": No such file or directory"])
         self.assertEqual((self.content(page), self.content(self.track)),
                          (b"<!DOCTYPE html>\n", GOOD))

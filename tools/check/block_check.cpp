@@ -45,6 +45,9 @@ void BlockCheck::Run(std::size_t begin, std::uint32_t line) {
         report_.ShowProgress(track_.size() / 4 + reached / 4 * 3, track_.size());
     }
     sums.AddBytes(ByteClass::kBlank, track_.size() - reached);
+    if (!has_blocks_ && sums.Count(Severity::kLost) == 0) {
+        report_.Say(Finding(1, "no-cues", "the track has no cue"));
+    }
     ReportStrays(SIZE_MAX);
 }
 
@@ -54,6 +57,7 @@ ByteClass BlockCheck::Judge(const Block& block, const Verdict& verdict, Findings
                                      : JudgeLost(block, verdict, findings);
     std::stable_sort(findings.begin(), findings.end(),
                      [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    NoteForm(block, verdict);
     neighbours_.Note(block, verdict, findings.empty() ? block.first_line : findings[0].line);
     return byte_class;
 }
@@ -73,6 +77,12 @@ ByteClass BlockCheck::JudgeDelivered(const Block& block, const Verdict& verdict,
             break;
     }
     remarks_.Examine(text_, verdict, findings);
+    if (play_.offset < 0 && play_.offset + verdict.cue.end <= 0) {
+        findings.emplace_back(text_.number(text_.TimingIndex()), "before-zero",
+                              "the cue ends at " +
+                                  console::FormatTime(play_.offset + verdict.cue.end, '.') +
+                                  " when it is mapped, before the video begins");
+    }
     if (block.is_open) {
         findings.emplace_back(text_.number(text_.size() - 1), "last-blank-line",
                               "no blank line ends the last cue");
@@ -81,16 +91,58 @@ ByteClass BlockCheck::JudgeDelivered(const Block& block, const Verdict& verdict,
 }
 
 ByteClass BlockCheck::JudgeLost(const Block& block, const Verdict& verdict, Findings& findings) {
+    const bool is_comment = text_.IsComment() || text_.IsStyle();
+    if (block.is_rest && above_ == BlockForm::kComment) {
+        return ByteClass::kComment;
+    }
     if (block.is_rest) {
-        findings.emplace_back(block.first_line, "eleventh-line",
-                              "the block is cut off before " + Quoted(text_.text(0)));
+        ExplainRest(block, verdict, findings);
         return ByteClass::kCut;
     }
-    if (text_.IsComment() || text_.IsStyle()) {
+    // What runs on from a comment was meant for a cue.
+    const std::size_t arrow = text_.ArrowLine();
+    const bool holds_cue =
+        arrow > 1 && arrow < text_.size() && IsTimingLine(text_.text(arrow), asked_);
+    if (is_comment && !holds_cue) {
         return JudgeComment(findings);
     }
-    findings.push_back(ExplainLoss(text_, verdict));
+    ExplainLost(block, verdict, findings);
     return ByteClass::kLost;
+}
+
+// One finding for one fault: a text that is cut off from its timing line, and an identifier that a
+// surplus carriage return cuts off, are spoken of where the timing line is.
+void BlockCheck::ExplainLost(const Block& block, const Verdict& verdict, Findings& findings) {
+    const Surroundings around = LookAround(track_, block, above_);
+    const bool has_times = text_.ArrowLine() < text_.size();
+    const bool is_identifier = around.ends_in_two_returns && around.below == BlockForm::kCue;
+    if (!has_times && (awaits_text_ || is_identifier)) {
+        return;
+    }
+    findings.push_back(ExplainLoss(text_, verdict, around, asked_));
+}
+
+// The rest of a block that was cut after ten lines.
+void BlockCheck::ExplainRest(const Block& block, const Verdict& verdict, Findings& findings) {
+    findings.emplace_back(block.first_line, "eleventh-line",
+                          "the block is cut off before " + Quoted(text_.text(0)));
+    if (text_.ArrowLine() < text_.size()) {
+        findings.push_back(ExplainLoss(text_, verdict, {}, asked_));
+    }
+}
+
+void BlockCheck::NoteForm(const Block& block, const Verdict& verdict) {
+    const bool has_times = text_.ArrowLine() < text_.size();
+    const bool is_comment = text_.IsComment() || text_.IsStyle();
+    has_blocks_ = has_blocks_ || !(is_comment || (block.is_rest && above_ == BlockForm::kComment));
+    awaits_text_ =
+        verdict.fate == Fate::kError && has_times && text_.TimingIndex() + 1 == text_.size();
+    if (!block.is_rest || above_ != BlockForm::kComment) {
+        above_ = has_times                       ? BlockForm::kCue
+                 : is_comment                    ? BlockForm::kComment
+                 : above_ == BlockForm::kNothing ? BlockForm::kText
+                                                 : above_;
+    }
 }
 
 ByteClass BlockCheck::JudgeComment(Findings& findings) {

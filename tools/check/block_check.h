@@ -39,6 +39,9 @@ class BlockCheck {
     ByteClass JudgeDelivered(const Block& block, const Verdict& verdict, Findings& findings);
     ByteClass JudgeLost(const Block& block, const Verdict& verdict, Findings& findings);
     ByteClass JudgeComment(Findings& findings);
+    void ExplainLost(const Block& block, const Verdict& verdict, Findings& findings);
+    void ExplainRest(const Block& block, const Verdict& verdict, Findings& findings);
+    void NoteForm(const Block& block, const Verdict& verdict);
     void ReportStrays(std::size_t chunk);
 
     std::string_view track_;
@@ -51,6 +54,9 @@ class BlockCheck {
     CueMatcher matcher_;
     Neighbours neighbours_;
     BlockText text_;
+    BlockForm above_ = BlockForm::kNothing;  // of the block above
+    bool awaits_text_ = false;  // the finding of the block above speaks of the text below it
+    bool has_blocks_ = false;   // that are no comments
     LineCounter line_counter_;
 };
 

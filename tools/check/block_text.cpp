@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "tools/check/timing_mend.h"
+
 namespace quill::check {
 namespace {
-
-constexpr std::string_view kArrow = "-->";
 
 std::string_view TrimSpaces(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
@@ -31,17 +31,6 @@ bool BlockText::HasZeroByte() const {
 
 bool BlockText::HasArrow(std::size_t index) const {
     return index < size() && text(index).find(kArrow) != std::string_view::npos;
-}
-
-bool BlockText::IsComment() const {
-    const std::string_view first = text(0);
-    return first.substr(0, 4) == "NOTE" &&
-           (first.size() == 4 || first[4] == ' ' || first[4] == '\t');
-}
-
-bool BlockText::IsStyle() const {
-    const std::string_view first = text(0).substr(0, text(0).find_last_not_of(" \t") + 1);
-    return first == "STYLE" || first == "REGION";
 }
 
 std::size_t BlockText::ArrowLine() const {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/check/surroundings.h"
 #include "tools/check/track_text.h"
 
 namespace quill::check {
@@ -34,9 +35,9 @@ class BlockText {
 
     bool HasZeroByte() const;
     // NOTE, alone or with something behind it on its line.
-    bool IsComment() const;
+    bool IsComment() const { return IsCommentLine(text(0)); }
     // STYLE or REGION alone.
-    bool IsStyle() const;
+    bool IsStyle() const { return IsStyleLine(text(0)); }
     // The first line with an arrow, or size() when there is none.
     std::size_t ArrowLine() const;
 

@@ -27,7 +27,7 @@ constexpr char kFooter[] = R"(A finding is one line, which editors can jump to:
 Severities:
   lost     a cue, or the whole track, does not arrive: for its own fault (Q1..), or because it
            shares a chunk with something else (Q2..)
-  changed  it arrives, but not as it was written (Q3..)
+  changed  it arrives, but not as it was written (Q3.., and settings in Q4..)
   remark   it arrives, and is worth a look (Q4..)
 Of one code the first three are shown, and those that a chunk takes with it as one; --all shows
 each. The sums follow, and for several tracks their total. A track without a finding prints
@@ -79,6 +79,13 @@ CheckCommand::CheckCommand(CLI::App& app)
         },
         "Play the track in chunks of this size (default: 65536, as\n"
         "quill cues does); the first one always holds the first line");
+    line.AddOption(
+        "--pts", "TICKS",
+        [this](const std::string& text) {
+            video_pts_ = console::ParseWholeNumber("--pts", "a whole number of 90 kHz ticks", text,
+                                                   0, UINT32_MAX);
+        },
+        "The video's presentation time, as in quill cues: says\nwhich cues end before it");
     line.AddOption(
         "--fail-on", "LEVEL", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
         "What ends in exit code 1: lost (default), changed (or\n"
@@ -160,7 +167,7 @@ CheckOptions CheckCommand::Options(const Report& report) const {
     const SumsWanted sums = quiet_     ? SumsWanted::kNone
                             : in_full_ ? SumsWanted::kInFull
                                        : SumsWanted::kOfFindings;
-    return {{&report, report.Folds() && !all_, sums}, chunk_size_, selected_, ignored_};
+    return {{&report, report.Folds() && !all_, sums}, chunk_size_, video_pts_, selected_, ignored_};
 }
 
 // A track that cannot be read does not keep the others from being checked.

@@ -38,6 +38,7 @@ class CheckCommand : public console::Command {
     bool quiet_ = false;
     std::optional<Severity> fail_on_ = Severity::kLost;
     std::optional<std::uint32_t> chunk_size_;
+    std::uint32_t video_pts_ = 0;
     std::optional<CodePrefixes> selected_;
     std::optional<CodePrefixes> ignored_;
     std::string explained_;

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/check/characters.h"
 #include "tools/console/cue_time.h"
 #include "tools/console/escape.h"
 
@@ -77,6 +78,15 @@ bool HasMarkup(const BlockText& block) {
     return false;
 }
 
+bool ShowsNothing(std::string_view text) {
+    constexpr std::size_t kMostBytes = 64;
+    if (text.size() > kMostBytes) {
+        return false;
+    }
+    const std::string plain = Plain(text);
+    return plain.find_first_not_of(" \n") == std::string::npos;
+}
+
 }  // namespace
 
 void CueRemarks::Examine(const BlockText& block, const Verdict& verdict, Findings& findings) {
@@ -85,8 +95,14 @@ void CueRemarks::Examine(const BlockText& block, const Verdict& verdict, Finding
         findings.emplace_back(block.number(0), "comment-shown", "a comment is shown as a cue");
     }
     ExamineTimes(block, timing, verdict.cue, findings);
+    order_.Examine(verdict.cue, block.number(block.TimingIndex()), findings);
     settings_.Examine(timing.settings, block.number(block.TimingIndex()), findings);
     ExamineLines(block, findings);
+    lines_.Examine(block, findings);
+    if (ShowsNothing(verdict.cue.text)) {
+        findings.emplace_back(block.number(block.TimingIndex()), "blank-text",
+                              "the cue shows nothing");
+    }
     if (HasMarkup(block)) {
         text_.Examine(block.Payload(), block.number(block.TimingIndex() + 1), verdict.printed,
                       findings);

@@ -2,20 +2,33 @@
 
 #include <cstddef>
 
-#include "tools/console/escape.h"
+#include "tools/check/characters.h"
 
 namespace quill::check {
 
-std::string Quoted(std::string_view text) {
-    constexpr std::size_t kMostBytes = 40;
-    if (text.size() <= kMostBytes) {
-        return '"' + console::Escape(text, console::LineFeeds::kEscape) + '"';
+namespace {
+
+std::string QuotedUpTo(std::size_t most_bytes, std::string_view text) {
+    if (text.size() <= most_bytes) {
+        return '"' + Visible(text) + '"';
     }
-    std::size_t end = kMostBytes;
-    while (end > kMostBytes - 3 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) {
+    std::size_t end = most_bytes;
+    while (end > most_bytes - 3 && (static_cast<unsigned char>(text[end]) & 0xC0u) == 0x80u) {
         --end;  // not through the middle of a character
     }
-    return '"' + console::Escape(text.substr(0, end), console::LineFeeds::kEscape) + "...\"";
+    return '"' + Visible(text.substr(0, end)) + "...\"";
+}
+
+}  // namespace
+
+std::string Quoted(std::string_view text) {
+    constexpr std::size_t kFewWords = 40;
+    return QuotedUpTo(kFewWords, text);
+}
+
+std::string QuotedWhole(std::string_view text) {
+    constexpr std::size_t kLongestLine = 400;
+    return QuotedUpTo(kLongestLine, text);
 }
 
 }  // namespace quill::check

@@ -1,6 +1,13 @@
 #include "tools/check/header_check.h"
 
+#include <cmath>
+
+#include "tools/check/characters.h"
+#include "tools/check/loss_reason.h"
+#include "tools/check/map_mend.h"
 #include "tools/check/module_words.h"
+#include "tools/check/timing_mend.h"
+#include "tools/console/cue_time.h"
 #include "tools/host/track_reader.h"
 
 namespace quill::check {
@@ -9,6 +16,7 @@ namespace {
 constexpr std::string_view kBeginning = "WEBVTT\n";
 constexpr std::string_view kMap = "X-TIMESTAMP-MAP";
 constexpr std::string_view kRegion = "Region:";
+constexpr std::string_view kCueAtZero = "00:00.000 --> 00:00.000\nx\n\n";
 
 bool BeginsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
@@ -23,11 +31,16 @@ std::string Complete(const Line& line) {
 
 HeaderCheck::HeaderCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                          std::string_view track, const ChunkPlan& plan)
-    : module_(module), capture_(capture), track_(track), plan_(plan) {}
+    : module_(module),
+      capture_(capture),
+      track_(track),
+      plan_(plan),
+      asked_(module, capture, "WEBVTT\n\n") {}
 
 void HeaderCheck::Run(std::size_t begin, Findings& findings, Sums& sums) {
     LoneParser parser(module_, capture_, kBeginning);
     end_ = begin;
+    ExamineSignature(findings);
     bool goes_on = true;
     while (goes_on && end_ < track_.size()) {
         const Line line = LineAt(track_, end_);
@@ -72,12 +85,53 @@ HeaderCheck::Use HeaderCheck::Examine(const Line& line, const Verdict& verdict,
     if (is_known) {
         return Use::kUsed;
     }
-    if (line.text.find("-->") != std::string_view::npos) {
-        behind_times_ = true;
-        findings.emplace_back(line_, "times-in-header",
-                              "the timing line " + Quoted(line.text) + " is in the header");
+    if (IsLikeMap(line.text)) {
+        findings.emplace_back(line_, "map-name",
+                              Quoted(line.text) + " does not begin with X-TIMESTAMP-MAP",
+                              WriteMap(line.text));
+        return Use::kIgnored;
     }
+    ExamineTimes(line, findings);
     return behind_times_ ? Use::kLost : Use::kIgnored;
+}
+
+void HeaderCheck::ExamineSignature(Findings& findings) {
+    const std::string_view text = LineAt(track_, 0).text;
+    if (const std::size_t map = FindMap(text); map != std::string_view::npos) {
+        const std::string mended = MendMap(text.substr(map)).mended;
+        findings.emplace_back(
+            1, "map-on-first-line", "a map header stands on the first line",
+            mended.empty() ? ""
+                           : "put it on a line of its own below the first, " + QuotedWhole(mended));
+    }
+    if (text.find(kArrow) != std::string_view::npos) {
+        findings.emplace_back(1, "times-on-first-line", "the first line holds a timing line");
+    }
+}
+
+// A line that only looks blank is to blame for the first timing line below it.
+void HeaderCheck::ExamineTimes(const Line& line, Findings& findings) {
+    if (LooksBlank(line.text)) {
+        looks_blank_ = line_;
+        blank_characters_ = NamesIn(line.text);
+    } else if (line.text.find(kArrow) != std::string_view::npos) {
+        behind_times_ = true;
+        if (looks_blank_ != 0) {
+            findings.emplace_back(looks_blank_, "looks-blank",
+                                  "the line is not blank: it holds " + blank_characters_);
+            looks_blank_ = 0;
+        } else {
+            std::string fix = BlankLineAbove(above_, line_ - 1);
+            if (!IsTimingLine(line.text, asked_)) {
+                const std::string instead = WriteInstead(line.text, asked_);
+                fix += instead.empty() ? "" : " and " + instead;
+            }
+            findings.emplace_back(line_, "times-in-header",
+                                  "the timing line " + Quoted(line.text) + " is in the header",
+                                  fix);
+        }
+    }
+    above_ = line.text;
 }
 
 HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdict,
@@ -93,14 +147,63 @@ HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdic
         return Use::kIgnored;
     }
     if (Says(verdict.printed, words::kMapValue)) {
-        findings.emplace_back(line_, "map-value", "invalid value in " + Quoted(line.text));
+        findings.emplace_back(line_, "map-value",
+                              "no time is mapped: " + MendMap(line.text).complaint,
+                              WriteMap(line.text));
         return Use::kIgnored;
     }
     if (Says(verdict.printed, words::kMap)) {
-        findings.emplace_back(line_, "map-item", "unknown item in " + Quoted(line.text));
+        findings.emplace_back(line_, "map-item",
+                              "no time is mapped: " + MendMap(line.text).complaint,
+                              WriteMap(line.text));
         return Use::kIgnored;
     }
+    ExamineShift(line, findings);
     return Use::kUsed;
+}
+
+// Compares what the map says with what it does.
+void HeaderCheck::ExamineShift(const Line& line, Findings& findings) {
+    constexpr double kTolerance = 0.5;
+    const MapMend meant = MendMap(line.text);
+    if (meant.mended.empty()) {
+        return;
+    }
+    const double shift = AskShift(Complete(line));
+    if (std::fabs(shift - meant.shift) < kTolerance) {
+        return;
+    }
+    if (meant.mpeg_time == UINT32_MAX) {
+        findings.emplace_back(
+            line_, "map-number",
+            "MPEGTS:" + std::to_string(meant.mpeg_time) + " counts as none, and no time is mapped",
+            "write " + QuotedWhole(MapWithTicks(meant, meant.mpeg_time - 1)));
+        return;
+    }
+    findings.emplace_back(line_, "map-number",
+                          "the map shifts by " + console::FormatTime(shift, '.') + ", not by " +
+                              console::FormatTime(meant.shift, '.'),
+                          std::string("remove the map and ") +
+                              (meant.shift < 0 ? "subtract " : "add ") +
+                              console::FormatTime(std::fabs(meant.shift), '.') +
+                              (meant.shift < 0 ? " from every time" : " to every time"));
+}
+
+double HeaderCheck::AskShift(const std::string& map) {
+    LoneParser parser(module_, capture_, kBeginning);
+    parser.Ask(map);
+    return parser.Ask("\n" + std::string(kCueAtZero)).cue.start;
+}
+
+std::string HeaderCheck::WriteMap(std::string_view line) {
+    const MapMend meant = MendMap(line);
+    if (meant.mended.empty()) {
+        return "";
+    }
+    LoneParser parser(module_, capture_, kBeginning);
+    const Verdict& verdict = parser.Ask(meant.mended + "\n");
+    const bool is_taken = verdict.fate == Fate::kInHeader && !Says(verdict.printed, words::kMap);
+    return is_taken ? "write " + QuotedWhole(meant.mended) : "";
 }
 
 // Has the module read the map behind the one before, in one call: one that it reads makes it print

@@ -24,7 +24,7 @@ class HeaderCheck {
     HeaderCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                 std::string_view track, const ChunkPlan& plan);
 
-    // Goes through the header, from the line behind the signature on.
+    // Goes through the header, from the line behind the signature, which is looked at too.
     void Run(std::size_t begin, Findings& findings, Sums& sums);
 
     // Where the header ends, and the number of the line there.
@@ -37,7 +37,13 @@ class HeaderCheck {
     enum class Use { kUsed, kIgnored, kLost };
 
     Use Examine(const Line& line, const Verdict& verdict, Findings& findings);
+    void ExamineSignature(Findings& findings);
+    void ExamineTimes(const Line& line, Findings& findings);
     Use ExamineMap(const Line& line, const Verdict& verdict, Findings& findings);
+    void ExamineShift(const Line& line, Findings& findings);
+    double AskShift(const std::string& map);
+    // The fix of a map; empty when the module does not take it.
+    std::string WriteMap(std::string_view line);
     bool IsLostInPieces(const Line& line, const Verdict& verdict);
     bool IsSecondMap(const Line& line);
     std::size_t ChunkOf(const Line& line) const {
@@ -51,7 +57,11 @@ class HeaderCheck {
     std::size_t end_ = 0;
     std::uint32_t line_ = 1;
     bool behind_times_ = false;
-    std::optional<Line> map_;  // the first one of its chunk
+    LoneParser asked_;               // about lines that are nearly timing lines
+    std::string above_;              // the line above
+    std::uint32_t looks_blank_ = 0;  // the last line that does; none is 0
+    std::string blank_characters_;   // that it holds
+    std::optional<Line> map_;        // the first one of its chunk
     std::vector<std::size_t> throwing_chunks_;
 };
 

@@ -1,78 +1,47 @@
 #include "tools/check/loss_reason.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "tools/check/characters.h"
+#include "tools/check/map_mend.h"
 #include "tools/check/module_words.h"
+#include "tools/check/tag_reason.h"
+#include "tools/check/time_mend.h"
+#include "tools/check/timing_mend.h"
 
 namespace quill::check {
 namespace {
 
-// What stands between the two texts in the module's words; nothing when they are not there.
-std::optional<std::string_view> Between(std::string_view printed, std::string_view before,
-                                        std::string_view behind) {
-    const std::size_t at = printed.find(before);
-    if (at == std::string_view::npos) {
-        return std::nullopt;
-    }
-    const std::string_view rest = printed.substr(at + before.size());
-    return rest.substr(0, std::min(rest.find(behind), rest.size()));
-}
+constexpr std::string_view kPageComment = "<!--";
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
-// What is wrong with a time, with a colon and a space before it; empty when it is hard to tell.
-std::string TimeComplaint(std::string_view time) {
-    constexpr std::size_t kFractionDigits = 3;
-    if (time.empty()) {
-        return ": there is none";
-    }
-    if (time.find('\t') != std::string_view::npos) {
-        return ": a tab is taken for a part of it";
-    }
-    const std::size_t point = time.find('.');
-    if (point == std::string_view::npos) {
-        return ": it has no milliseconds";
-    }
-    if (time.size() - point - 1 != kFractionDigits) {
-        return ": the point has not three digits behind it";
-    }
-    return "";
-}
-
-Finding InvalidTime(const BlockText& block, const std::string& which, std::string_view time) {
+Finding InvalidTime(const BlockText& block, const std::string& which, std::string_view time,
+                    LoneParser& asked) {
+    const std::string_view text = block.text(block.TimingIndex());
     const std::uint32_t line = block.number(block.TimingIndex());
-    const std::string name = which + "-time";
-    if (time.find(',') != std::string_view::npos) {
-        return {line, name + "-comma", which + " time " + Quoted(time) + " with a decimal comma"};
+    const std::string fix = WriteInstead(text, asked);
+    if (text.find(kPageComment) != std::string_view::npos) {
+        return {line, "page-comment", "a page comment is taken for a timing line"};
     }
-    return {line, name, "invalid " + which + " time " + Quoted(time) + TimeComplaint(time)};
-}
-
-// The line of the block on which the tag begins.
-std::size_t TagLine(const BlockText& block, std::string_view name) {
-    const std::string tag = "<" + std::string(name.substr(0, name.find('\n')));
-    for (std::size_t index = block.TimingIndex() + 1; index < block.size(); ++index) {
-        const std::size_t at = block.text(index).find(tag);
-        if (at == std::string_view::npos) {
-            continue;
-        }
-        const std::string_view behind = block.text(index).substr(at + tag.size());
-        if (behind.empty() ||
-            std::string_view(">. \t\f").find(behind[0]) != std::string_view::npos) {
-            return index;
-        }
+    if (block.TimingIndex() == 0 && block.size() > 1 && IsTimingLine(block.text(1), asked)) {
+        return {line, "identifier-arrow",
+                "the identifier " + Quoted(text) + " is taken for the timing line"};
     }
-    return std::min(block.TimingIndex() + 1, block.size() - 1);
-}
-
-Finding UnknownTag(const BlockText& block, std::string_view name) {
-    const std::uint32_t line = block.number(TagLine(block, name));
-    if (name.empty()) {
-        return {line, "unnamed-tag", "a \"<\" that begins no tag"};
+    if (const auto mend = MendTimingLine(text); mend && mend->arrow != kArrow) {
+        return {line, "wrong-arrow", Quoted(mend->arrow) + " stands between the times", fix};
     }
-    return {line, "unknown-tag", "unknown start tag " + Quoted("<" + std::string(name) + ">")};
+    const TimeMend mend = MendTime(time);
+    if (mend.has_comma && FindLookAlike(time) == nullptr) {
+        return {line, which + "-time-comma",
+                which + " time " + Quoted(time) + " with a decimal comma", fix};
+    }
+    return {line, which + "-time",
+            "invalid " + which + " time " + Quoted(time) +
+                (mend.complaint.empty() ? "" : ": " + mend.complaint),
+            fix};
 }
 
 Finding LineSetting(const BlockText& block) {
@@ -86,72 +55,149 @@ Finding LineSetting(const BlockText& block) {
             "no number in the setting " + Quoted(settings)};
 }
 
-// Something that was meant for an arrow, behind something that may be a time. For a text without
-// an arrow.
-bool HasWrongArrow(std::string_view text) {
-    static constexpr std::array<std::string_view, 5> kArrows = {"->", "-- >", "\xE2\x80\x94>",
-                                                                "\xE2\x80\x93>", "\xE2\x86\x92"};
-    return text.find(':') != std::string_view::npos &&
-           std::any_of(kArrows.begin(), kArrows.end(), [text](std::string_view arrow) {
-               const std::size_t at = text.find(arrow);
-               return at != std::string_view::npos &&
-                      text.substr(0, at).find_first_of("0123456789") != std::string_view::npos;
-           });
+Finding NoText(const BlockText& block, const Surroundings& around) {
+    const std::uint32_t line = block.number(block.TimingIndex());
+    if (around.ends_in_two_returns) {
+        return {line, "two-returns", "the line ends in two carriage returns and a line feed"};
+    }
+    if (around.below != BlockForm::kText) {
+        return {line, "no-text", "no text below the timing line",
+                "write a text below it, or remove it"};
+    }
+    const std::string lines = around.blank_lines_below == 1
+                                  ? "blank line"
+                                  : std::to_string(around.blank_lines_below) + " blank lines";
+    return {line, "no-text",
+            "the text stands behind " + (around.blank_lines_below == 1 ? "a " + lines : lines),
+            "remove the " + lines + " below it"};
 }
 
-Finding NoTimes(const BlockText& block) {
-    const std::size_t arrow = block.ArrowLine();
-    if (arrow < block.size()) {
-        return {block.number(arrow), "late-times",
-                "the timing line is line " + std::to_string(arrow + 1) + " of its block"};
-    }
-    for (std::size_t index = 0; index < block.size(); ++index) {
-        if (HasWrongArrow(block.text(index))) {
-            return {block.number(index), "wrong-arrow",
-                    "no \"-->\" in " + Quoted(block.text(index))};
+// A block whose timing line comes too late.
+Finding LateTimes(const BlockText& block, std::size_t arrow, LoneParser& asked) {
+    for (std::size_t index = arrow; index-- > 0;) {
+        if (LooksBlank(block.text(index))) {
+            return {block.number(index), "looks-blank",
+                    "the line is not blank: it holds " + NamesIn(block.text(index))};
         }
     }
-    if (block.text(0).substr(0, 15) == "X-TIMESTAMP-MAP") {
-        return {block.number(0), "late-map", "a map header behind the header"};
+    std::string fix = BlankLineAbove(block.text(arrow - 1), block.number(arrow - 1));
+    if (!IsTimingLine(block.text(arrow), asked)) {
+        const std::string instead = WriteInstead(block.text(arrow), asked);
+        fix += instead.empty() ? "" : " and " + instead;
     }
-    if (block.size() == 1) {
-        return {block.number(0), "lone-line", "a line on its own, " + Quoted(block.text(0))};
-    }
-    return {block.number(0), "no-times", "no timing line in the block " + Quoted(block.text(0))};
+    return {block.number(arrow), "late-times",
+            "the timing line is line " + std::to_string(arrow + 1) + " of its block", fix};
 }
 
-Finding ExplainFailure(const BlockText& block, const Verdict& verdict) {
+// A block without a timing line that is none of the known ones.
+Finding Stray(const BlockText& block, const Surroundings& around) {
+    const std::string_view first = block.text(0);
+    const bool alone = block.size() == 1;
+    const bool is_number = first.find_first_not_of("0123456789") == std::string_view::npos;
+    const bool is_below = around.above == BlockForm::kCue || around.above == BlockForm::kComment;
+    std::string fix;
+    if (alone && around.below == BlockForm::kCue && (is_number || !is_below)) {
+        fix = "remove the blank line below it, if it is the identifier of that cue";
+    } else if (is_below) {
+        fix = "remove the blank line above it, or put NOTE above it if it is a comment";
+    }
+    return {block.number(0), alone ? "lone-line" : "no-times",
+            (alone ? "a line on its own, " : "no timing line in the block ") + Quoted(first), fix};
+}
+
+Finding SecondTrack(const BlockText& block) {
+    const bool has_map = block.size() > 1 && IsLikeMap(block.text(1));
+    return {block.number(0), "second-track",
+            std::string("a second track begins here") + (has_map ? "; its map is not read" : ""),
+            has_map ? "make a file of its own of what begins here" : ""};
+}
+
+Finding NoTimes(const BlockText& block, const Surroundings& around, LoneParser& asked) {
+    if (IsSignature(block.text(0))) {
+        return SecondTrack(block);
+    }
+    const std::size_t arrow = block.ArrowLine();
+    if (arrow < block.size() && arrow > 0) {
+        return LateTimes(block, arrow, asked);
+    }
+    for (std::size_t index = 0; index < block.size(); ++index) {
+        const std::optional<TimingMend> mend = MendTimingLine(block.text(index));
+        if (mend && mend->arrow != kArrow) {
+            const std::string between = mend->arrow.empty() ? "nothing" : Quoted(mend->arrow);
+            return {block.number(index), "wrong-arrow", between + " stands between the times",
+                    WriteInstead(block.text(index), asked)};
+        }
+    }
+    if (IsLikeMap(block.text(0))) {
+        const std::string mended = MendMap(block.text(0)).mended;
+        const bool same = mended.empty() || mended == block.text(0);
+        return {block.number(0), "late-map", "a map header behind the header",
+                same ? "" : "write " + QuotedWhole(mended) + " below the first line"};
+    }
+    return Stray(block, around);
+}
+
+Finding ExplainFailure(const BlockText& block, const Verdict& verdict, const Surroundings& around,
+                       LoneParser& asked) {
     const std::string& printed = verdict.printed;
     if (const auto end = Between(printed, words::kEndTime, ">\n")) {
-        return InvalidTime(block, "end", *end);
+        return InvalidTime(block, "end", *end, asked);
     }
     if (block.HasZeroByte() && Says(printed, words::kInput)) {
         return {block.number(0), "zero-byte-line", "a zero byte hides a line end"};
     }
     if (Says(printed, words::kSecondLine) || Says(printed, words::kNoTimingLine)) {
-        return NoTimes(block);
+        return NoTimes(block, around, asked);
     }
     return {block.number(0), "other", "the module gives no cue for " + Quoted(block.text(0))};
 }
 
 }  // namespace
 
-Finding ExplainLoss(const BlockText& block, const Verdict& verdict) {
+bool IsTimingLine(std::string_view line, LoneParser& asked) {
+    return line.find(kArrow) != std::string_view::npos &&
+           asked.Ask(std::string(line) + "\nx\n\n").fate == Fate::kDelivered;
+}
+
+std::string BlankLineAbove(std::string_view line_above, std::uint32_t number) {
+    const bool is_number =
+        !line_above.empty() && line_above.find_first_not_of("0123456789") == std::string_view::npos;
+    return is_number ? "put a blank line above line " + std::to_string(number)
+                     : "put a blank line above it";
+}
+
+std::string WriteInstead(std::string_view line, LoneParser& asked) {
+    const std::optional<TimingMend> mend = MendTimingLine(line);
+    return mend && IsTimingLine(mend->mended, asked) ? "write " + QuotedWhole(mend->mended) : "";
+}
+
+bool IsSignature(std::string_view line) {
+    constexpr std::string_view kSignature = "WEBVTT";
+    if (line.substr(0, kMark.size()) == kMark) {
+        line.remove_prefix(kMark.size());
+    }
+    return line.substr(0, kSignature.size()) == kSignature &&
+           (line.size() == kSignature.size() || line[kSignature.size()] == ' ' ||
+            line[kSignature.size()] == '\t');
+}
+
+Finding ExplainLoss(const BlockText& block, const Verdict& verdict, const Surroundings& around,
+                    LoneParser& asked) {
     if (verdict.fate == Fate::kThrew) {
         return LineSetting(block);
     }
     if (verdict.fate == Fate::kRefused) {
         if (const auto tag = Between(verdict.printed, words::kStartTag, words::kTagEnd)) {
-            return UnknownTag(block, *tag);
+            return UnknownTag(block, *tag, asked);
         }
     }
     if (verdict.fate == Fate::kError) {
         if (const auto start = Between(verdict.printed, words::kStartTime, ">\n")) {
-            return InvalidTime(block, "start", *start);
+            return InvalidTime(block, "start", *start, asked);
         }
-        return {block.number(block.TimingIndex()), "no-text", "no text below the timing line"};
+        return NoText(block, around);
     }
-    return ExplainFailure(block, verdict);
+    return ExplainFailure(block, verdict, around, asked);
 }
 
 }  // namespace quill::check

@@ -3,6 +3,7 @@
 #ifndef TOOLS_CHECK_MODULE_WORDS_H_
 #define TOOLS_CHECK_MODULE_WORDS_H_
 
+#include <optional>
 #include <string_view>
 
 namespace quill::check {
@@ -10,6 +11,10 @@ namespace quill::check {
 inline bool Says(std::string_view printed, std::string_view words) {
     return printed.find(words) != std::string_view::npos;
 }
+
+// What stands between the two texts; nothing when they are not there.
+std::optional<std::string_view> Between(std::string_view printed, std::string_view before,
+                                        std::string_view behind);
 
 namespace words {
 

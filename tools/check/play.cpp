@@ -37,12 +37,13 @@ class Player::Taker : public host::CueSink {
 
 Player::Player(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                std::string_view track, const ChunkPlan& plan,
-               const std::vector<std::size_t>& throwing_chunks)
+               const std::vector<std::size_t>& throwing_chunks, std::uint32_t video_pts)
     : capture_(capture),
       track_(track),
       plan_(plan),
       throwing_chunks_(throwing_chunks),
       parser_(module, capture) {
+    parser_.SetVideoPts(video_pts);
     capture_.Forget();
 }
 

@@ -37,7 +37,7 @@ struct Play {
     std::vector<PlayedCue> cues;       // in the order of the track
     std::vector<EarlyEnd> early_ends;  // in the order of the track
     std::size_t header_chunk = 0;      // in which the header ended
-    double offset = 0;                 // what the map adds to every time
+    double offset = 0;                 // what the map and the video's time add to every time
 };
 
 class Player {
@@ -46,7 +46,7 @@ class Player {
     // must outlive the player.
     Player(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
            std::string_view track, const ChunkPlan& plan,
-           const std::vector<std::size_t>& throwing_chunks);
+           const std::vector<std::size_t>& throwing_chunks, std::uint32_t video_pts);
 
     // Shows on the way how far it has come.
     Play Run(TrackReport& report);

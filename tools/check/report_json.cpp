@@ -64,7 +64,7 @@ class JsonReport : public Report {
         }
         object.update(OfCode(*finding.code));
         object["message"] = finding.message;
-        object["hint"] = finding.code->hint;
+        object["hint"] = finding.hint();
         return Line(object);
     }
 

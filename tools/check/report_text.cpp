@@ -85,7 +85,7 @@ class TextReport : public Report {
         if (fold.others.count > 0) {
             text += ", and " + more + "behind it, " + Lines(fold.others);
         }
-        return text + " [" + code.number + "]; " + code.hint + "\n";
+        return text + " [" + code.number + "]; " + fold.finding.hint() + "\n";
     }
 
     std::string Format(const Code& code) const override {

@@ -1,15 +1,19 @@
 #include "tools/check/setting_remarks.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "quillcaption/quillcaption.h"
+#include "tools/check/characters.h"
 #include "tools/check/module_words.h"
 
 namespace quill::check {
 namespace {
 
+constexpr int kWholeScreen = 100;
 constexpr char kContrary[] = "align:end size:37% position:37% line:7 vertical:rl";
 
 struct Setting {
@@ -37,6 +41,59 @@ bool IsDigit(char byte) {
 bool IsPercentage(const std::string& value) {
     return value.size() > 1 && value.back() == '%' &&
            value.find_first_not_of("0123456789.") == value.size() - 1;
+}
+
+std::string InSmallLetters(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+std::string WithName(const std::string& item, const std::string& known, const std::string& name) {
+    return item.substr(0, known.size()) == known ? name + item.substr(known.size()) : item;
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+    const std::size_t at = text.find(from);
+    return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+// The whole percents of a percentage with a fraction, rounded.
+std::string Rounded(const Setting& setting) {
+    const std::size_t point = setting.first.find('.');
+    if (point == std::string::npos || point == 0 || setting.first.size() <= point + 1 ||
+        setting.first.find_first_not_of("0123456789.%") != std::string::npos || point > 3) {
+        return setting.text;
+    }
+    const int whole =
+        std::stoi(setting.first.substr(0, point)) + (setting.first[point + 1] >= '5' ? 1 : 0);
+    return setting.name + ":" + std::to_string(whole) + (setting.first.back() == '%' ? "%" : "") +
+           (setting.has_second ? "," + setting.second : "");
+}
+
+// What an author may have meant by the setting, likely things first.
+std::vector<std::string> MeantBy(const std::string& item) {
+    const std::string plain = Plain(item);
+    const std::string small = InSmallLetters(plain);
+    std::string parted = small;
+    std::replace(parted.begin(), parted.end(), ',', ' ');
+    std::replace(parted.begin(), parted.end(), ';', ' ');
+    std::vector<std::string> meant = {plain,
+                                      small,
+                                      Replaced(small, "=", ":"),
+                                      Replaced(small, ":center", ":middle"),
+                                      Replaced(small, ":centre", ":middle"),
+                                      parted,
+                                      Rounded(Split(item)),
+                                      WithName(small, "a:", "align:"),
+                                      WithName(small, "l:", "line:"),
+                                      WithName(small, "t:", "position:"),
+                                      WithName(small, "s:", "size:"),
+                                      WithName(small, "d:", "vertical:")};
+    if (IsDigit(small.back())) {
+        meant.push_back(small + "%");
+    }
+    return meant;
 }
 
 Finding Dropped(const Setting& setting, const std::string& printed) {
@@ -81,6 +138,8 @@ void CompareNumbers(const Setting& setting, const CueCopy& cue, Findings& findin
         findings.emplace_back(
             0, differs ? "number-wraps" : "fraction",
             Quoted(setting.text) + " is delivered as " + std::to_string(delivered));
+    } else if (setting.name == "size" && delivered > kWholeScreen) {
+        findings.emplace_back(0, "size-range", Quoted(setting.text) + " is wider than the screen");
     }
 }
 
@@ -120,16 +179,47 @@ const Verdict& SettingRemarks::AskCueWith(const std::string& settings) {
 }
 
 void SettingRemarks::Examine(std::string_view settings, std::uint32_t line, Findings& findings) {
+    std::string torn;  // a name and its colon, behind which the value may be the next item
     while (!settings.empty()) {
         const std::size_t end = std::min(settings.find(' '), settings.size());
-        if (end > 0) {
-            for (Finding finding : AnswerFor(std::string(settings.substr(0, end)))) {
-                finding.line = line;
-                findings.push_back(finding);
-            }
-        }
+        const std::string item(settings.substr(0, end));
         settings.remove_prefix(std::min(end + 1, settings.size()));
+        if (item.empty()) {
+            continue;
+        }
+        if (!torn.empty() && item.find(':') == std::string::npos && IsTaken(torn + item)) {
+            findings.back().fix = "write " + Quoted(torn + item);
+            torn.clear();
+            continue;
+        }
+        torn = item.back() == ':' ? item : "";
+        for (Finding finding : AnswerFor(item)) {
+            finding.line = line;
+            findings.push_back(finding);
+        }
     }
+}
+
+bool SettingRemarks::IsTaken(const std::string& settings) {
+    std::size_t begin = 0;
+    while (begin < settings.size()) {
+        const std::size_t end = std::min(settings.find(' ', begin), settings.size());
+        const std::string item = settings.substr(begin, end - begin);
+        if (!item.empty() && !FindFaults(item).empty()) {
+            return false;
+        }
+        begin = end + 1;
+    }
+    return true;
+}
+
+std::string SettingRemarks::WriteInstead(const std::string& item) {
+    for (const std::string& meant : MeantBy(item)) {
+        if (meant != item && IsTaken(meant)) {
+            return "write " + Quoted(meant);
+        }
+    }
+    return "";
 }
 
 const Findings& SettingRemarks::AnswerFor(const std::string& item) {
@@ -139,6 +229,14 @@ const Findings& SettingRemarks::AnswerFor(const std::string& item) {
 }
 
 Findings SettingRemarks::Ask(const std::string& item) {
+    Findings findings = FindFaults(item);
+    if (!findings.empty()) {
+        findings[0].fix = WriteInstead(item);
+    }
+    return findings;
+}
+
+Findings SettingRemarks::FindFaults(const std::string& item) {
     const Verdict alone = AskCueWith(item);
     const bool changes = !SameSettings(alone.cue, plain_) ||
                          !SameSettings(AskCueWith(kContrary + (" " + item)).cue, contrary_);

@@ -24,7 +24,13 @@ class SettingRemarks {
 
   private:
     const Findings& AnswerFor(const std::string& item);
+    // With what to write instead, and without.
     Findings Ask(const std::string& item);
+    Findings FindFaults(const std::string& item);
+    // Whether the module takes all of the settings as they are written.
+    bool IsTaken(const std::string& settings);
+    // What was meant by the setting: write "..."; empty when the module does not take that.
+    std::string WriteInstead(const std::string& item);
     const Verdict& AskCueWith(const std::string& settings);
 
     LoneParser& parser_;

@@ -1,9 +1,11 @@
 #include "tools/check/text_remarks.h"
 
 #include <algorithm>
+#include <cctype>
 #include <set>
 
 #include "tools/check/module_words.h"
+#include "tools/check/references.h"
 
 namespace quill::check {
 namespace {
@@ -82,6 +84,13 @@ void TextRemarks::Examine(std::string_view payload, std::uint32_t line, const st
 
 std::size_t TextRemarks::ExamineReference(std::string_view rest, std::uint32_t line,
                                           Findings& findings) {
+    if (const std::size_t size = NumberedSize(rest)) {
+        const std::string_view reference = rest.substr(0, size);
+        findings.emplace_back(line, "bare-ampersand",
+                              "the \"&\" of " + Quoted(reference) + " is lost",
+                              WriteNumbered(reference));
+        return size;
+    }
     std::size_t end = 1;
     while (end < rest.size() && IsAsciiAlphanumeric(rest[end])) {
         ++end;
@@ -89,19 +98,69 @@ std::size_t TextRemarks::ExamineReference(std::string_view rest, std::uint32_t l
     if (end == rest.size() || rest[end] == '<' || rest[end] == '&') {
         return end;
     }
-    const std::string_view name = rest.substr(0, end);
-    switch (AnswerFor(std::string(rest.substr(0, end + 1)))) {
+    const std::string name(rest.substr(1, end - 1));
+    const std::string_view with_end = rest.substr(0, end + 1);
+    switch (AnswerFor(std::string(with_end))) {
         case Reference::kLost:
-            findings.emplace_back(line, "bare-ampersand", Quoted(name) + " is lost");
+            findings.emplace_back(line, "bare-ampersand", Quoted("&" + name) + " is lost",
+                                  WriteLost(name));
             break;
         case Reference::kUnknown:
             findings.emplace_back(line, "unknown-reference",
-                                  Quoted(rest.substr(0, end + 1)) + " is shown as it is");
+                                  Quoted(with_end) + " is shown as it is", WriteUnknown(name));
             break;
         case Reference::kFine:
+            if (name == "amp") {
+                ExamineTwice(rest, line, findings);
+            }
             break;
     }
     return end + (rest[end] == ';' ? 1 : 0);
+}
+
+// Whether "&amp;" and what is behind it were meant for one reference.
+void TextRemarks::ExamineTwice(std::string_view rest, std::uint32_t line, Findings& findings) {
+    constexpr std::size_t kAmpersand = 5;
+    const std::string behind =
+        "&" + std::string(rest.substr(std::min(kAmpersand, rest.size()), 12));
+    std::size_t size = NumberedSize(behind);
+    std::string fix = size > 0 ? WriteNumbered(behind.substr(0, size)) : "";
+    const std::size_t semicolon = behind.find(';');
+    if (size == 0 && semicolon != std::string::npos && semicolon > 1) {
+        size = semicolon + 1;
+        const std::string name = behind.substr(1, semicolon - 1);
+        const bool is_name = std::all_of(name.begin(), name.end(), IsAsciiAlphanumeric);
+        const std::string character = is_name ? CharacterNamed(name) : "";
+        fix = !character.empty() ? WriteCharacter(character)
+              : is_name && AnswerFor(behind.substr(0, size)) == Reference::kFine
+                  ? "write &" + name + ";"
+                  : "";
+    }
+    if (!fix.empty()) {
+        const std::string shown = behind.substr(0, size);
+        findings.emplace_back(line, "escaped-twice",
+                              Quoted("&amp;" + shown.substr(1)) + " is shown as " + Quoted(shown),
+                              fix);
+    }
+}
+
+std::string TextRemarks::WriteLost(const std::string& name) {
+    if (!name.empty() && AnswerFor("&" + name + ";") == Reference::kFine) {
+        return "add the semicolon";
+    }
+    const std::string character = CharacterNamed(name);
+    return character.empty() ? "write &amp;" + name : WriteCharacter(character);
+}
+
+std::string TextRemarks::WriteUnknown(std::string name) {
+    const std::string character = CharacterNamed(name);
+    if (!character.empty()) {
+        return WriteCharacter(character);
+    }
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return AnswerFor("&" + name + ";") == Reference::kFine ? "write &" + name + ";"
+                                                           : "write the character itself";
 }
 
 TextRemarks::Reference TextRemarks::AnswerFor(const std::string& reference) {

@@ -29,6 +29,10 @@ class TextRemarks {
 
     Reference AnswerFor(const std::string& reference);
     std::size_t ExamineReference(std::string_view rest, std::uint32_t line, Findings& findings);
+    void ExamineTwice(std::string_view rest, std::uint32_t line, Findings& findings);
+    // What to write for a reference that is lost, and for one that is not known.
+    std::string WriteLost(const std::string& name);
+    std::string WriteUnknown(std::string name);
 
     LoneParser& parser_;
     std::unordered_map<std::string, Reference> answers_;

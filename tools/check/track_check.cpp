@@ -12,11 +12,12 @@ namespace quill::check {
 
 TrackCheck::TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                        std::string_view track, std::optional<std::uint32_t> chunk_size,
-                       TrackReport& report)
+                       std::uint32_t video_pts, TrackReport& report)
     : module_(module),
       capture_(capture),
       track_(track),
       plan_(track, chunk_size),
+      video_pts_(video_pts),
       report_(report) {}
 
 void TrackCheck::Run(std::size_t size) {
@@ -33,7 +34,7 @@ void TrackCheck::Run(std::size_t size) {
     header.Run(begin, findings, report_.sums());
     report_.Say(findings);
 
-    Player player(module_, capture_, track_, plan_, header.throwing_chunks());
+    Player player(module_, capture_, track_, plan_, header.throwing_chunks(), video_pts_);
     const Play play = player.Run(report_);
     BlockCheck blocks(module_, capture_, track_, plan_, play, report_);
     blocks.Run(header.end(), header.end_line());

@@ -23,7 +23,7 @@ class TrackCheck {
     // must outlive the check; the capture must collect.
     TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                std::string_view track, std::optional<std::uint32_t> chunk_size,
-               TrackReport& report);
+               std::uint32_t video_pts, TrackReport& report);
 
     // `size` is that of the track without an added line end. Throws OutputError.
     void Run(std::size_t size);
@@ -35,6 +35,7 @@ class TrackCheck {
     host::DiagnosticsCapture& capture_;
     std::string_view track_;
     ChunkPlan plan_;
+    std::uint32_t video_pts_;
     TrackReport& report_;
 };
 

@@ -35,7 +35,7 @@ Sums TrackChecker::Check(const std::string& track, const TrackPrinter::Write& wr
     const std::string bytes = ReadAll(reader, progress);
     TrackPrinter printer(reader.name(), options_.printing, write);
     TrackReport report(reader.name(), printer, progress, filters_.For(track));
-    TrackCheck check(module_, capture_, bytes, options_.chunk_size, report);
+    TrackCheck check(module_, capture_, bytes, options_.chunk_size, options_.video_pts, report);
     check.Run(static_cast<std::size_t>(reader.offset()));
     progress.Wipe();
     printer.Finish(report.sums());

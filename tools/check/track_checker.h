@@ -22,6 +22,7 @@ struct CheckOptions {
     Printing printing;
     // Without one the track is played as `quill cues` plays it.
     std::optional<std::uint32_t> chunk_size;
+    std::uint32_t video_pts = 0;
     std::optional<CodePrefixes> selected;
     std::optional<CodePrefixes> ignored;
 };

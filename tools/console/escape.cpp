@@ -43,7 +43,7 @@ std::size_t DecodeFirst(std::string_view text, unsigned& code_point) {
     return overlong || surrogate || code_point > 0x10FFFFu ? kInvalid : length;
 }
 
-bool IsShown(unsigned code_point, LineFeeds line_feeds) {
+bool IsShown(char32_t code_point, LineFeeds line_feeds) {
     if (code_point == '\n') {
         return line_feeds == LineFeeds::kKeep;
     }
@@ -65,27 +65,30 @@ std::string Escape(std::string_view text, LineFeeds line_feeds) {
     std::string out;
     out.reserve(text.size());
     while (!text.empty()) {
-        unsigned code_point = 0;
-        const std::size_t length = DecodeFirst(text, code_point);
-        const std::string_view character = text.substr(0, length == kInvalid ? 1 : length);
-        if (length != kInvalid && IsShown(code_point, line_feeds)) {
-            out += character;
+        const Character character = FirstCharacter(text);
+        if (character.is_valid && IsShown(character.code_point, line_feeds)) {
+            out += text.substr(0, character.size);
         } else {
-            AppendEscaped(character, out);
+            AppendEscaped(text.substr(0, character.size), out);
         }
-        text.remove_prefix(character.size());
+        text.remove_prefix(character.size);
     }
     return out;
 }
 
+Character FirstCharacter(std::string_view text) {
+    unsigned code_point = 0;
+    const std::size_t length = DecodeFirst(text, code_point);
+    return {code_point, length == kInvalid ? 1 : length, length != kInvalid};
+}
+
 bool IsUtf8(std::string_view text) {
     while (!text.empty()) {
-        unsigned code_point = 0;
-        const std::size_t length = DecodeFirst(text, code_point);
-        if (length == kInvalid) {
+        const Character character = FirstCharacter(text);
+        if (!character.is_valid) {
             return false;
         }
-        text.remove_prefix(length);
+        text.remove_prefix(character.size);
     }
     return true;
 }

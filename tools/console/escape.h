@@ -2,6 +2,7 @@
 #ifndef TOOLS_CONSOLE_ESCAPE_H_
 #define TOOLS_CONSOLE_ESCAPE_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,15 @@ enum class LineFeeds { kKeep, kEscape };
 // U+009F; line feeds are as asked. A backslash stays as it is, so the result is for reading, not
 // for reading back.
 std::string Escape(std::string_view text, LineFeeds line_feeds);
+
+struct Character {
+    char32_t code_point;
+    std::size_t size;  // in bytes
+    bool is_valid;     // else it is one byte that is no part of valid UTF-8
+};
+
+// The character that the text, which is not empty, begins with.
+Character FirstCharacter(std::string_view text);
 
 // Whether the text is valid UTF-8, control characters or not.
 bool IsUtf8(std::string_view text);

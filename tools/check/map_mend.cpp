@@ -1,0 +1,143 @@
+#include "tools/check/map_mend.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cmath>
+#include <cstddef>
+
+#include "tools/check/characters.h"
+#include "tools/check/finding.h"
+#include "tools/check/time_mend.h"
+
+namespace quill::check {
+namespace {
+
+constexpr std::string_view kMap = "X-TIMESTAMP-MAP";
+constexpr std::array<std::string_view, 2> kItems = {"MPEGTS:", "LOCAL:"};
+constexpr std::size_t kNone = std::string_view::npos;
+constexpr double kTicksPerSecond = 90000;
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::string InCapitals(std::string_view text) {
+    std::string capitals(text);
+    std::transform(capitals.begin(), capitals.end(), capitals.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return capitals;
+}
+
+// The value behind an item's name, of the characters that it may have; empty when there is none.
+std::string ValueOf(const std::string& line, std::string_view item, std::string_view characters) {
+    const std::size_t at = InCapitals(line).find(item.substr(0, item.size() - 1));
+    const std::size_t begin = at == kNone ? kNone : line.find_first_of("0123456789", at);
+    if (begin == kNone) {
+        return "";
+    }
+    std::string value = line.substr(
+        begin, std::min(line.find_first_not_of(characters, begin), line.size()) - begin);
+    value.resize(value.find_last_not_of(",;:.") + 1);
+    return value;
+}
+
+// Of a time that the module takes.
+double SecondsOf(const std::string& time) {
+    double seconds = 0;
+    double field = 0;
+    double scale = 0;
+    for (const char c : time) {
+        if (c == ':') {
+            seconds = (seconds + field) * 60;
+            field = 0;
+        } else if (c == '.') {
+            scale = 1;
+        } else {
+            scale *= 10;
+            field = scale == 0 ? field * 10 + (c - '0') : field + (c - '0') / scale;
+        }
+    }
+    return seconds + field;
+}
+
+// What is wrong with an item, as the module cuts the line into them.
+std::string ItemComplaint(std::string_view item) {
+    for (const std::string_view name : kItems) {
+        const std::size_t at = item.find(name);
+        if (at == kNone) {
+            continue;
+        }
+        if (at > 0) {
+            const std::string_view before = item.substr(0, at);
+            const LookAlike* const hidden = FindLookAlike(before);
+            return (LooksBlank(before) ? NameOf(hidden != nullptr ? hidden->code_point : ' ')
+                                       : Quoted(before)) +
+                   " before " + Quoted(name);
+        }
+        const std::string_view value = item.substr(name.size());
+        if (name == kItems[0]) {
+            return value.empty() || value.find_first_not_of("0123456789") != kNone
+                       ? Quoted(value) + " is no number"
+                       : "";
+        }
+        const TimeMend mend = MendTime(value);
+        const std::string complaint = mend.has_comma ? "it has a decimal comma" : mend.complaint;
+        return mend.mended == value ? "" : "the time " + Quoted(value) + ": " + complaint;
+    }
+    return "unknown item " + Quoted(item);
+}
+
+std::string Complaint(std::string_view line) {
+    std::string_view items = line.substr(std::min(kMap.size(), line.size()));
+    items.remove_prefix(items.substr(0, 1) == "=" ? 1 : 0);
+    items.remove_prefix(std::min(items.find_first_not_of(' '), items.size()));
+    items = items.substr(0, items.find_last_not_of(' ') + 1);
+    const std::size_t comma = std::min(items.find(','), items.size());
+    const std::string first = ItemComplaint(items.substr(0, comma));
+    return first.empty() && comma < items.size() ? ItemComplaint(items.substr(comma + 1)) : first;
+}
+
+}  // namespace
+
+bool IsLikeMap(std::string_view line) {
+    std::string letters;
+    for (const char c : Plain(line.substr(0, 40))) {
+        if (c == '=' || c == ':' || IsDigit(c)) {
+            break;
+        }
+        if (std::isalpha(static_cast<unsigned char>(c)) != 0) {
+            letters += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        }
+    }
+    return letters == "XTIMESTAMPMAP" || letters == "TIMESTAMPMAP";
+}
+
+std::size_t FindMap(std::string_view text) {
+    return InCapitals(text).find(kMap);
+}
+
+MapMend MendMap(std::string_view line) {
+    constexpr std::size_t kMostDigits = 18;
+    MapMend mend;
+    mend.complaint = Complaint(line);
+    const std::string plain = Plain(line);
+    const std::string ticks = ValueOf(plain, kItems[0], "0123456789");
+    const std::string local = MendTime(ValueOf(plain, kItems[1], "0123456789:.,;")).mended;
+    if (ticks.empty() || ticks.size() > kMostDigits || local.empty()) {
+        return mend;
+    }
+    mend.mpeg_time = std::stoull(ticks);
+    mend.mended = std::string(kMap) + "=MPEGTS:" + ticks + ",LOCAL:" + local;
+    mend.shift =
+        std::floor(static_cast<double>(mend.mpeg_time) / kTicksPerSecond) - SecondsOf(local);
+    return mend;
+}
+
+std::string MapWithTicks(const MapMend& mend, std::uint64_t ticks) {
+    const std::size_t begin = mend.mended.find(kItems[0]) + kItems[0].size();
+    return mend.mended.substr(0, begin) + std::to_string(ticks) +
+           mend.mended.substr(mend.mended.find(',', begin));
+}
+
+}  // namespace quill::check

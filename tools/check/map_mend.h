@@ -1,0 +1,35 @@
+// What was meant by a map header that does not do what it says.
+#ifndef TOOLS_CHECK_MAP_MEND_H_
+#define TOOLS_CHECK_MAP_MEND_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace quill::check {
+
+struct MapMend {
+    std::string complaint;  // about the first value that is not valid; empty when none is known
+    std::string mended;     // the whole line as it has to be; empty when that would be a guess
+    // For a line that can be mended: what it was to do.
+    std::uint64_t mpeg_time = 0;  // in ticks
+    double shift = 0;             // in seconds
+};
+
+// Whether the line begins with the name of the map, in capitals or not, whatever stands for its
+// dashes and before it.
+bool IsLikeMap(std::string_view line);
+
+// Such a line from there on; npos when there is none in the text.
+std::size_t FindMap(std::string_view text);
+
+// For a line that is like a map, or has its two items. The verdict is the module's.
+MapMend MendMap(std::string_view line);
+
+// The line with another number of ticks.
+std::string MapWithTicks(const MapMend& mend, std::uint64_t ticks);
+
+}  // namespace quill::check
+
+#endif  // TOOLS_CHECK_MAP_MEND_H_

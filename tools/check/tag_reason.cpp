@@ -1,0 +1,69 @@
+#include "tools/check/tag_reason.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace quill::check {
+namespace {
+
+// The line of the block on which the tag begins.
+std::size_t TagLine(const BlockText& block, std::string_view name) {
+    const std::string tag = "<" + std::string(name.substr(0, name.find('\n')));
+    for (std::size_t index = block.TimingIndex() + 1; index < block.size(); ++index) {
+        const std::size_t at = block.text(index).find(tag);
+        if (at == std::string_view::npos) {
+            continue;
+        }
+        const std::string_view behind = block.text(index).substr(at + tag.size());
+        if (behind.empty() ||
+            std::string_view(">. \t\f").find(behind[0]) != std::string_view::npos) {
+            return index;
+        }
+    }
+    return std::min(block.TimingIndex() + 1, block.size() - 1);
+}
+
+// The tag of a track that means what the tag of a page does; empty when there is none.
+std::string TagOfTrack(std::string name) {
+    static constexpr struct {
+        const char* of_page;
+        const char* of_track;
+    } kTags[] = {{"em", "i"}, {"strong", "b"}, {"ins", "u"}};
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    for (const auto& tag : kTags) {
+        if (name == tag.of_page) {
+            return tag.of_track;
+        }
+    }
+    return name;
+}
+
+bool IsTag(const std::string& name, LoneParser& asked) {
+    return asked.Ask("00:00.000 --> 00:01.000\n<" + name + ">x\n\n").fate == Fate::kDelivered;
+}
+
+}  // namespace
+
+Finding UnknownTag(const BlockText& block, std::string_view name, LoneParser& asked) {
+    const std::uint32_t line = block.number(TagLine(block, name));
+    if (name.empty()) {
+        return {line, "unnamed-tag", "a \"<\" that begins no tag"};
+    }
+    const std::string tag(name);
+    const std::string message = "unknown start tag " + Quoted("<" + tag + ">");
+    const std::string known = TagOfTrack(tag);
+    if (known == "br" || known == "br/") {
+        return {line, "unknown-tag", message, "write a line end for it"};
+    }
+    if (known != tag && IsTag(known, asked)) {
+        return {line, "unknown-tag", message,
+                "write \"<" + known + ">\", and \"</" + known + ">\" where it ends"};
+    }
+    return {line, "unknown-tag", message};
+}
+
+}  // namespace quill::check

@@ -1,0 +1,187 @@
+#include "tools/check/time_mend.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "tools/check/characters.h"
+#include "tools/check/finding.h"
+
+namespace quill::check {
+namespace {
+
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::size_t kFractionDigits = 3;
+
+std::string Digits(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " digit" : " digits");
+}
+
+// Mends one time step by step, each step one kind of fault.
+class Mender {
+  public:
+    explicit Mender(std::string_view time) : time_(Plain(time)) {
+        if (time.empty()) {
+            Note("there is none");
+        }
+        NoteCharacters(time);
+    }
+
+    TimeMend Run() {
+        const bool mended =
+            RemoveSurroundings() && CutFraction() && CutParts() && MendSeconds() && MendMinutes();
+        if (mended) {
+            for (const std::string& part : parts_) {
+                mend_.mended += part + (&part == &parts_.back() ? "." : ":");
+            }
+            mend_.mended += fraction_;
+        }
+        return std::move(mend_);
+    }
+
+  private:
+    void Note(const std::string& complaint) {
+        if (mend_.complaint.empty()) {
+            mend_.complaint = complaint;
+        }
+    }
+
+    void NoteCharacters(std::string_view time) {
+        if (const LookAlike* const found = FindLookAlike(time)) {
+            Note(NameOf(found->code_point) + " stands in it");
+        } else if (time.find(' ') != std::string_view::npos &&
+                   time.find_first_of(kDigits) != std::string_view::npos) {
+            Note(NameOf(' ') + " stands in it");
+        }
+        time_.erase(std::remove(time_.begin(), time_.end(), ' '), time_.end());
+    }
+
+    // Leaves digits and what parts them.
+    bool RemoveSurroundings() {
+        if (time_.size() > 1 && time_[0] == '-' && kDigits.find(time_[1]) != std::string::npos) {
+            Note("it is negative");
+            return false;
+        }
+        const std::size_t end = std::min(time_.find_first_not_of("0123456789:.,;"), time_.size());
+        if (end == 0) {
+            return false;
+        }
+        if (end < time_.size()) {
+            const std::string behind = time_.substr(end);
+            Note(behind.find(':') != std::string::npos
+                     ? "no space stands between it and " + Quoted(behind)
+                     : Quoted(behind) + " stands behind it");
+        }
+        time_.resize(end);
+        return true;
+    }
+
+    // The milliseconds.
+    bool CutFraction() {
+        const auto count = [this](char c) { return std::count(time_.begin(), time_.end(), c); };
+        const auto colons = count(':');
+        if (count(',') == 1 && count('.') == 0) {
+            mend_.has_comma = true;
+            std::replace(time_.begin(), time_.end(), ',', '.');
+        }
+        if (count(',') > 0 || count(';') > 0) {
+            Note(count(';') == 1 && colons == 2 ? "frames stand in place of its milliseconds" : "");
+            return false;
+        }
+        const std::size_t last = time_.find_last_of(":.");
+        const std::size_t behind = last == std::string::npos ? 0 : time_.size() - last - 1;
+        if (count('.') > 1 && time_[last] == '.') {
+            Note("a point stands where a colon belongs");
+            std::replace(time_.begin(), time_.begin() + static_cast<std::ptrdiff_t>(last), '.',
+                         ':');
+        } else if (count('.') == 0 && behind == kFractionDigits) {
+            Note("a colon stands before the milliseconds");
+            time_[last] = '.';
+        } else if (count('.') == 0 && colons == 3) {
+            Note("frames stand in place of its milliseconds");
+            return false;
+        }
+        const std::size_t point = std::min(time_.find('.'), time_.size());
+        fraction_ = time_.substr(std::min(point + 1, time_.size()));
+        time_.resize(point);
+        if (fraction_.empty()) {
+            Note("it has no milliseconds");
+        } else if (fraction_.size() != kFractionDigits) {
+            Note("it has " + Digits(fraction_.size()) + " behind the point, not three");
+        }
+        fraction_.resize(kFractionDigits, '0');
+        return fraction_.find_first_not_of(kDigits) == std::string::npos;
+    }
+
+    // Hours, minutes and seconds.
+    bool CutParts() {
+        constexpr std::size_t kMostDigits = 9;
+        std::size_t begin = 0;
+        while (begin <= time_.size()) {
+            const std::size_t end = std::min(time_.find(':', begin), time_.size());
+            parts_.push_back(time_.substr(begin, end - begin));
+            begin = end + 1;
+        }
+        const auto is_bad = [](const std::string& part) {
+            return part.empty() || part.size() > kMostDigits;
+        };
+        if (std::any_of(parts_.begin(), parts_.end(), is_bad)) {
+            return false;
+        }
+        if (parts_.size() == 1) {
+            Note("it has no minutes");
+            parts_.insert(parts_.begin(), "00");
+        }
+        if (parts_.size() == 4) {
+            Note("it has four parts before the point, not three at the most");
+            if (std::stoi(parts_[0]) != 0) {
+                return false;
+            }
+            parts_.erase(parts_.begin());
+        }
+        return parts_.size() <= 3;
+    }
+
+    bool MendSeconds() { return MendPart("seconds", parts_.size() - 1); }
+    bool MendMinutes() { return MendPart("minutes", parts_.size() - 2); }
+
+    // Two digits up to 59; what is more is carried on.
+    bool MendPart(const std::string& name, std::size_t index) {
+        constexpr int kMost = 59;
+        if (parts_[index].size() < 2) {
+            Note("its " + name + " have 1 digit, not two");
+        }
+        const int value = std::stoi(parts_[index]);
+        if (value > kMost) {
+            Note("its " + name + " are " + parts_[index] + ", and go up to 59");
+            if (index == 0) {
+                parts_.insert(parts_.begin(), "00");
+                ++index;
+            }
+            parts_[index - 1] = Padded(std::stoi(parts_[index - 1]) + value / (kMost + 1),
+                                       parts_[index - 1].size());
+        } else if (parts_[index].size() > 2) {
+            Note("its " + name + " have " + Digits(parts_[index].size()) + ", not two");
+        }
+        parts_[index] = Padded(value % (kMost + 1), 2);
+        return true;
+    }
+
+    static std::string Padded(int value, std::size_t size) {
+        const std::string digits = std::to_string(value);
+        return std::string(size - std::min(size, digits.size()), '0') + digits;
+    }
+
+    std::string time_;
+    std::vector<std::string> parts_;
+    std::string fraction_;
+    TimeMend mend_;
+};
+
+}  // namespace
+
+TimeMend MendTime(std::string_view time) {
+    return Mender(time).Run();
+}
+
+}  // namespace quill::check
