@@ -66,7 +66,7 @@ std::string StdoutCapture::take() {
 
 std::string StdoutCapture::more() {
     flush_streams();
-    const std::string bytes = read_from(m_told);
+    std::string bytes = read_from(m_told);
     m_told += bytes.size();
     return bytes;
 }
@@ -75,7 +75,7 @@ std::string StdoutCapture::read_from(std::size_t begin) const {
     std::string bytes;
     char part[4096];
     for (;;) {
-        const auto at = static_cast<off_t>(begin + bytes.size());
+        const off_t at = static_cast<off_t>(begin) + static_cast<off_t>(bytes.size());
         const ssize_t size = pread(fileno(m_file), part, sizeof(part), at);
         if (size <= 0) {
             return bytes;
