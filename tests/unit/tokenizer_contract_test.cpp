@@ -12,7 +12,8 @@ namespace {
 
 using Data = Cue::Tokenizer_Data;
 
-constexpr void (Cue::*kHandlers[])(Data&) = {
+using Handler = void (Cue::*)(Data&);
+constexpr Handler kHandlers[] = {
     &Cue::vProcessDataState,          &Cue::vProcessEscapeState,
     &Cue::vProcessTagState,           &Cue::vProcessStartTagState,
     &Cue::vProcessStartTagClassState, &Cue::vProcessStartTagAnnotationState,

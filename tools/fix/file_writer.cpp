@@ -98,7 +98,7 @@ mode_t ModeOfNewFiles() {
 
 void WriteWhole(const std::string& path, std::string_view bytes) {
     const std::string target = TargetOf(path);
-    struct stat status {};
+    struct stat status = {};
     const bool exists = stat(target.c_str(), &status) == 0;
     if (exists && !S_ISREG(status.st_mode)) {
         WriteAll(console::Descriptor(open(target.c_str(), O_WRONLY | O_CLOEXEC)), path, bytes);
