@@ -3,24 +3,22 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <memory>
-#include <string_view>
+#include <thread>
 
 #include "tools/check/code_page.h"
 #include "tools/check/codes.h"
+#include "tools/check/track_run.h"
 #include "tools/console/arguments.h"
 #include "tools/console/message.h"
-#include "tools/console/progress.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
 
 namespace quill::check {
 namespace {
 
-// Between two lines of progress.
-constexpr std::chrono::milliseconds kProgressPause(200);
+constexpr std::uint32_t kMostJobs = 256;
 
 constexpr char kFooter[] = R"(A finding is one line, which editors can jump to:
   track.vtt:12: lost: invalid start time "abc" [Q101]; write MM:SS.mmm or HH:MM:SS.mmm
@@ -92,6 +90,13 @@ CheckCommand::CheckCommand(CLI::App& app)
         "lost), remark (any finding), or never");
     AddCodeOptions();
     line.AddFlag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
+    line.AddOption(
+        "--jobs", "COUNT",
+        [this](const std::string& text) {
+            jobs_ = console::ParseWholeNumber("--jobs", "a whole number of processes", text, 1,
+                                              kMostJobs);
+        },
+        "Check so many tracks at a time (default: one a core)");
     line.AddFlag("--all", all_, "Print every finding, however many there are of one code");
     line.AddFlag("--sums", in_full_,
                  "Print the sums of every track, also of one without a\n"
@@ -167,41 +172,22 @@ CheckOptions CheckCommand::Options(const Report& report) const {
     const SumsWanted sums = quiet_     ? SumsWanted::kNone
                             : in_full_ ? SumsWanted::kInFull
                                        : SumsWanted::kOfFindings;
-    return {{&report, report.Folds() && !all_, sums}, chunk_size_, video_pts_, selected_, ignored_};
+    return {{&report, report.Folds() && !all_, sums}, chunk_size_, video_pts_, selected_, ignored_,
+            !quiet_};
 }
 
-// A track that cannot be read does not keep the others from being checked.
 console::ExitCode CheckCommand::CheckTracks(const CheckOptions& options,
                                             console::Output& output) const {
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
-    host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
+    const host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kDrop);
     const host::ModuleHandle module(path);
-    TrackChecker checker(module, capture, options);
-    console::TrackList tracks(tracks_);
-    Total total;
-    console::ExitCode code = console::kExitDone;
-    for (bool more = true; more;) {
-        try {
-            const std::optional<std::string> track = tracks.Next();
-            more = track.has_value();
-            if (more) {
-                console::Progress progress(!quiet_, kProgressPause);
-                const Sums sums = checker.Check(
-                    *track, [&](std::string_view bytes) { output.Write(bytes); }, progress);
-                total.Add(sums);
-            }
-        } catch (const console::OutputError&) {
-            throw;
-        } catch (const console::Failure& failure) {
-            console::Say(failure.what());
-            code = std::max(code, failure.code());
-            ++total.failed;
-        }
+    TrackRun run(options, output);
+    run.Run(module, tracks_, jobs_.value_or(std::max(std::thread::hardware_concurrency(), 1u)));
+    if (!quiet_ && run.total().tracks + run.total().failed > 1) {
+        output.Write(options.printing.report->Format(run.total(), in_full_));
     }
-    if (!quiet_ && total.tracks + total.failed > 1) {
-        output.Write(options.printing.report->Format(total, in_full_));
-    }
-    return code == console::kExitDone && Fails(total.sums) ? console::kExitTrack : code;
+    return run.code() == console::kExitDone && Fails(run.total().sums) ? console::kExitTrack
+                                                                       : run.code();
 }
 
 bool CheckCommand::Fails(const Sums& sums) const {

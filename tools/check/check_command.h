@@ -39,6 +39,7 @@ class CheckCommand : public console::Command {
     std::optional<Severity> fail_on_ = Severity::kLost;
     std::optional<std::uint32_t> chunk_size_;
     std::uint32_t video_pts_ = 0;
+    std::optional<std::uint32_t> jobs_;
     std::optional<CodePrefixes> selected_;
     std::optional<CodePrefixes> ignored_;
     std::string explained_;

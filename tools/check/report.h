@@ -29,6 +29,9 @@ class Report {
     // they are wanted in full.
     virtual std::string Format(const std::string& track, const Sums& sums, bool in_full) const = 0;
     virtual std::string Format(const Total& total, bool in_full) const = 0;
+    // A track that could not be checked, for formats that programs read; standard error says it
+    // too.
+    virtual std::string FormatFailure(const std::string& track, const std::string& why) const = 0;
 };
 
 // "track.vtt:12: lost: invalid start time "abc" [Q101]; write ...", then the sums in words.

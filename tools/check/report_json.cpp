@@ -86,6 +86,10 @@ class JsonReport : public Report {
                        {"failed", total.failed}}},
                      {"sums", OfSums(total.sums)}});
     }
+
+    std::string FormatFailure(const std::string& track, const std::string& why) const override {
+        return Line({{"track", track}, {"failure", why}});
+    }
 };
 
 }  // namespace

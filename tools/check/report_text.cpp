@@ -114,6 +114,8 @@ class TextReport : public Report {
                (in_full ? InFull(total.sums) : InOneLine(total.sums));
     }
 
+    std::string FormatFailure(const std::string&, const std::string&) const override { return ""; }
+
   private:
     static std::string Name(const std::string& track) {
         return console::Escape(track, console::LineFeeds::kEscape);

@@ -25,6 +25,7 @@ struct CheckOptions {
     std::uint32_t video_pts = 0;
     std::optional<CodePrefixes> selected;
     std::optional<CodePrefixes> ignored;
+    bool shows_progress;
 };
 
 class TrackChecker {

@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <utility>
+
 #include "tools/console/descriptor.h"
 #include "tools/console/escape.h"
 
@@ -9,12 +11,20 @@ namespace quill::console {
 namespace {
 
 constexpr std::chrono::seconds kPatience(1);
-constexpr char kWipe[] = "\r\x1B[K";
+
+void PaintOnStandardError(std::string_view line) {
+    constexpr char kWipe[] = "\r\x1B[K";
+    WriteFully(STDERR_FILENO, kWipe + Escape(line, LineFeeds::kEscape));
+}
 
 }  // namespace
 
 Progress::Progress(bool wanted, std::chrono::milliseconds pause)
-    : wanted_(wanted && isatty(STDERR_FILENO) == 1),
+    : Progress(wanted, pause, PaintOnStandardError) {}
+
+Progress::Progress(bool wanted, std::chrono::milliseconds pause, Painter painter)
+    : painter_(std::move(painter)),
+      wanted_(wanted && isatty(STDERR_FILENO) == 1),
       pause_(pause),
       next_(Clock::now() + kPatience) {}
 
@@ -31,13 +41,13 @@ bool Progress::IsDue() {
 }
 
 void Progress::Show(const std::string& line) {
-    WriteFully(STDERR_FILENO, kWipe + Escape(line, LineFeeds::kEscape));
+    painter_(line);
     shown_ = true;
 }
 
 void Progress::Wipe() {
     if (shown_) {
-        WriteFully(STDERR_FILENO, kWipe);
+        painter_("");
         shown_ = false;
     }
 }

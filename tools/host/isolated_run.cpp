@@ -42,10 +42,8 @@ constexpr struct {
 }
 
 [[noreturn]] void RunChild(const std::function<void(Channel&)>& work, int descriptor) {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const rlimit no_core = {0, 0};
+    PrepareChild();
     const rlimit small_files = {kLargestFile, kLargestFile};
-    setrlimit(RLIMIT_CORE, &no_core);
     setrlimit(RLIMIT_FSIZE, &small_files);
     std::signal(SIGXFSZ, SIG_DFL);
     try {
@@ -97,6 +95,12 @@ bool Reap(pid_t child, Clock::time_point deadline, int& status) {
 
 }  // namespace
 
+void PrepareChild() {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    const rlimit no_core = {0, 0};
+    setrlimit(RLIMIT_CORE, &no_core);
+}
+
 void Channel::Write(std::string_view text) {
     console::WriteFully(descriptor_, text);
 }
@@ -127,14 +131,18 @@ IsolatedEnd RunIsolated(const std::function<void(Channel&)>& work,
         waitpid(child, &status, 0);
         return end;
     }
-    if (WIFSIGNALED(status)) {
-        end.kind = IsolatedEnd::Kind::kSignal;
-        end.number = WTERMSIG(status);
-    } else {
-        end.number = WEXITSTATUS(status);
-        end.kind = end.number == 0 ? IsolatedEnd::Kind::kDone : IsolatedEnd::Kind::kExit;
-    }
+    const std::string written = std::move(end.written);
+    end = EndOf(status);
+    end.written = written;
     return end;
+}
+
+IsolatedEnd EndOf(int status) {
+    if (WIFSIGNALED(status)) {
+        return {IsolatedEnd::Kind::kSignal, WTERMSIG(status), ""};
+    }
+    const int number = WEXITSTATUS(status);
+    return {number == 0 ? IsolatedEnd::Kind::kDone : IsolatedEnd::Kind::kExit, number, ""};
 }
 
 std::string DescribeEnd(const IsolatedEnd& end) {

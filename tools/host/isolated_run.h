@@ -41,6 +41,12 @@ struct IsolatedEnd {
 IsolatedEnd RunIsolated(const std::function<void(Channel&)>& work,
                         std::chrono::milliseconds timeout);
 
+// For a process that a module runs in: it ends with its parent and leaves no core.
+void PrepareChild();
+
+// How a process ended, by the status that waitpid gave; never kTimedOut.
+IsolatedEnd EndOf(int status);
+
 // The exit status of a child whose work threw.
 constexpr int kThrown = 71;
 

@@ -1,0 +1,86 @@
+"""quill check on many tracks at a time, some of which are hostile."""
+
+import json
+import os
+import select
+import unittest
+
+from quill_runner import SANITIZED, QuillTest, broken, fixture
+
+GOOD = b"WEBVTT\n\n00:01.000 --> 00:02.000\nHello\n\n"
+LOST = GOOD.replace(b"Hello", b"<x>")
+CRASHING = GOOD.replace(b"Hello", b"&nbsp;")
+ENDING = GOOD.replace(b"Hello", b"NOTE")
+
+
+class Catalogue(QuillTest):
+    def setUp(self):
+        super().setUp()
+        os.mkdir(os.path.join(self.folder, "t"))
+
+    def fill(self, count, every=None):
+        """Tracks of which every so many-th loses a cue; the first one is the largest by far."""
+        for number in range(count):
+            track = LOST if every and number % every == 0 else GOOD
+            self.file(f"t/{number:04}.vtt", track if number else track + LOST[8:] * 3000)
+
+    def check(self, *arguments, **how):
+        return self.quill("check", *arguments, "t", cwd=self.folder, **how)
+
+    def test_the_output_does_not_depend_on_the_jobs(self):
+        self.fill(200, 7)
+        for style in (("--sums",), ("--all",), ("--format", "json")):
+            one = self.check("--jobs", "1", *style)
+            self.assertEqual((one.code, one.err), (1, b""))
+            for jobs in ("2", "7"):
+                with self.subTest(style=style, jobs=jobs):
+                    self.assertEqual(self.check("--jobs", jobs, *style), one)
+        tracks = [line["track"] for line in map(json.loads, one.out.splitlines())
+                  if "sums" in line and "track" in line]
+        self.assertEqual(tracks, [f"t/{number:04}.vtt" for number in range(200)])
+
+    def test_a_crash_costs_one_track(self):
+        for fault, track, how in (("crash", CRASHING, "crashed by SIGSEGV"),
+                                  ("exit", ENDING, "ended before its time")):
+            if SANITIZED and fault == "crash":  # which the sanitizer reports as its own find
+                continue
+            self.fill(20)
+            for number in (5, 6, 19):
+                self.file(f"t/{number:04}.vtt", track)
+            for jobs in ("1", "3"):
+                with self.subTest(fault=fault, jobs=jobs):
+                    result = self.check("--jobs", jobs, "--module", fixture("broken"),
+                                        "--format", "json", "--fail-on", "never",
+                                        env=broken(fault))
+                    lines = list(map(json.loads, result.out.splitlines()))
+                    failures = [line for line in lines if "failure" in line]
+                    said = [f"t/{number:04}.vtt: the process that checked it {how}"
+                            for number in (5, 6, 19)]
+                    self.assertEqual((result.code, self.messages(result)), (1, said))
+                    self.assertEqual([line["failure"] for line in failures], said)
+                    self.assertEqual(lines[-1]["total"]["tracks"], 17)
+                    self.assertEqual(lines[-1]["total"]["failed"], 3)
+
+    def test_wrong_numbers_of_jobs(self):
+        for number in ("0", "257", "x", "-1"):
+            with self.subTest(number):
+                self.assert_fails(self.check("--jobs", number), 2, "--jobs takes a whole number "
+                                  f'of processes from 1 to 256, not "{number}"')
+
+    def test_progress_on_a_terminal(self):
+        self.fill(3)
+        os.mkfifo(os.path.join(self.folder, "slow"))
+        ours, theirs = os.openpty()
+        with os.fdopen(ours, "rb", buffering=0) as ours, os.fdopen(theirs, "wb") as theirs:
+            process = self.start("check", "t", "slow", "t", cwd=self.folder, stderr=theirs)
+            self.assertEqual(select.select([ours], [], [], 1.3)[0], [])
+            with open(os.path.join(self.folder, "slow"), "wb") as slow:
+                slow.write(GOOD)
+            shown = self.read_until(ours, b" left\r\x1b[K").decode()
+            self.assertRegex(shown, r"\r\x1b\[K\d of 7 tracks, \d a second, 00:00:\d\d left")
+            process.stdout.read()
+            self.assertEqual(process.wait(60), 1)
+
+
+if __name__ == "__main__":
+    unittest.main()
