@@ -172,7 +172,11 @@ CheckOptions CheckCommand::Options(const Report& report) const {
     const SumsWanted sums = quiet_     ? SumsWanted::kNone
                             : in_full_ ? SumsWanted::kInFull
                                        : SumsWanted::kOfFindings;
-    return {{&report, report.Folds() && !all_, sums}, chunk_size_, video_pts_, selected_, ignored_,
+    return {{&report, report.Folds() && !all_, sums},
+            chunk_size_,
+            video_pts_,
+            selected_,
+            ignored_,
             !quiet_};
 }
 
