@@ -1,9 +1,11 @@
 // Dialogue through the module, beside two limits on the same text:
 //
-//   dialogue [--size BYTES]...                          times, as a table
-//   dialogue --only SUBJECT [--size BYTES] [--passes N] one subject, for an instruction counter
+//   dialogue [--style NAME] [--size BYTES]...   times, as a table
+//   dialogue --only SUBJECT [--style NAME] [--size BYTES] [--passes N]
+//                                               one subject, for an instruction counter
 //
-// A subject is "scan", "copy" (scan_limits.h), or a chunk size for the module.
+// A subject is "scan", "copy" (scan_limits.h), or a chunk size for the module. Styles are those of
+// track_generator.h.
 #include <getopt.h>
 
 #include <algorithm>
@@ -33,7 +35,7 @@ struct Subject {
 };
 
 struct Track {
-    explicit Track(std::size_t size) : text(make_dialogue(size, &cues)) {}
+    Track(std::size_t size, const Style& style) : text(make_dialogue(size, style, &cues)) {}
     unsigned cues = 0;
     std::string text;
 };
@@ -81,8 +83,7 @@ void take_times(std::vector<Subject>& subjects) {
     }
 }
 
-void print_times(std::FILE* report, const support::Methods& module, std::size_t size) {
-    const Track track(size);
+void print_times(std::FILE* report, const support::Methods& module, const Track& track) {
     std::vector<Subject> subjects;
     for (const char* const limit : {"scan", "copy"}) {
         subjects.push_back(make_subject(limit, module, track));
@@ -107,16 +108,25 @@ void print_times(std::FILE* report, const support::Methods& module, std::size_t 
 
 int run(int argc, char** argv) {
     static const option kOptions[] = {{"only", required_argument, nullptr, 'o'},
+                                      {"style", required_argument, nullptr, 't'},
                                       {"size", required_argument, nullptr, 's'},
                                       {"passes", required_argument, nullptr, 'p'},
                                       {}};
     std::string only;
+    const Style* style = &kStyles[0];
     std::vector<std::size_t> sizes;
     unsigned passes = 1;
     for (int letter; (letter = getopt_long(argc, argv, "", kOptions, nullptr)) != -1;) {
         switch (letter) {
             case 'o':
                 only = optarg;
+                break;
+            case 't':
+                style = find_style(optarg);
+                if (style == nullptr) {
+                    std::fprintf(stderr, "not a style: %s\n", optarg);
+                    return 2;
+                }
                 break;
             case 's':
                 sizes.push_back(std::strtoul(optarg, nullptr, 10));
@@ -136,11 +146,11 @@ int run(int argc, char** argv) {
     const support::Methods& module = load_module();
     if (only.empty()) {
         for (const std::size_t size : sizes) {
-            print_times(report, module, size);
+            print_times(report, module, Track(size, *style));
         }
         return 0;
     }
-    const Track track(sizes[0]);
+    const Track track(sizes[0], *style);
     bench_measured(make_subject(only, module, track).work, passes);
     std::fprintf(report, "bytes %zu\ncues %u\n", track.text.size(), track.cues);
     std::fclose(report);

@@ -16,6 +16,11 @@ from pathlib import Path
 
 TREE = Path(__file__).resolve().parent.parent
 MEASURED = "bench_measured"
+# What dialogue is played: {name: (style of the track, subject)}, as the program "dialogue" knows
+# them. The two limits come first; the module is counted in chunks of so many bytes.
+LIMITS = {"scan": ("usual", "scan"), "copy": ("usual", "copy")}
+DIALOGUES = {"64KB": ("usual", 65536), "1460B": ("usual", 1460), "crlf": ("crlf", 65536),
+             "no-hours": ("no-hours", 65536), "four-settings": ("four-settings", 65536)}
 
 
 class Failure(Exception):
@@ -71,6 +76,12 @@ class Build:
     def count(self, program, *arguments):
         """Counts the instructions of the part that matters. Returns (count, what was printed)."""
         return (self._count_arm if self.is_arm else self._count_i386)(program, arguments)
+
+    def count_dialogue(self, style_and_subject, size):
+        """Counts the instructions of one of LIMITS or DIALOGUES. Returns (a byte, a cue, fed)."""
+        style, subject = style_and_subject
+        count, fed = self.count("dialogue", "--style", style, "--only", subject, "--size", size)
+        return count / fed["bytes"], count / fed["cues"], fed
 
     def _count_i386(self, program, arguments):
         done = run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",

@@ -59,16 +59,11 @@ Play plain_text(std::string text) {
 
 // ---- Tracks as they are, and in other line ends ----
 
-Play dialogue(std::size_t n) {
-    return plain_text(make_dialogue(n).substr(sizeof("WEBVTT - a dialogue\n\n") - 1));
-}
-
-Play dialogue_crlf(std::size_t n) {
-    Play play;
-    for (const char c : dialogue(n).text) {
-        play.text += c == '\n' ? std::string("\r\n") : std::string(1, c);
-    }
-    return play;
+/// Behind the opening, which every play has.
+Play dialogue(std::size_t n, const Style& style) {
+    const std::string track = make_dialogue(n, style);
+    const std::string blank_line = std::string(style.line_end) + std::string(style.line_end);
+    return plain_text(track.substr(track.find(blank_line) + blank_line.size()));
 }
 
 /// n cues of the same size; the chunks are single cues.
@@ -121,9 +116,9 @@ using N = std::size_t;
 
 const std::vector<Shape> kShapes = {
     {"dialogue, 64 KB chunks", 100000, 10000000,
-     [](N n) { return in_chunks_of(65536, dialogue(n)); }},
-    {"dialogue, 1460 B chunks", 100000, 10000000, dialogue},
-    {"dialogue, CR LF", 100000, 10000000, dialogue_crlf},
+     [](N n) { return in_chunks_of(65536, dialogue(n, {})); }},
+    {"dialogue, 1460 B chunks", 100000, 10000000, [](N n) { return dialogue(n, {}); }},
+    {"dialogue, CR LF", 100000, 10000000, [](N n) { return dialogue(n, *find_style("crlf")); }},
     {"cues, one call", 2000, 1000000, cues_in_one_call},
     {"cues, a call and a delivery each", 1500, 1000000, cue_a_call},
     {"cues, a call each, one delivery", 1500, 1000000, cues_kept_to_the_end},

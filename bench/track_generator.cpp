@@ -1,12 +1,15 @@
 #include "bench/track_generator.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 #include "bench/random_source.h"
 
 namespace bench {
 namespace {
 
+constexpr unsigned kSeed = 1;
 constexpr unsigned kShortestLine = 25;
 constexpr unsigned kLongestLine = 40;
 
@@ -89,31 +92,47 @@ std::string make_payload(RandomSource& random) {
     return text + '\n';
 }
 
-std::string make_settings(RandomSource& random) {
+std::string make_settings(RandomSource& random, unsigned count) {
     std::string settings;
-    for (unsigned count = random.between(1, 3); count > 0; --count) {
+    for (; count > 0; --count) {
         settings += std::string(" ") + random.pick(kSettings);
     }
     return settings;
 }
 
-/// Hours, minutes, seconds and milliseconds; starts over after a hundred hours.
-std::string make_time(unsigned milliseconds) {
+/// Hours, minutes, seconds and milliseconds; starts over after a hundred hours, or after one when
+/// there are none.
+std::string make_time(unsigned milliseconds, bool has_hours) {
     char text[48];
     const unsigned seconds = milliseconds / 1000;
     std::snprintf(text, sizeof(text), "%02u:%02u:%02u.%03u", seconds / 3600 % 100,
                   seconds / 60 % 60, seconds % 60, milliseconds % 1000);
-    return text;
+    return text + (has_hours ? 0 : sizeof("00"));
 }
 
-std::string make_times(unsigned start, unsigned duration) {
-    return make_time(start) + " --> " + make_time(start + duration);
+std::string make_times(unsigned start, unsigned duration, bool has_hours) {
+    return make_time(start, has_hours) + " --> " + make_time(start + duration, has_hours);
+}
+
+std::string with_line_ends(const std::string& track, std::string_view line_end) {
+    std::string ended;
+    ended.reserve(track.size() * 2);
+    for (const char c : track) {
+        ended += c == '\n' ? line_end : std::string_view(&c, 1);
+    }
+    return ended;
 }
 
 }  // namespace
 
-std::string make_dialogue(std::size_t size, unsigned* pCueCount, unsigned seed) {
-    RandomSource random(seed);
+const Style* find_style(std::string_view name) {
+    const auto* const found = std::find_if(std::begin(kStyles), std::end(kStyles),
+                                           [name](const Style& style) { return style.name == name; });
+    return found != std::end(kStyles) ? found : nullptr;
+}
+
+std::string make_dialogue(std::size_t size, const Style& style, unsigned* pCueCount) {
+    RandomSource random(kSeed);
     std::string track = "WEBVTT - a dialogue\n\n";
     track.reserve(size + 512);
     unsigned now = 0;
@@ -125,24 +144,26 @@ std::string make_dialogue(std::size_t size, unsigned* pCueCount, unsigned seed) 
         }
         now += random.between(200, 2000);
         const unsigned duration = random.between(900, 4500);
-        track += make_times(now, duration);
+        track += make_times(now, duration, style.has_hours);
         now += duration;
-        if (random.one_in(3)) {
-            track += make_settings(random);
+        if (style.has_four_settings) {
+            track += make_settings(random, 4);
+        } else if (random.one_in(3)) {
+            track += make_settings(random, random.between(1, 3));
         }
         track += '\n' + make_payload(random) + '\n';
     }
     if (pCueCount != nullptr) {
         *pCueCount = count;
     }
-    return track;
+    return style.line_end == "\n" ? track : with_line_ends(track, style.line_end);
 }
 
 std::string make_plain_cues(unsigned count) {
-    RandomSource random(kDefaultSeed);
+    RandomSource random(kSeed);
     std::string track = "WEBVTT\n\n";
     for (unsigned cue = 0; cue < count; ++cue) {
-        track += make_times(cue * 3000, 2500) + "\nWait here until morning, captain.\n\n";
+        track += make_times(cue * 3000, 2500, true) + "\nWait here until morning, captain.\n\n";
     }
     return track;
 }
