@@ -126,8 +126,9 @@ std::string with_line_ends(const std::string& track, std::string_view line_end) 
 }  // namespace
 
 const Style* find_style(std::string_view name) {
-    const auto* const found = std::find_if(std::begin(kStyles), std::end(kStyles),
-                                           [name](const Style& style) { return style.name == name; });
+    const auto* const found =
+        std::find_if(std::begin(kStyles), std::end(kStyles),
+                     [name](const Style& style) { return style.name == name; });
     return found != std::end(kStyles) ? found : nullptr;
 }
 

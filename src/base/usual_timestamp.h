@@ -1,4 +1,4 @@
-// The one form of a time that nearly every track uses, read without looking for its parts.
+// The two forms of a time that nearly every track uses, read without looking for their parts.
 #pragma once
 
 #include <cstddef>
@@ -8,9 +8,6 @@
 #include "base/target.h"
 
 namespace webvtt {
-
-/// How many characters "HH:MM:SS.fff" has.
-constexpr std::size_t kUsualTimestampSize = 12;
 
 /// What a digit counts as in each place behind the point. Divided as parse_double divides, so that
 /// the sums are the same to the bit.
@@ -54,21 +51,30 @@ inline int two_digits(const char* text) {
     return text[0] * 10 + text[1] - '0' * 11;
 }
 
-/// Reads kUsualTimestampSize characters if they are "HH:MM:SS.fff"; the result is then, to the bit,
-/// parse_timestamp's. False, with out as it was, for every other text, valid or not.
-inline bool parse_usual_timestamp(const char* text, double& out) {
-    const std::uint32_t misfits = u4Misfits(text, "00:0", "\6\6\17\12") |
-                                  u4Misfits(text + 4, "0:00", "\6\17\12\6") |
-                                  u4Misfits(text + 8, ".000", "\17\6\6\6");
-    if ((misfits & 0xF0F0F0F0u) != 0) {
-        return false;
+/// Reads "HH:MM:SS.fff" or "MM:SS.fff" from the front of a text; out is then, to the bit,
+/// parse_timestamp's. Returns where the time ends; null, with out as it was, when the text begins
+/// with neither.
+inline const char* read_usual_timestamp(const char* text, const char* end, double& out) {
+    constexpr int hours_size = 3;    // with the colon
+    constexpr int minutes_size = 9;  // with all that follows
+    const bool has_hours = end - text >= hours_size + minutes_size && text[5] == ':';
+    const char* const minutes = text + (has_hours ? hours_size : 0);
+    if (end - minutes < minutes_size) {
+        return nullptr;
     }
-    const int minutes = two_digits(text) * 60 + two_digits(text + 3);
-    const double fraction = kDigitFractions.tenths[text[9] - '0'] +
-                            kDigitFractions.hundredths[text[10] - '0'] +
-                            kDigitFractions.thousandths[text[11] - '0'];
-    out = minutes * 60 + (fraction + two_digits(text + 6));
-    return true;
+    // The first four characters are hours and a digit, or minutes and a digit.
+    const std::uint32_t misfits =
+        u4Misfits(text, "00:0", has_hours ? "\6\6\17\12" : "\12\6\17\12") |
+        u4Misfits(minutes + 1, "0:00", "\6\17\12\6") | u4Misfits(minutes + 5, ".000", "\17\6\6\6");
+    if ((misfits & 0xF0F0F0F0u) != 0) {
+        return nullptr;
+    }
+    const double fraction = kDigitFractions.tenths[minutes[6] - '0'] +
+                            kDigitFractions.hundredths[minutes[7] - '0'] +
+                            kDigitFractions.thousandths[minutes[8] - '0'];
+    const int hours = has_hours ? two_digits(text) : 0;
+    out = (hours * 60 + two_digits(minutes)) * 60 + (fraction + two_digits(minutes + 3));
+    return minutes + minutes_size;
 }
 
 }  // namespace webvtt

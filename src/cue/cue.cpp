@@ -15,7 +15,13 @@ namespace webvtt {
 namespace {
 
 constexpr std::string_view kArrow = "-->";
-constexpr std::string_view kUsualArrow = " --> ";
+constexpr std::ptrdiff_t kUsualArrowSize = 5;
+
+/// Whether " --> " is there.
+bool is_usual_arrow(const char* c, const char* end) {
+    return end - c >= kUsualArrowSize && c[0] == ' ' && c[1] == '-' && c[2] == '-' && c[3] == '>' &&
+           c[4] == ' ';
+}
 
 }  // namespace
 
@@ -49,22 +55,22 @@ bool Cue::fgParseForText(std::string_view block, bool fgMayHaveMarkup, std::stri
 }
 
 /// Parses the timing line that nearly every block begins with, in place:
-/// "00:01:02.000 --> 00:01:04.500", and a space and settings if there are any. False, with nothing
-/// changed, for every other.
+/// "00:01:02.000 --> 00:01:04.500", with or without hours, and a space and settings if there are
+/// any. False, with nothing changed, for every other.
 inline bool Cue::fgParseUsualHead(std::string_view block, std::string_view* pstrPayload) {
-    constexpr std::size_t arrow_at = kUsualTimestampSize;
-    constexpr std::size_t end_at = arrow_at + kUsualArrow.size();
-    constexpr std::size_t settings_at = end_at + kUsualTimestampSize;
+    const char* const block_end = block.data() + block.size();
     double start = 0.0;
     double end = 0.0;
-    if (block.size() <= settings_at || (block[settings_at] != '\n' && block[settings_at] != ' ') ||
-        block.compare(arrow_at, kUsualArrow.size(), kUsualArrow) != 0 ||
-        !parse_usual_timestamp(block.data(), start) ||
-        !parse_usual_timestamp(block.data() + end_at, end)) {
+    const char* c = read_usual_timestamp(block.data(), block_end, start);
+    if (c == nullptr || !is_usual_arrow(c, block_end)) {
         return false;
     }
-    Split line{{}, block.substr(settings_at + 1), true};
-    const bool settings = block[settings_at] == ' ';
+    c = read_usual_timestamp(c + kUsualArrowSize, block_end, end);
+    if (c == nullptr || c == block_end || (*c != '\n' && *c != ' ')) {
+        return false;
+    }
+    Split line{{}, {c + 1, static_cast<std::size_t>(block_end - c - 1)}, true};
+    const bool settings = *c == ' ';
     if (settings) {
         line = split_line(line.tail);
         if (!line.found) {

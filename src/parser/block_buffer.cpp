@@ -8,14 +8,15 @@
 
 namespace webvtt {
 
-bool BlockBuffer::fgCopyLine(const ChunkLine& line) {
-    if (!fgReserve(line.text.size() + 1)) {
+bool BlockBuffer::fgCopyLines(const ChunkLines& lines) {
+    if (!fgReserve(lines.text.size() + 1)) {
         return false;
     }
-    vPut(line.text);
-    if (!line.is_cut) {
-        vPut("\n");
-        ++m_line_feeds;
+    vPut(lines.text);
+    if (!lines.is_cut) {
+        m_data[m_size] = '\n';
+        m_data[++m_size] = '\0';
+        m_line_feeds += lines.count;
     }
     return true;
 }

@@ -30,16 +30,10 @@ class BlockBuffer {
     /// The text, zero-terminated, if it is the buffer's own: after fgAppendText, until vClear.
     char* pcOwned() { return m_data.get(); }
 
-    /// Whether there may be a "<" or a "&" in the text: false only when that is known.
-    bool fgMayHaveMarkup() const { return m_may_have_markup; }
-
-    /// Makes a whole block of a chunk the text, borrowed there. The buffer must be empty.
-    void vBorrow(const ChunkBlock& block);
-
     // Both return false when memory ran out; the text is then as before.
 
-    /// Appends a line of a chunk and, unless the line is cut, a line feed.
-    bool fgAppendLine(const ChunkLine& line);
+    /// Appends lines of a chunk and, unless they are one that is cut, a line feed.
+    bool fgAppendLines(const ChunkLines& lines);
     /// Appends any text. An empty one is text as well: there is storage afterwards.
     bool fgAppendText(std::string_view text);
 
@@ -54,7 +48,6 @@ class BlockBuffer {
         m_text = nullptr;
         m_size = 0;
         m_line_feeds = 0;
-        m_may_have_markup = true;
     }
 
     /// The most storage, in bytes, that is kept for a next text: more than any ordinary block or
@@ -65,7 +58,7 @@ class BlockBuffer {
     static constexpr std::size_t kFirstCapacity = 256;
 
     bool fgOwns() const { return m_data != nullptr && m_text == m_data.get(); }
-    bool fgCopyLine(const ChunkLine& line);
+    bool fgCopyLines(const ChunkLines& lines);
     bool fgReserve(std::size_t uMore);
     void vFreeStorage();
     void vPut(std::string_view text);
@@ -73,29 +66,21 @@ class BlockBuffer {
     const char* m_text = nullptr;  // in m_data, or borrowed in the chunk
     std::size_t m_size = 0;        // without the terminating zero
     unsigned m_line_feeds = 0;
-    bool m_may_have_markup = true;
     std::unique_ptr<char[]> m_data;
     std::size_t m_capacity = 0;
 };
 
-// Inline, as every block comes through here.
-inline void BlockBuffer::vBorrow(const ChunkBlock& block) {
-    m_text = block.text.data();
-    m_size = block.text.size();
-    m_line_feeds = block.line_feeds;
-    m_may_have_markup = block.may_have_markup;
-}
-
-inline bool BlockBuffer::fgAppendLine(const ChunkLine& line) {
-    const bool follows = m_size == 0 || (!fgOwns() && m_text + m_size == line.text.data());
-    if (!follows || line.is_cut || !line.ends_in_line_feed) {
-        return fgCopyLine(line);
+// Inline, as every line of a block comes through here.
+inline bool BlockBuffer::fgAppendLines(const ChunkLines& lines) {
+    const bool follows = m_size == 0 || (!fgOwns() && m_text + m_size == lines.text.data());
+    if (!follows || lines.is_cut || !lines.ends_in_line_feed) {
+        return fgCopyLines(lines);
     }
     if (m_size == 0) {
-        m_text = line.text.data();
+        m_text = lines.text.data();
     }
-    m_size += line.consumed;
-    ++m_line_feeds;
+    m_size += lines.text.size() + 1;
+    m_line_feeds += lines.count;
     return true;
 }
 

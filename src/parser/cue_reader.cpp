@@ -3,6 +3,7 @@
 // A longer block is cut: its first ten lines are one cue, and what follows is a block of its own,
 // which normally fails for want of a timing line.
 #include "base/diagnostics.h"
+#include "base/text.h"
 #include "cue/cue.h"
 #include "parser/webvtt_parser.h"
 
@@ -14,7 +15,8 @@ constexpr unsigned kMostLines = 10;
 }  // namespace
 
 int WebVTTParser::ersltParseCue() {
-    switch (fgBorrowBlock() ? Block_Result::kComplete : eReadBlock()) {
+    bool may_have_markup = true;
+    switch (eReadBlock(&may_have_markup)) {
         case Block_Result::kFailed:
             return WEBVTT_RESULT_ERROR;
         case Block_Result::kIncomplete:
@@ -25,7 +27,7 @@ int WebVTTParser::ersltParseCue() {
     }
     const Block_Guard guard{*this};
     Cue cue;
-    if (cue.fgParseForText(m_block.strText(), m_block.fgMayHaveMarkup(), m_joined_text)) {
+    if (cue.fgParseForText(m_block.strText(), may_have_markup, m_joined_text)) {
         ++u4ParsedCueCount;
         vAppendNewCue(&cue);
     } else {
@@ -35,49 +37,43 @@ int WebVTTParser::ersltParseCue() {
     return 1;
 }
 
-/// Takes the next block as it lies in the chunk, which nearly every block allows.
-inline bool WebVTTParser::fgBorrowBlock() {
-    ChunkBlock block;
-    if (pcUnusedBuffer != nullptr || !fgIsBufferAvailable() ||
-        !m_lines.find_block(pcParsingBuffer, kMostLines, &block)) {
-        return false;
-    }
-    m_block.vBorrow(block);
-    vConsume(block.consumed, block.line_feeds + block.blank_lines);
-    return true;
-}
-
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.
-WebVTTParser::Block_Result WebVTTParser::eReadBlock() {
+/// @param pfgMayHaveMarkup set to false when a complete block is known to have no "<" and no "&"
+WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgMayHaveMarkup) {
     const bool carried = fgTakeCarried();
     const std::size_t carried_size = m_block.strText().size();
     const unsigned carried_line_feeds = m_block.uLineFeeds();
 
-    unsigned lines = carried_line_feeds;
+    const char* const begin = pcParsingBuffer;
+    unsigned count = carried_line_feeds;
     bool content = carried;
     bool at_line_start = !carried || m_block.fgEndsWithLineFeed();
-    ChunkLine line;
-    while (fgFindLine(&line)) {
-        if (line.is_blank() && at_line_start) {
-            vConsumeLine(line);
-            if (content) {
-                return Block_Result::kComplete;
-            }
-            continue;  // blank lines before a block
-        }
+    ChunkLines lines;
+    // Carried text may hold ten lines or more; then one line completes the block.
+    while (fgFindLines(count < kMostLines ? kMostLines - count : 1, &lines)) {
+        const bool blank = lines.is_blank() && at_line_start;
         // A blank line behind carried text that ends inside a line completes that line.
-        if (!m_block.fgAppendLine(line)) {
-            print_error("Alloc %d B memory failed", static_cast<int>(line.bytes.size() + 1));
-            m_block.vTruncate(carried_size, carried_line_feeds);
-            if (carried) {
-                vCarryBlock();
+        if (!blank) {
+            if (!m_block.fgAppendLines(lines)) {
+                const auto size = static_cast<int>(split_line(lines.bytes).head.size());
+                print_error("Alloc %d B memory failed", size + 1);
+                m_block.vTruncate(carried_size, carried_line_feeds);
+                if (carried) {
+                    vCarryBlock();
+                }
+                return Block_Result::kFailed;
             }
-            return Block_Result::kFailed;
+            content = true;
+            at_line_start = true;
+            count += lines.count;
         }
-        vConsumeLine(line);
-        content = true;
-        at_line_start = true;
-        if (++lines >= kMostLines) {
+        const bool complete = count >= kMostLines || lines.blank_follows || (blank && content);
+        if (complete) {
+            *pfgMayHaveMarkup =
+                carried || m_lines.has_markup(begin, lines.bytes.data() + lines.consumed);
+        }
+        vConsumeLines(lines);
+        if (complete) {
             return Block_Result::kComplete;
         }
     }

@@ -27,8 +27,8 @@ bool WebVTTParser::fgCollectLine(char** ppcLine) {
     if (*ppcLine != nullptr) {
         throw InvalidArgumentException("Input pcLine Shall be empty", nullptr);
     }
-    ChunkLine line;
-    if (!fgFindLine(&line)) {
+    ChunkLines line;
+    if (!fgFindLines(1, &line)) {
         return false;
     }
     const std::size_t size = line.bytes.size();
@@ -42,7 +42,7 @@ bool WebVTTParser::fgCollectLine(char** ppcLine) {
     copy[size] = '\n';
     copy[size + 1] = '\0';
     *ppcLine = copy;
-    vConsumeLine(line);
+    vConsumeLines(line);
     return true;
 }
 

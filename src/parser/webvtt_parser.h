@@ -126,11 +126,9 @@ class WebVTTParser {
     void vReadHeaderLine(bool* pfgMapMade);
     template <typename Header>
     Header* prKeepHeader(std::unique_ptr<Header> header);
-    Block_Result eReadBlock();
-    bool fgBorrowBlock();
-    bool fgFindLine(ChunkLine* line);
-    void vConsumeLine(const ChunkLine& line) { vConsume(line.consumed, 1); }
-    void vConsume(std::size_t uBytes, unsigned uLines);
+    Block_Result eReadBlock(bool* pfgMayHaveMarkup);
+    bool fgFindLines(unsigned uMost, ChunkLines* lines);
+    void vConsumeLines(const ChunkLines& lines);
     void vClearBlock();
     void vExhaustBuffer();
     bool fgCarryTail();
@@ -144,7 +142,7 @@ class WebVTTParser {
     std::string m_joined_text;  // of a cue with markup; used again for the next one
 };
 
-// Inline, as every line or block of a track comes through these.
+// Inline, as every line of a track comes through these.
 
 /// What m_block holds is now carried text.
 inline void WebVTTParser::vCarryBlock() {
@@ -158,25 +156,25 @@ inline bool WebVTTParser::fgTakeCarried() {
     return carried;
 }
 
-/// Looks for the next complete line without consuming it. Notes a CR that ends the chunk.
-inline bool WebVTTParser::fgFindLine(ChunkLine* line) {
-    if (!fgIsBufferAvailable() || !m_lines.find(pcParsingBuffer, line)) {
+/// Looks for the next complete lines without consuming them. Notes a CR that ends the chunk.
+inline bool WebVTTParser::fgFindLines(unsigned uMost, ChunkLines* lines) {
+    if (!fgIsBufferAvailable() || !m_lines.find(pcParsingBuffer, uMost, lines)) {
         return false;
     }
-    if (line->ends_in_open_cr) {
+    if (lines->ends_in_open_cr) {
         fgPendingCR = true;
     }
     return true;
 }
 
-inline void WebVTTParser::vConsume(std::size_t uBytes, unsigned uLines) {
-    if (uBytes < u4ParsingBufferLen) {
-        pcParsingBuffer += uBytes;
-        u4ParsingBufferLen -= uBytes;
+inline void WebVTTParser::vConsumeLines(const ChunkLines& lines) {
+    if (lines.consumed < u4ParsingBufferLen) {
+        pcParsingBuffer += lines.consumed;
+        u4ParsingBufferLen -= lines.consumed;
     } else {
         vExhaustBuffer();
     }
-    u4LineCount += uLines;
+    u4LineCount += lines.count + (lines.blank_follows ? 1 : 0);
 }
 
 inline void WebVTTParser::vClearBlock() {

@@ -21,8 +21,8 @@ struct Chunk {
         LineFinder finder;
         const char* begin = block.data();
         finder.start(begin + block.size());
-        ChunkLine line;
-        while (finder.find(begin, &line)) {
+        ChunkLines line;
+        while (finder.find(begin, 1, &line)) {
             lines.push_back(line);
             begin += line.consumed;
         }
@@ -33,12 +33,12 @@ struct Chunk {
     }
 
     support::ExactBlock block;
-    std::vector<ChunkLine> lines;
+    std::vector<ChunkLines> lines;
 };
 
 void append_lines(BlockBuffer& buffer, const Chunk& chunk) {
-    for (const ChunkLine& line : chunk.lines) {
-        ASSERT_TRUE(buffer.fgAppendLine(line));
+    for (const ChunkLines& line : chunk.lines) {
+        ASSERT_TRUE(buffer.fgAppendLines(line));
     }
 }
 
@@ -63,21 +63,21 @@ TEST(BlockBuffer, BorrowsLinesThatFollowEachOther) {
     EXPECT_TRUE(buffer.fgEndsWithLineFeed());
 }
 
-TEST(BlockBuffer, BorrowsAWholeBlock) {
-    const Chunk chunk("\none\ntwo\n\nthree");
-    for (const bool may_have_markup : {false, true}) {
-        const std::string_view text(chunk.lines[1].text.data(), 8);
+TEST(BlockBuffer, BorrowsOrCopiesLinesThatAreUsedTogether) {
+    Chunk chunk("one\ntwo\n\nthree");
+    LineFinder finder;
+    finder.start(chunk.block.data() + chunk.block.size());
+    ChunkLines lines;
+    ASSERT_TRUE(finder.find(chunk.block.data(), 10, &lines));
+    for (const std::string_view carried : {"", "carried "}) {
         BlockBuffer buffer;
-        EXPECT_TRUE(buffer.fgMayHaveMarkup());  // as long as nobody knows
-        buffer.vBorrow({text, 2, 2, 10, may_have_markup});
-        EXPECT_EQ(buffer.strText().data(), text.data());
-        EXPECT_EQ(buffer.strText(), "one\ntwo\n");
+        if (!carried.empty()) {
+            ASSERT_TRUE(buffer.fgAppendText(carried));
+        }
+        ASSERT_TRUE(buffer.fgAppendLines(lines));
+        EXPECT_EQ(buffer.strText(), std::string(carried) + "one\ntwo\n");
+        EXPECT_EQ(buffer.strText().data() == lines.text.data(), carried.empty());
         EXPECT_EQ(buffer.uLineFeeds(), 2u);
-        EXPECT_EQ(buffer.fgMayHaveMarkup(), may_have_markup);
-        buffer.vClear();
-        EXPECT_TRUE(buffer.fgIsEmpty());
-        EXPECT_EQ(buffer.uLineFeeds(), 0u);
-        EXPECT_TRUE(buffer.fgMayHaveMarkup());
     }
 }
 
@@ -108,8 +108,8 @@ TEST(BlockBuffer, CopiesWhatDoesNotLieAsItIsUsed) {
 TEST(BlockBuffer, CopiesWhenALineIsLeftOut) {
     Chunk chunk("one\ntwo\nthree\n");
     BlockBuffer buffer;
-    ASSERT_TRUE(buffer.fgAppendLine(chunk.lines[0]));
-    ASSERT_TRUE(buffer.fgAppendLine(chunk.lines[2]));
+    ASSERT_TRUE(buffer.fgAppendLines(chunk.lines[0]));
+    ASSERT_TRUE(buffer.fgAppendLines(chunk.lines[2]));
     EXPECT_EQ(buffer.strText(), "one\nthree\n");
     EXPECT_EQ(buffer.uLineFeeds(), 2u);
 }
@@ -160,7 +160,7 @@ TEST(BlockBuffer, TruncatesCopiedAndBorrowedText) {
     append_lines(borrowing, chunk);
     borrowing.vTruncate(0, 0);
     EXPECT_TRUE(borrowing.fgIsEmpty());
-    ASSERT_TRUE(borrowing.fgAppendLine(chunk.lines[1]));
+    ASSERT_TRUE(borrowing.fgAppendLines(chunk.lines[1]));
     EXPECT_EQ(borrowing.strText(), "e\n");
     EXPECT_EQ(borrowing.uLineFeeds(), 1u);
 }

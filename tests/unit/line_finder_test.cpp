@@ -21,8 +21,10 @@ std::string dump_lines(std::string_view bytes) {
     LineFinder finder;
     finder.start(begin + chunk.size());
     std::string dump;
-    ChunkLine line;
-    while (finder.find(begin, &line)) {
+    ChunkLines line;
+    while (finder.find(begin, 1, &line)) {
+        EXPECT_EQ(line.count, 1u);
+        EXPECT_FALSE(line.blank_follows);
         EXPECT_EQ(line.bytes.data(), begin);
         EXPECT_EQ(line.text.data(), begin);
         EXPECT_LE(line.text.size(), line.bytes.size());
@@ -68,67 +70,79 @@ TEST(LineFinder, FindsEveryLine) {
     }
 }
 
-/// "[text]lines:3 blank:1 takes:9 markup, " for each block of at most three lines, then what is
-/// left to be read line by line.
-std::string dump_blocks(std::string_view bytes) {
+/// "[text]2 takes 9 blank, " for lines that are used together, three at most: their text, how many
+/// there are, and whether a blank line behind them is taken too. Then what is left.
+std::string dump_runs(std::string_view bytes) {
     support::ExactBlock chunk(bytes);
     const char* begin = chunk.data();
     LineFinder finder;
     finder.start(begin + chunk.size());
     std::string dump;
-    ChunkBlock block;
-    while (finder.find_block(begin, 3, &block)) {
-        dump += "[" + std::string(block.text) + "]lines:" + std::to_string(block.line_feeds) +
-                " blank:" + std::to_string(block.blank_lines) +
-                " takes:" + std::to_string(block.consumed) +
-                (block.may_have_markup ? " markup, " : ", ");
-        begin += block.consumed;
+    ChunkLines lines;
+    while (finder.find(begin, 3, &lines)) {
+        dump += "[" + std::string(lines.text) + "]" + std::to_string(lines.count) + " takes " +
+                std::to_string(lines.consumed) + (lines.blank_follows ? " blank, " : ", ");
+        begin += lines.consumed;
     }
     return dump + "+" + std::string(begin, static_cast<const char*>(chunk.data()) + chunk.size());
 }
 
-TEST(LineFinder, FindsWholeBlocks) {
+TEST(LineFinder, FindsLinesThatAreUsedTogether) {
     const struct {
-        std::string chunk, blocks;
+        std::string chunk, runs;
     } cases[] = {
         {"", "+"},
-        {"\n\n", "+\n\n"},
-        {"a\n", "+a\n"},
-        {"a\n\n", "[a\n]lines:1 blank:1 takes:3, +"},
-        {"\n\na\nb\n\nc", "[a\nb\n]lines:2 blank:3 takes:7, +c"},
-        {"a\nb\nc\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, +"},
-        {"a\nb\nc\n\nd\n\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, [d\n]lines:1 blank:2 takes:4, +"},
-        {"a\nb\nc\nd\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, +d\n"},
-        {" \n\n", "[ \n]lines:1 blank:1 takes:3, +"},
-        {"a<\n\nb\n\nc&\n\n",
-         "[a<\n]lines:1 blank:1 takes:4 markup, [b\n]lines:1 blank:1 takes:3, "
-         "[c&\n]lines:1 blank:1 takes:4 markup, +"},
-        // A carriage return or a zero in or right behind a block: its lines are not plain.
-        {"a\r\n\n", "+a\r\n\n"},
-        {"a\n\r\n", "+a\n\r\n"},
-        {"a\nb\rc\n\n", "+a\nb\rc\n\n"},
-        {"a\0\n\n"s, "+a\0\n\n"s},
-        {"a\n\0\n\n"s, "+a\n\0\n\n"s},
-        {"a\n\n\rb", "[a\n]lines:1 blank:1 takes:3, +\rb"},
-        {"a\n\n\0b"s, "[a\n]lines:1 blank:1 takes:3, +\0b"s},
-        {"a\nb\nc\n\r\n", "[a\nb\nc\n]lines:3 blank:0 takes:6, +\r\n"},
+        {"\n\n", "[]1 takes 1, []1 takes 1, +"},
+        {"a\n", "[a]1 takes 2, +"},
+        {"a\n\n", "[a]1 takes 3 blank, +"},
+        {"\na\nb\n\nc", "[]1 takes 1, [a\nb]2 takes 5 blank, +c"},
+        {"a\nb\nc", "[a\nb]2 takes 4, +c"},
+        // Of three lines nobody knows whether a block ends there.
+        {"a\nb\nc\n\nd\n", "[a\nb\nc]3 takes 6, []1 takes 1, [d]1 takes 2, +"},
+        {"a\nb\nc\nd\n", "[a\nb\nc]3 takes 6, [d]1 takes 2, +"},
+        {" \n\n", "[ ]1 takes 3 blank, +"},
+        // A line that does not lie as it is used is found alone.
+        {"a\nb\r\n\nc\n", "[a]1 takes 2, [b]1 takes 3, []1 takes 1, [c]1 takes 2, +"},
+        {"a\nb\rc\n", "[a]1 takes 2, [b]1 takes 2, [c]1 takes 2, +"},
+        {"a\nb\0\n\n"s, "[a]1 takes 2, [b]1 takes 3, []1 takes 1, +"},
+        {"a\n\r\nb", "[a]1 takes 2, []1 takes 2, +b"},
+        // Nor is a blank line behind it looked for, but for CR LF behind CR LF.
+        {"a\r\n\r\nb\r\n", "[a]1 takes 5 blank, [b]1 takes 3, +"},
+        {"a\r\n\r", "[a]1 takes 3, []1 takes 1, +"},
+        {"a\r\n\rb", "[a]1 takes 3, []1 takes 1, +b"},
+        {"a\r\n\n\n", "[a]1 takes 3, []1 takes 1, []1 takes 1, +"},
+        {"a\r\nb\r\n", "[a]1 takes 3, [b]1 takes 3, +"},
+        {"\r\n\r\n", "[]1 takes 2, []1 takes 2, +"},
+        {"a\0\r\n\r\nb"s, "[a]1 takes 4, []1 takes 2, +b"},
+        {"ab\0\r\n\r\nc"s, "[ab]1 takes 7 blank, +c"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.chunk));
-        EXPECT_EQ(dump_blocks(c.chunk), c.blocks);
+        EXPECT_EQ(dump_runs(c.chunk), c.runs);
     }
+}
+
+TEST(LineFinder, LooksForMarkup) {
+    support::ExactBlock chunk("a<b\ncd\ne&f\n");
+    const char* const begin = chunk.data();
+    LineFinder finder;
+    finder.start(begin + chunk.size());
+    EXPECT_TRUE(finder.has_markup(begin, begin + 4));
+    EXPECT_FALSE(finder.has_markup(begin + 4, begin + 7));
+    EXPECT_TRUE(finder.has_markup(begin + 7, begin + 11));
+    EXPECT_FALSE(finder.has_markup(begin + 9, begin + 11));
 }
 
 TEST(LineFinder, FindingConsumesNothing) {
     support::ExactBlock chunk("one\ntwo\n");
     LineFinder finder;
     finder.start(chunk.data() + chunk.size());
-    ChunkLine line;
+    ChunkLines line;
     for (int time = 0; time < 2; ++time) {
-        ASSERT_TRUE(finder.find(chunk.data(), &line));
+        ASSERT_TRUE(finder.find(chunk.data(), 1, &line));
         EXPECT_EQ(line.text, "one");
     }
-    ASSERT_TRUE(finder.find(chunk.data() + 4, &line));
+    ASSERT_TRUE(finder.find(chunk.data() + 4, 1, &line));
     EXPECT_EQ(line.text, "two");
     EXPECT_EQ(finder.tail(chunk.data() + 5), "wo\n");
 }
@@ -137,12 +151,12 @@ TEST(LineFinder, StartsAfreshWithEveryChunk) {
     support::ExactBlock first("a\r\0\n");
     support::ExactBlock second("bcd\n");
     LineFinder finder;
-    ChunkLine line;
+    ChunkLines line;
     finder.start(nullptr);
-    EXPECT_FALSE(finder.find(nullptr, &line));
+    EXPECT_FALSE(finder.find(nullptr, 1, &line));
     for (support::ExactBlock* const chunk : {&first, &second, &first}) {
         finder.start(chunk->data() + chunk->size());
-        ASSERT_TRUE(finder.find(chunk->data(), &line));
+        ASSERT_TRUE(finder.find(chunk->data(), 1, &line));
         EXPECT_EQ(line.text, chunk == &first ? "a" : "bcd");
     }
 }
