@@ -88,26 +88,23 @@ inline bool Cue::fgParseUsualHead(std::string_view block, std::string_view* pstr
 
 /// Parses all but the payload, which it finds.
 bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
-    if (fgParseUsualHead(block, pstrPayload)) {
-        return true;
-    }
-    Split line = split_line(block);
-    if (line.head.empty() || !line.found) {
-        print_error("Invalid Input String of 1st Line, return FALSE");
-        return false;
-    }
-    Split times = split_first(line.head, kArrow);
-    if (!times.found) {
-        // That was the identifier. The next line is the timing line, whatever it looks like.
+    Split line{{}, block, true};
+    Split times{{}, {}, false};
+    // The first line is the identifier unless it has an arrow. The second one is the timing line,
+    // whatever it looks like.
+    for (const char* const number : {"1st", "2nd"}) {
         if (fgParseUsualHead(line.tail, pstrPayload)) {
             return true;
         }
         line = split_line(line.tail);
         if (line.head.empty() || !line.found) {
-            print_error("Invalid Input String of 2nd Line, return FALSE");
+            print_error("Invalid Input String of %s Line, return FALSE", number);
             return false;
         }
         times = split_first(line.head, kArrow);
+        if (times.found) {
+            break;
+        }
     }
     std::string_view left;
     if (!fgParseTimes(times, left)) {

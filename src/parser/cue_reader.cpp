@@ -3,7 +3,6 @@
 // A longer block is cut: its first ten lines are one cue, and what follows is a block of its own,
 // which normally fails for want of a timing line.
 #include "base/diagnostics.h"
-#include "base/text.h"
 #include "cue/cue.h"
 #include "parser/webvtt_parser.h"
 
@@ -50,13 +49,17 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgMayHaveMarkup) {
     bool at_line_start = !carried || m_block.fgEndsWithLineFeed();
     ChunkLines lines;
     // Carried text may hold ten lines or more; then one line completes the block.
-    while (fgFindLines(count < kMostLines ? kMostLines - count : 1, &lines)) {
+    unsigned most = count < kMostLines ? kMostLines - count : 1;
+    while (fgFindLines(most, &lines)) {
         const bool blank = lines.is_blank() && at_line_start;
         // A blank line behind carried text that ends inside a line completes that line.
         if (!blank) {
             if (!m_block.fgAppendLines(lines)) {
-                const auto size = static_cast<int>(split_line(lines.bytes).head.size());
-                print_error("Alloc %d B memory failed", size + 1);
+                if (lines.count > 1) {
+                    most = 1;  // one of them may still find room, and the next one is to blame
+                    continue;
+                }
+                print_error("Alloc %d B memory failed", static_cast<int>(lines.bytes.size() + 1));
                 m_block.vTruncate(carried_size, carried_line_feeds);
                 if (carried) {
                     vCarryBlock();
@@ -66,6 +69,7 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgMayHaveMarkup) {
             content = true;
             at_line_start = true;
             count += lines.count;
+            most -= most > lines.count ? lines.count : 0;
         }
         const bool complete = count >= kMostLines || lines.blank_follows || (blank && content);
         if (complete) {

@@ -216,12 +216,12 @@ TEST(AllocationFailureCreate, StoresZeroAndRegistersNothing) {
 TEST(AllocationFailureBlockBuffer, LeavesTheTextAsBefore) {
     const std::string chunk = kLong + "\r\n";
     const std::string_view text(chunk.data(), kLong.size());
-    const ChunkLine long_line{text, text, chunk.size(), false, false, false};
+    const ChunkLines long_line{text, text, chunk.size(), 1, false, false, false, false};
     BlockBuffer buffer;
     {
         const FailingNew failing(1);
         EXPECT_FALSE(buffer.fgAppendText(""));
-        EXPECT_FALSE(buffer.fgAppendLine(long_line));
+        EXPECT_FALSE(buffer.fgAppendLines(long_line));
     }
     EXPECT_TRUE(buffer.fgIsEmpty());
     EXPECT_EQ(buffer.uLineFeeds(), 0u);
@@ -230,7 +230,7 @@ TEST(AllocationFailureBlockBuffer, LeavesTheTextAsBefore) {
         const FailingNew failing(1);
         EXPECT_TRUE(buffer.fgAppendText("two"));  // there is room for that
         EXPECT_FALSE(buffer.fgAppendText(chunk));
-        EXPECT_FALSE(buffer.fgAppendLine(long_line));
+        EXPECT_FALSE(buffer.fgAppendLines(long_line));
     }
     EXPECT_STREQ(buffer.pcOwned(), "one\ntwo");
     EXPECT_EQ(buffer.strText(), "one\ntwo");
@@ -241,7 +241,7 @@ TEST(AllocationFailureBlockBuffer, LeavesBorrowedTextAsBefore) {
     const std::string chunk = "one\n";
     BlockBuffer buffer;
     const std::string_view text(chunk.data(), 3);
-    ASSERT_TRUE(buffer.fgAppendLine({text, text, 4, false, true, false}));
+    ASSERT_TRUE(buffer.fgAppendLines({text, text, 4, 1, false, false, true, false}));
     {
         const FailingNew failing(1);
         EXPECT_FALSE(buffer.fgAppendText("two"));
