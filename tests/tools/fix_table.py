@@ -131,5 +131,63 @@ row(GOOD[:-2], GOOD, "5:Q418")
 row(GOOD.replace(b"\n", b"\r\n")[:-4], GOOD.replace(b"\n", b"\r\n"), "5:Q418")
 row(GOOD.replace(b"\n", b"\r")[:-1], GOOD.replace(b"\n", b"\r"), "5:Q418")
 
+# Timing lines that are shown as text.
+cue(b"1\n00:01.000 --> 00:02.000\nHi\n2\n00:03.000 --> 00:04.000\nyou\n3\n00:05,000 --> 00:06.000\nx",
+    b"1\n00:01.000 --> 00:02.000\nHi\n\n2\n00:03.000 --> 00:04.000\nyou\n\n3\n00:05.000 --> 00:06.000\n"
+    b"x", "6:Q107 9:Q107 10:Q102")
+cue(b"00:01.000 --> 00:02.000\nHi\n00:03.000 --> 00:04.000\nyou",
+    b"00:01.000 --> 00:02.000\nHi\n\n00:03.000 --> 00:04.000\nyou", "5:Q107")
+cue(b"00:01.000 --> 00:02.000\nHi\n42\n00:03.000 --> 00:04.000\nyou",
+    b"00:01.000 --> 00:02.000\nHi\n42\n\n00:03.000 --> 00:04.000\nyou", "6:Q107")
+cue(b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou",
+    b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou", "")
+
+# More than ten lines.
+LINES = [b"line %d" % number for number in range(25)]
+TIMES = b"7\n00:01.000 --> 00:02.000 align:end\n"
+cue(TIMES + b"\n".join(LINES[:9]),
+    TIMES + b"\n".join(LINES[:8]) + b"\n\n" + TIMES[2:] + LINES[8], "13:Q301")
+cue(TIMES + b"\n".join(LINES), TIMES + b"\n".join(LINES[:8]) + b"\n\n" + TIMES[2:] +
+    b"\n".join(LINES[8:17]) + b"\n\n" + TIMES[2:] + b"\n".join(LINES[17:]), "13:Q301 22:Q301")
+
+# Texts.
+for before, after, code in (
+        (b"Salt & vinegar", b"Salt &amp; vinegar", "Q303"), (b"R&D", b"R&amp;D", "Q303"),
+        (b"a &amp b", b"a &amp; b", "Q303"), (b"a &nbsp", b"a &nbsp;", "Q303"),
+        (b"it&#39;s", b"it's", "Q303"), (b"&#x26;&#60;", b"&amp;&lt;", "Q303 3"),
+        (b"&#xe9;", "é".encode(), "Q303"), (b"&#; x", b"&amp;#; x", "Q303"),
+        (b"&copy; 2020", "© 2020".encode(), "Q413"), (b"&quot;x&quot;", b'"x"', "Q413 Q413"),
+        (b"1 < 2", b"1 &lt; 2", "Q110"), (b"<>", b"&lt;>", "Q110"), (b"a <.5", b"a &lt;.5", "Q110"),
+        (b"I <3 you", b"I &lt;3 you", "Q304"), (b"I <3 you > me", b"I &lt;3 you > me", "Q304"),
+        (b"<font color='red'>Hi</font>", b"Hi", "Q109 Q414"), (b"a<br>b", b"a b", "Q109"),
+        (b"<I>Hi</I>", b"<i>Hi</i>", "Q109 Q414"), (b"Hi</b >", b"Hi</b>", "Q414"),
+        (b"<i>Hi</i> <x.y z>you", b"<i>Hi</i> you", "Q109"),
+        (b"<x>\nHi\n</x>", b"Hi", "Q109 Q414"), (b"a <y <i>b</i>", b"a &lt;y <i>b</i>", "Q304"),
+        (b"&amp&#39;", b"&amp;amp'", "Q303 Q303")):
+    TEXT = b"00:01.000 --> 00:02.000\n"
+    lines = iter("4 6".split() if b"\n" in before else "4 4 4".split())
+    cue(TEXT + before, TEXT + after,
+        " ".join(f"{next(lines)}:{one}" for one in code.replace(" 3", " Q303").split()))
+for kept in (b"a &amp; &lt; b", b"&foo;", b"&foo<i>x</i>", b"<v Bob>Hi", b"a <00:01.500>b", b"3 > 2"):
+    cue(b"00:01.000 --> 00:02.000\n" + kept, b"00:01.000 --> 00:02.000\n" + kept, "")
+cue(b"00:01.000 --> 00:02.000\na <b and c", b"00:01.000 --> 00:02.000\na <b and c", "", "4:Q304")
+cue(b"00:01.000 --> 00:02.000\n<x>", b"00:01.000 --> 00:02.000\n<x>", "", "4:Q109")
+
+# Comments.
+cue(b"NOTE from --> to ----> x", b"NOTE from -> to -> x", "3:Q419")
+cue(b"NOTE\n00:01.000 --> 00:02.000\nHi", b"NOTE\n00:01.000 --> 00:02.000\nHi", "", "3:Q306")
+
+# The map.
+MAP = b"WEBVTT\nX-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:00:00:00.000" + GOOD[6:]
+for form in (b"X-TIMESTAMP-MAP=MPEGTS:900000, LOCAL:00:00:00.000",
+             b"X-TIMESTAMP-MAP:MPEGTS:900000,LOCAL:00:00:00.000",
+             b"X-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:0:0:0,0",
+             b"x-timestamp-map = mpegts:900000 , local:00:00:00.000"):
+    row(b"WEBVTT\n" + form + GOOD[6:], MAP, "2:Q422")
+for form in (b"X-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:00:00:00.000",
+             b"X-TIMESTAMP-MAP MPEGTS:900000,LOCAL:00:00.000", b"X-TIMESTAMP-MAP=MPEG:9,LOCAL:0",
+             b"X-TIMESTAMP-MAP=MPEGTS:8589934590,LOCAL: 00:00:00.000"):
+    row(b"WEBVTT\n" + form + GOOD[6:], b"WEBVTT\n" + form + GOOD[6:], "")
+
 # A block that cannot be mended as a whole stays as it is.
-cue(b"00:01,000 --> 00:02.000\nHi <x y", b"00:01,000 --> 00:02.000\nHi <x y", "", "3:Q102")
+cue(b"00:01,000 --> 00:02.000\n<x\ny>", b"00:01,000 --> 00:02.000\n<x\ny>", "", "3:Q102")

@@ -2,10 +2,13 @@
 #include "tools/fix/blocks.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "tools/fix/characters.h"
 #include "tools/fix/fixer.h"
+#include "tools/fix/timing_reading.h"
 
 namespace quill::fix {
 namespace {
@@ -37,11 +40,71 @@ void BlankLinesThatLookIt(const Workshop& shop) {
         for (std::size_t index = begin; between && index < end; ++index) {
             Line& line = lines[index];
             if (!line.text.empty() && !line.frozen && shop.Wants("lone-line")) {
-                document.Record(line.number, "lone-line", Instead(line.text, ""));
+                document.Record(line.number, "lone-line", line.text, "");
                 document.Replace(index, "", {});
             }
         }
         begin = std::max(end, begin + 1);
+    }
+    document.Commit();
+}
+
+// A cue that is taken for header lines.
+void FixTimesInHeader(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    const std::size_t end = document.HeaderEnd();
+    std::size_t timing = 1;
+    while (timing < end && !lines[timing].timing) {
+        ++timing;
+    }
+    if (timing >= end || !shop.Wants("times-in-header")) {
+        return;
+    }
+    const std::size_t begin = timing > 1 && IsNumber(lines[timing - 1].text) ? timing - 1 : timing;
+    if (lines[begin].frozen || lines[timing].frozen) {
+        return;
+    }
+    document.Record(lines[begin].number, "times-in-header", "a blank line put above it");
+    document.InsertAbove(begin);
+    document.Commit();
+}
+
+// The number that a cue's identifier is, if it is one; 0 for any other.
+std::uint64_t NumberOf(std::string_view identifier) {
+    constexpr std::size_t kMostDigits = 9;
+    return IsNumber(identifier) && identifier.size() <= kMostDigits
+               ? std::stoull(std::string(identifier))
+               : 0;
+}
+
+// Timing lines that are shown as text, because no blank line stands above them. The line above one
+// goes with it when it is the next number behind the identifier of the cue before.
+void SplitCues(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    std::uint64_t last = 0;
+    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
+         block = NextBlock(lines, block.end)) {
+        std::size_t timing = TimingOf(lines, block);
+        if (timing == block.end) {
+            continue;
+        }
+        last = timing > block.begin ? NumberOf(lines[block.begin].text) : last + 1;
+        for (std::size_t index = timing + 2; index < block.end; ++index) {
+            if (!lines[index].timing) {
+                continue;
+            }
+            const bool has_number =
+                index > timing + 2 && last > 0 && NumberOf(lines[index - 1].text) == last + 1;
+            const std::size_t begin = index - (has_number ? 1 : 0);
+            ++last;
+            timing = index;
+            if (!lines[begin].frozen && !lines[index].frozen && shop.Wants("late-times")) {
+                document.Record(lines[begin].number, "late-times", "a blank line put above it");
+                document.InsertAbove(begin);
+            }
+        }
     }
     document.Commit();
 }
@@ -95,6 +158,22 @@ void JoinIdentifiers(const Workshop& shop) {
     document.Commit();
 }
 
+// "->" for every arrow.
+std::string WithoutArrows(std::string_view line) {
+    std::string text(line);
+    for (std::size_t arrow = text.find("-->"); arrow != std::string::npos;
+         arrow = text.find("-->")) {
+        text.erase(arrow, 1);
+    }
+    return text;
+}
+
+// A tag that goes on in the next line, where a cue can't be cut.
+bool IsOpen(std::string_view line) {
+    const std::size_t bracket = line.rfind('<');
+    return bracket != std::string_view::npos && line.find('>', bracket) == std::string_view::npos;
+}
+
 }  // namespace
 
 bool IsComment(std::string_view line) {
@@ -114,31 +193,67 @@ bool IsEmptyToTheEye(const Line& line) {
     return line.IsBlank() || LooksBlank(line.text);
 }
 
-void FixTimesInHeader(const Workshop& shop) {
-    Document& document = shop.document;
-    const std::vector<Line>& lines = document.lines();
-    const std::size_t end = document.HeaderEnd();
-    std::size_t timing = 1;
-    while (timing < end && !lines[timing].timing) {
-        ++timing;
-    }
-    if (timing >= end || !shop.Wants("times-in-header")) {
-        return;
-    }
-    const std::size_t begin = timing > 1 && IsNumber(lines[timing - 1].text) ? timing - 1 : timing;
-    if (lines[begin].frozen || lines[timing].frozen) {
-        return;
-    }
-    document.Record(lines[begin].number, "times-in-header", "a blank line put above it");
-    document.InsertAbove(begin);
-    document.Commit();
-}
-
 void FixBlankLines(const Workshop& shop) {
     BlankLinesThatLookIt(shop);
     FixTimesInHeader(shop);
+    SplitCues(shop);
     JoinTexts(shop);
     JoinIdentifiers(shop);
+}
+
+// What stands behind the tenth line becomes a cue of its own with the same times and settings.
+void FixLongBlocks(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
+         block = NextBlock(lines, block.end)) {
+        const std::size_t timing = TimingOf(lines, block);
+        const bool free =
+            std::none_of(lines.begin() + static_cast<std::ptrdiff_t>(block.begin),
+                         lines.begin() + static_cast<std::ptrdiff_t>(block.end),
+                         [](const Line& line) { return line.frozen || IsOpen(line.text); });
+        if (timing == block.end || block.size() <= kMostLines || !free ||
+            !shop.Wants("eleventh-line")) {
+            continue;
+        }
+        const std::optional<TimingReading> reading = ReadTiming(lines[timing].text);
+        Note note;
+        note.start = reading->start.milliseconds;
+        note.end = reading->end.milliseconds;
+        note.kept_settings = std::string(lines[timing].text.substr(reading->settings_begin));
+        for (std::size_t index = block.begin + kMostLines; index < block.end;
+             index += kMostLines - 1) {
+            document.Record(lines[index].number, "eleventh-line",
+                            "a blank line and the timing line put above it");
+            document.InsertAbove(index);
+            document.InsertAbove(index, std::string(lines[timing].text), note);
+        }
+    }
+    document.Commit();
+}
+
+// An arrow makes a timing line of a comment's first or second line. One that can be read as a
+// timing line may be meant for one.
+void FixComments(const Workshop& shop) {
+    Document& document = shop.document;
+    std::vector<Line>& lines = document.lines();
+    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
+         block = NextBlock(lines, block.end)) {
+        const auto begin = lines.begin() + static_cast<std::ptrdiff_t>(block.begin);
+        const auto end = lines.begin() + static_cast<std::ptrdiff_t>(block.end);
+        const bool is_plain = std::none_of(
+            begin, end, [](const Line& line) { return line.frozen || ReadTiming(line.text); });
+        if (!IsComment(begin->text) || !is_plain || !shop.Wants("comment-arrow")) {
+            continue;
+        }
+        for (std::size_t index = block.begin; index < block.end; ++index) {
+            const std::string text = WithoutArrows(lines[index].text);
+            if (text != lines[index].text) {
+                document.Record(lines[index].number, "comment-arrow", lines[index].text, text);
+                document.Replace(index, text, {});
+            }
+        }
+    }
 }
 
 // The last cue is complete only when a blank line follows it.

@@ -18,8 +18,7 @@ void StraightenEnds(std::vector<Line>& lines) {
     }
 }
 
-}  // namespace
-
+// The words for a text in another one's place.
 std::string Instead(std::string_view before, std::string_view after) {
     if (after.empty()) {
         return check::Quoted(before) + " removed";
@@ -28,8 +27,10 @@ std::string Instead(std::string_view before, std::string_view after) {
                           : check::Quoted(before) + " is " + check::Quoted(after) + " now";
 }
 
-bool Line::IsCutBlank() const {
-    return text.substr(0, text.find('\0')).size() + (HasZeroByte() ? 0 : 1) <= 1;
+}  // namespace
+
+bool EndsHeader(std::string_view text) {
+    return text.empty() || (text[0] != '\0' && text.substr(0, 2).size() == 2 && text[1] == '\0');
 }
 
 Document::Document(std::string_view track, const std::set<std::uint32_t>& frozen) {
@@ -46,7 +47,7 @@ Document::Document(std::string_view track, const std::set<std::uint32_t>& frozen
 
 std::size_t Document::HeaderEnd() const {
     std::size_t index = 1;
-    while (index < lines_.size() && !lines_[index].IsBlank()) {
+    while (index < lines_.size() && !EndsHeader(lines_[index].text)) {
         ++index;
     }
     return index;
@@ -98,7 +99,13 @@ void Document::Commit() {
 }
 
 void Document::Record(std::uint32_t line, const char* code, const std::string& words) {
-    edits_.push_back({line, &check::CodeNamed(code), words});
+    edits_.push_back({line, &check::CodeNamed(code), words, "", ""});
+}
+
+void Document::Record(std::uint32_t line, const char* code, std::string_view before,
+                      std::string_view after) {
+    edits_.push_back({line, &check::CodeNamed(code), Instead(before, after), std::string(before),
+                      std::string(after)});
 }
 
 std::string Document::Text() const {

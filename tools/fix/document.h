@@ -20,17 +20,16 @@ struct Edit {
     std::uint32_t line;  // of the track as it was read
     const check::Code* code;
     std::string words;  // safe to print
+    std::string before;
+    std::string after;
 };
 
-// The words for a text in another one's place.
-std::string Instead(std::string_view before, std::string_view after);
+// One byte as the module reads it: a line feed, or whatever stands before a zero byte.
+bool EndsHeader(std::string_view text);
 
 struct Line {
-    // Where the line is cut, for the module.
-    bool HasZeroByte() const { return text.find('\0') != std::string_view::npos; }
-    // Nothing on it for the module either.
-    bool IsBlank() const { return text.empty() || (text.size() < 3 && IsCutBlank()); }
-    bool IsCutBlank() const;
+    // For the module, which cuts a line at its first zero byte and then counts no line feed.
+    bool IsBlank() const { return text.empty() || text.substr(0, 2).find('\0') < 2; }
 
     std::string_view text;      // without line end
     std::string_view original;  // the same as it was read; of an inserted line, nothing
@@ -70,6 +69,8 @@ class Document {
     void Commit();
 
     void Record(std::uint32_t line, const char* code, const std::string& words);
+    void Record(std::uint32_t line, const char* code, std::string_view before,
+                std::string_view after);
 
     // The whole track as it stands now.
     std::string Text() const;

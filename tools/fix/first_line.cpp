@@ -48,6 +48,26 @@ std::size_t SkipBlankLines(const std::vector<Line>& lines) {
     return first;
 }
 
+// For a line that is the first on which something is to be seen.
+void StraightenSignature(const Workshop& shop, std::size_t first) {
+    Document& document = shop.document;
+    const Line& line = document.lines()[first];
+    const Looks looks(line.text);
+    const std::size_t begin =
+        looks.Begin(std::min(looks.text().find_first_not_of(' '), looks.text().size()));
+    const std::string straight = Straightened(line.text.substr(begin));
+    const char* const code = first > 0 || begin > 0 ? "late-signature" : "signature";
+    if (straight.empty() || !shop.Wants(code)) {
+        return;
+    }
+    document.Record(line.number, code, line.text, straight);
+    for (std::size_t index = 0; index < first; ++index) {
+        document.Remove(index);
+    }
+    document.Replace(first, straight, {});
+    document.Commit();
+}
+
 }  // namespace
 
 void FixMarks(const Workshop& shop) {
@@ -62,45 +82,30 @@ void FixMarks(const Workshop& shop) {
     }
     const char* const code = marks > 1 ? "two-marks" : "byte-order-mark";
     if (marks > 0 && shop.Wants(code)) {
-        shop.document.Record(1, code, Instead(lines[0].text.substr(0, marks * kMark.size()), ""));
+        shop.document.Record(1, code, lines[0].text.substr(0, marks * kMark.size()), "");
         shop.document.Replace(0, std::string(rest), {});
     }
 }
 
-void FixFirstLine(const Workshop& shop) {
+bool FixFirstLine(const Workshop& shop) {
     Document& document = shop.document;
     std::vector<Line>& lines = document.lines();
     const std::size_t first = SkipBlankLines(lines);
-    if (first == lines.size() || lines[first].frozen || IsSignature(lines[0].text)) {
-        return;
+    if (first == lines.size() || lines[first].frozen) {
+        return false;
     }
-    const std::string_view text = lines[first].text;
-    const Looks looks(text);
-    const std::size_t begin =
-        looks.Begin(std::min(looks.text().find_first_not_of(' '), looks.text().size()));
-    const std::string straight = Straightened(text.substr(begin));
-    if (!straight.empty()) {
-        const bool is_late = first > 0 || begin > 0;
-        const char* const code = is_late ? "late-signature" : "signature";
-        if (shop.Wants(code)) {
-            document.Record(lines[first].number, code, Instead(text, straight));
-            for (std::size_t index = 0; index < first; ++index) {
-                document.Remove(index);
-            }
-            document.Replace(first, straight, {});
-            document.Commit();
-        }
-    } else if (BeginsWithCue(lines, first)) {
-        const char* const code = "subrip";
-        if (shop.Wants(code)) {
-            document.Record(1, code, Instead("", kSignature));
-            document.InsertAbove(0, std::string(kSignature));
-            if (first == 0) {
-                document.InsertAbove(0);
-            }
-            document.Commit();
-        }
+    if (!IsSignature(lines[0].text)) {
+        StraightenSignature(shop, first);
     }
+    if (!IsSignature(lines[0].text) && BeginsWithCue(lines, first) && shop.Wants("subrip")) {
+        document.Record(1, "subrip", "", kSignature);
+        document.InsertAbove(0, std::string(kSignature));
+        if (first == 0) {
+            document.InsertAbove(0);
+        }
+        document.Commit();
+    }
+    return IsSignature(lines[0].text);
 }
 
 }  // namespace quill::fix

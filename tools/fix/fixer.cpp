@@ -20,10 +20,17 @@ bool Selection::Wants(const char* code) const {
 
 void FixAll(const Workshop& shop) {
     FixMarks(shop);
-    FixFirstLine(shop);
-    FindTimings(shop.document);
-    FixTimings(shop);
+    // Of what is rejected nothing else could be held to what a player gets.
+    if (!FixFirstLine(shop)) {
+        return;
+    }
+    FindTimings(shop);
+    FixMap(shop);
     FixBlankLines(shop);
+    FixTimings(shop);
+    FixTexts(shop);
+    FixComments(shop);
+    FixLongBlocks(shop);
     FixLastLine(shop);
 }
 

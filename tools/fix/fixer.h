@@ -32,15 +32,27 @@ struct Workshop {
 void FixAll(const Workshop& shop);
 
 // The single families, in the order in which they are made. Each leaves alone what it would have
-// to guess.
-void FixMarks(const Workshop& shop);  // first_line.cpp: marks, the signature
-void FixFirstLine(const Workshop& shop);
-void FindTimings(Document& document);  // timings.cpp: timing lines and their settings
+// to guess. In first_line.cpp:
+void FixMarks(const Workshop& shop);
+// False when the first line is none that makes a track.
+bool FixFirstLine(const Workshop& shop);
+
+// In timings.cpp. Marks the lines that are timing lines, or will be once they are fixed.
+void FindTimings(const Workshop& shop);
+
+// In map.cpp:
+void FixMap(const Workshop& shop);
+
+// In blocks.cpp: where blocks begin and end.
+void FixBlankLines(const Workshop& shop);
+
+// In timings.cpp: of the blocks that are cues now.
 void FixTimings(const Workshop& shop);
-void FixMap(const Workshop& shop);  // header.cpp
-void FixTimesInHeader(const Workshop& shop);
-void FixBlankLines(const Workshop& shop);  // blocks.cpp: where blocks begin and end
-void FixTexts(const Workshop& shop);       // texts.cpp: markup
+
+// In texts.cpp: what stands below a timing line.
+void FixTexts(const Workshop& shop);
+
+// In blocks.cpp again:
 void FixComments(const Workshop& shop);
 void FixLongBlocks(const Workshop& shop);
 void FixLastLine(const Workshop& shop);

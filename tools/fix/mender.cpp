@@ -1,5 +1,7 @@
 #include "tools/fix/mender.h"
 
+#include <algorithm>
+#include <map>
 #include <set>
 #include <utility>
 
@@ -18,15 +20,28 @@ class FindingKeeper : public check::FindingSink {
     check::Findings findings;
 };
 
+// Whether the finding is on what an edit has put there, or taken away.
+bool IsOn(const check::Finding& finding, const Edit& edit) {
+    const auto names = [&finding](const std::string& text) {
+        return !text.empty() && finding.message.find(check::Quoted(text)) != std::string::npos;
+    };
+    return names(edit.before) || names(edit.after) || edit.before == edit.after;
+}
+
 // The finding of something that was fixed, if there is one.
 const check::Finding* FindFixed(const Document& document, const check::Findings& findings) {
-    std::set<std::pair<std::uint32_t, const check::Code*>> fixed;
+    std::multimap<std::pair<std::uint32_t, const check::Code*>, const Edit*> fixed;
     for (const Edit& edit : document.edits()) {
-        fixed.emplace(edit.line, edit.code);
+        fixed.emplace(std::pair(edit.line, edit.code), &edit);
     }
     for (const check::Finding& finding : findings) {
-        if (finding.line <= document.lines().size() &&
-            fixed.count({document.lines()[finding.line - 1].number, finding.code}) > 0) {
+        if (finding.line > document.lines().size()) {
+            continue;
+        }
+        const std::uint32_t number = document.lines()[finding.line - 1].number;
+        const auto [begin, end] = fixed.equal_range({number, finding.code});
+        if (std::any_of(begin, end,
+                        [&finding](const auto& one) { return IsOn(finding, *one.second); })) {
             return &finding;
         }
     }

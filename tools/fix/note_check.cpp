@@ -13,22 +13,32 @@ namespace {
 
 constexpr double kRounding = 1e-6;  // of seconds that are summed up in another order
 
-// The time as stated or, when a line's time is as it was, as the module reads it alone.
-bool HasTime(double delivered, const std::optional<std::int64_t>& stated, const WrittenTime& time,
-             std::string_view line, Oracle& oracle) {
-    std::optional<double> expected;
+// The time as stated or, when nothing is stated, the very text that it was.
+bool HasTime(double delivered, const std::optional<std::int64_t>& stated, std::string_view now,
+             std::string_view before, Oracle& oracle) {
     if (stated) {
-        expected = static_cast<double>(*stated) / 1000;
-    } else {
-        expected = oracle.Time(line.substr(time.begin, time.end - time.begin));
+        return std::abs(static_cast<double>(*stated) / 1000 - delivered) < kRounding;
     }
-    return expected && std::abs(*expected - delivered) < kRounding;
+    const std::optional<double> expected = oracle.Time(before);
+    return now == before && expected && std::abs(*expected - delivered) < kRounding;
+}
+
+std::string_view Written(std::string_view line, const WrittenTime& time) {
+    return line.substr(time.begin, time.end - time.begin);
 }
 
 bool HasTimes(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
-    const std::optional<TimingReading> reading = ReadTiming(line.text);
-    return reading && HasTime(cue.start, note.start, reading->start, line.text, oracle) &&
-           HasTime(cue.end, note.end, reading->end, line.text, oracle);
+    const std::optional<TimingReading> now = ReadTiming(line.text);
+    const std::optional<TimingReading> read = ReadTiming(line.original);
+    if (!now || (!read && !(note.start && note.end))) {
+        return false;
+    }
+    const TimingReading before = read.value_or(*now);
+    const std::string_view original = read ? line.original : line.text;
+    return HasTime(cue.start, note.start, Written(line.text, now->start),
+                   Written(original, before.start), oracle) &&
+           HasTime(cue.end, note.end, Written(line.text, now->end), Written(original, before.end),
+                   oracle);
 }
 
 // The alignment decides the position, unless a setting does.
@@ -165,6 +175,12 @@ bool MayGo(const Document& outcome, const Line& gone) {
 std::optional<std::string> CheckNotes(const Document& outcome, const Range& block,
                                       const check::CueCopy& cue, Oracle& oracle) {
     const std::vector<Line>& lines = outcome.lines();
+    const bool is_as_read = std::all_of(lines.begin() + static_cast<std::ptrdiff_t>(block.begin),
+                                        lines.begin() + static_cast<std::ptrdiff_t>(block.end),
+                                        [](const Line& line) { return line.note < 0; });
+    if (is_as_read) {
+        return std::nullopt;
+    }
     const std::size_t timing = TimingOf(lines, block);
     if (timing == block.end) {
         return "a block that is no cue would become one";

@@ -1,11 +1,23 @@
 #include "tools/fix/oracle.h"
 
+#include "tools/check/module_words.h"
+
 namespace quill::fix {
 
 Oracle::Oracle(const host::ModuleHandle& module, host::DiagnosticsCapture& capture)
-    : parser_(module, capture, "WEBVTT\n\n") {}
+    : module_(module), capture_(capture), parser_(module, capture, "WEBVTT\n\n") {}
 
-const check::Verdict& Oracle::Block(std::string_view block) {
+bool Oracle::ReadsMap(std::string_view line) {
+    check::LoneParser parser(module_, capture_, "WEBVTT\n");
+    const check::Verdict& verdict = parser.Ask(std::string(line) + "\n");
+    return line.substr(0, 15) == "X-TIMESTAMP-MAP" && verdict.fate == check::Fate::kInHeader &&
+           !check::Says(verdict.printed, check::words::kMap);
+}
+
+const check::Verdict& Oracle::Block(std::string_view block, bool is_open) {
+    if (is_open) {
+        return parser_.AskOpen(block);
+    }
     return parser_.Ask(std::string(block) + "\n\n");
 }
 

@@ -22,10 +22,15 @@ class Oracle {
     std::optional<check::CueCopy> Settings(const std::string& settings);
     // What a player shows of lines of text; nothing when it gets no cue.
     std::optional<std::string> Shown(const std::string& lines);
-    // The cue that a block makes alone. Valid until the next question.
-    const check::Verdict& Block(std::string_view block);
+    // Whether it shifts the times by what the header line says.
+    bool ReadsMap(std::string_view line);
+    // The cue that a block makes alone; an open one is ended by what a player feeds behind a track.
+    // Valid until the next question.
+    const check::Verdict& Block(std::string_view block, bool is_open = false);
 
   private:
+    const host::ModuleHandle& module_;
+    host::DiagnosticsCapture& capture_;
     check::LoneParser parser_;
     std::map<std::string, std::optional<check::CueCopy>> settings_;
 };

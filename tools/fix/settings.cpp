@@ -34,10 +34,6 @@ struct Item {
     bool glues = false;  // the one behind
 };
 
-bool IsSpaces(std::string_view text) {
-    return text.find_first_not_of(' ') == std::string_view::npos;
-}
-
 std::vector<Item> Split(std::string_view settings) {
     const Looks looks(settings);
     const std::string& text = looks.text();
@@ -53,11 +49,11 @@ std::vector<Item> Split(std::string_view settings) {
         at = std::min(text.find_first_not_of(' ', end), text.size());
     }
     for (std::size_t index = 1; index < items.size(); ++index) {
-        items[index].glued = !IsSpaces(items[index].before);
-        items[index - 1].glues = items[index].glued;
+        items[index].glued = items[index].before.back() != ' ';
+        items[index - 1].glues = items[index].before.front() != ' ';
     }
     if (!items.empty()) {
-        items.back().glues = !IsSpaces(settings.substr(reached));
+        items.back().glues = reached < settings.size() && settings[reached] != ' ';
     }
     return items;
 }
@@ -88,12 +84,14 @@ void JoinPieces(std::vector<Item>& items) {
     }
 }
 
+// A number that comes to the same in every arithmetic.
 bool IsNumber(std::string_view text) {
-    const std::size_t point = text.find('.');
-    const std::string_view whole = text.substr(0, point);
-    return !whole.empty() && whole.size() <= 6 &&
-           text.find_first_not_of("0123456789.") == std::string_view::npos &&
-           (point == std::string_view::npos || text.find('.', point + 1) == std::string_view::npos);
+    constexpr std::size_t kMostDigits = 6;
+    const std::size_t point = std::min(text.find('.'), text.size());
+    const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
+    return point > 0 && point <= kMostDigits && fraction.size() <= kMostDigits &&
+           text.substr(0, point).find_first_not_of("0123456789") == std::string_view::npos &&
+           fraction.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 struct Value {
@@ -211,7 +209,11 @@ std::optional<Effect> EffectOf(const std::string& text) {
         return vertical < 2 ? std::optional<Effect>({Effect::Field::kVertical, vertical + 1})
                             : std::nullopt;
     }
-    std::string number = SplitValue(value).number;
+    auto [number, second] = SplitValue(value);
+    const auto& seconds = {"", ",start", ",middle", ",end"};
+    if (std::find(seconds.begin(), seconds.end(), second) == seconds.end()) {
+        return std::nullopt;
+    }
     const bool negative = number.substr(0, 1) == "-";
     number.erase(0, negative ? 1 : 0);
     const bool percent = !number.empty() && number.back() == '%';
@@ -241,22 +243,29 @@ bool HasDoubles(const std::vector<Item>& items) {
     });
 }
 
+SettingsFix AsItWas(std::string_view settings) {
+    SettingsFix fix;
+    fix.text = settings;
+    return fix;
+}
+
 }  // namespace
 
 SettingsFix FixSettings(std::string_view settings, const Selection& selection) {
     SettingsFix fix;
-    if (settings.empty()) {
-        return fix;
-    }
     std::vector<Item> items = Split(settings);
     JoinPieces(items);
-    if (HasDoubles(items)) {
-        items.clear();
+    if (items.empty() || HasDoubles(items)) {
+        return AsItWas(settings);
     }
+    bool glued_before = false;
     for (Item& item : items) {
         const Item as_written = item;
         FixItem(item);
         const std::optional<Effect> effect = EffectOf(item.text);
+        if (!effect && !item.dropped && (item.glued || item.glues)) {
+            return AsItWas(settings);
+        }
         if (!effect && !item.dropped) {
             // It would not be in order either.
             item.text = item.written;
@@ -268,23 +277,26 @@ SettingsFix FixSettings(std::string_view settings, const Selection& selection) {
         }
         const bool changes = item.dropped || item.text != item.written || item.glued || item.glues;
         if (!changes || !selection.Wants(item.code)) {
-            fix.text += as_written.before + as_written.written;
+            fix.text += (glued_before ? " " : as_written.before) + as_written.written;
+            glued_before = false;
             fix.kept += as_written.written + " ";
             continue;
         }
         fix.changes.push_back({item.code, item.written, item.dropped ? "" : item.text});
         if (item.dropped) {
+            glued_before = glued_before || item.glues || item.glued;
             continue;
         }
-        fix.text += (item.glued ? " " : item.before) + item.text;
+        fix.text += (item.glued || glued_before ? " " : item.before) + item.text;
+        glued_before = item.glues;
         if (effect) {
             fix.effects.push_back(*effect);
         }
     }
     if (fix.changes.empty()) {
-        fix.text = settings;
+        return AsItWas(settings);
     }
-    fix.text.erase(0, fix.changes.empty() ? 0 : fix.text.find_first_not_of(' '));
+    fix.text.erase(0, fix.text.find_first_not_of(' '));
     return fix;
 }
 

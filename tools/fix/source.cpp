@@ -35,7 +35,7 @@ Source ReadSource(const std::string& name, const std::string& encoding,
     Source source{reader.name(), ReadAll(reader), "", {}};
     source.text = source.bytes;
     const auto note = [&source](const char* code, const std::string& words) {
-        source.edits.push_back({1, &check::CodeNamed(code), words});
+        source.edits.push_back({1, &check::CodeNamed(code), words, "", ""});
     };
     if (IsGzip(source.text) && selection.Wants("compressed")) {
         source.text = Unpack(source.text, kLargestTrack, source.name);

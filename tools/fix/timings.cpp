@@ -44,7 +44,7 @@ class Rewriting {
 
     void Apply(std::size_t index) {
         for (const Edit& edit : edits_) {
-            shop_.document.Record(edit.line, edit.code->name, edit.words);
+            shop_.document.Record(edit.line, edit.code->name, edit.before, edit.after);
         }
         shop_.document.Replace(index, text_, note_);
     }
@@ -55,7 +55,8 @@ class Rewriting {
     }
 
     void Record(const char* code, std::string_view before, std::string_view after) {
-        edits_.push_back({line_.number, &check::CodeNamed(code), Instead(before, after)});
+        edits_.push_back(
+            {line_.number, &check::CodeNamed(code), "", std::string(before), std::string(after)});
         fine_ = fine_ && shop_.Wants(code);
     }
 
@@ -121,10 +122,20 @@ class Rewriting {
     bool fine_ = true;
 };
 
+// A timing line that is in order, or will be once it is fixed.
+bool WillDo(const Workshop& shop, const Line& line) {
+    const std::optional<TimingReading> reading = ReadTiming(line.text);
+    if (!reading || IsInOrder(line.text, *reading)) {
+        return reading.has_value();
+    }
+    Rewriting rewriting(shop, line, *reading);
+    return rewriting.Run() && (!line.frozen || rewriting.text() == line.text);
+}
+
 }  // namespace
 
-void FindTimings(Document& document) {
-    std::vector<Line>& lines = document.lines();
+void FindTimings(const Workshop& shop) {
+    std::vector<Line>& lines = shop.document.lines();
     bool in_comment = false;
     bool behind_blank = false;
     for (std::size_t index = 1; index < lines.size(); ++index) {
@@ -132,24 +143,25 @@ void FindTimings(Document& document) {
         const bool is_blank = IsEmptyToTheEye(line);
         in_comment = !is_blank && (in_comment || (behind_blank && IsComment(line.text)));
         behind_blank = is_blank;
-        line.timing = !in_comment && !is_blank && !line.HasZeroByte() && ReadTiming(line.text);
+        line.timing = !in_comment && !is_blank && line.text.find('\0') == std::string_view::npos &&
+                      WillDo(shop, line);
     }
 }
 
 void FixTimings(const Workshop& shop) {
-    std::vector<Line>& lines = shop.document.lines();
-    for (std::size_t index = 0; index < lines.size(); ++index) {
-        Line& line = lines[index];
-        if (!line.timing) {
+    const std::vector<Line>& lines = shop.document.lines();
+    for (Range block = NextBlock(lines, shop.document.HeaderEnd()); block.size() > 0;
+         block = NextBlock(lines, block.end)) {
+        const std::size_t index = TimingOf(lines, block);
+        if (index == block.end || lines[index].frozen) {
             continue;
         }
-        const std::optional<TimingReading> reading = ReadTiming(line.text);
-        if (IsInOrder(line.text, *reading)) {
+        const std::optional<TimingReading> reading = ReadTiming(lines[index].text);
+        if (IsInOrder(lines[index].text, *reading)) {
             continue;
         }
-        Rewriting rewriting(shop, line, *reading);
-        line.timing = rewriting.Run() && (!line.frozen || rewriting.text() == line.text);
-        if (line.timing && rewriting.text() != line.text) {
+        Rewriting rewriting(shop, lines[index], *reading);
+        if (rewriting.Run() && rewriting.text() != lines[index].text) {
             rewriting.Apply(index);
         }
     }

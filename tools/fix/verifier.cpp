@@ -59,7 +59,7 @@ void Verifier::ReadBefore() {
         }
     }
     std::uint32_t number = 1;
-    while (line.end < track_.size() && (number == 1 || !line.is_blank())) {
+    while (line.end < track_.size() && (number == 1 || !EndsHeader(line.all))) {
         line = check::LineAt(track_, line.end);
         ++number;
     }
@@ -76,9 +76,11 @@ Verifier::Whole Verifier::Play(std::string_view track) {
     Taker taker(whole.cues);
     for (const std::string_view piece : {track, host::kClosingLineFeeds}) {
         try {
-            parser.Feed(piece.data(), static_cast<unsigned int>(piece.size()));
+            whole.cut = parser.Feed(piece.data(), static_cast<unsigned int>(piece.size())) ==
+                            WEBVTT_RESULT_ERROR ||
+                        whole.cut;
         } catch (const host::ModuleThrew&) {
-            // What was read before is delivered; the rest of the piece is lost.
+            whole.cut = true;  // what was read before is delivered
         }
         parser.Deliver(taker);
         capture_.Forget();
@@ -146,7 +148,7 @@ std::set<std::uint32_t> Verifier::Survey(const Document& outcome) {
         FindBefore(after, outcome, next);
         const std::string_view text =
             std::string_view(text_).substr(block->begin, block->end - block->begin);
-        const check::Verdict& verdict = oracle_.Block(text);
+        const check::Verdict& verdict = oracle_.Block(text, block->is_open);
         after.fate = verdict.fate;
         const Range range{after.first, after.first + after.size};
         if (verdict.fate == check::Fate::kDelivered) {
@@ -207,7 +209,8 @@ std::optional<std::string> Verifier::AccountForBefore(const Whole& whole, const 
             alone = same->cue;
         } else {
             const check::Verdict& verdict = oracle_.Block(
-                track_.substr(before.block.begin, before.block.end - before.block.begin));
+                track_.substr(before.block.begin, before.block.end - before.block.begin),
+                before.block.is_open);
             if (verdict.fate != check::Fate::kDelivered) {
                 continue;
             }
@@ -232,9 +235,10 @@ std::optional<std::string> Verifier::AccountForBefore(const Whole& whole, const 
 // Finds every cue that a player gets among the blocks that make one alone. Unless a block that was
 // left as it is costs others, that is all of them.
 std::optional<std::string> Verifier::AccountForAfter(const Whole& whole) {
-    const bool costs = std::any_of(afters_.begin(), afters_.end(), [](const After& after) {
-        return after.fate != check::Fate::kDelivered && after.fate != check::Fate::kFailed;
-    });
+    const bool costs =
+        whole.cut || std::any_of(afters_.begin(), afters_.end(), [](const After& after) {
+            return after.fate != check::Fate::kDelivered && after.fate != check::Fate::kFailed;
+        });
     std::size_t next = 0;
     for (const After& after : afters_) {
         if (after.fate != check::Fate::kDelivered) {

@@ -51,6 +51,7 @@ class Verifier {
     struct Whole {
         std::vector<check::PlayedCue> cues;
         double offset = 0;
+        bool cut = false;  // the module gave up before the end
     };
 
     Whole Play(std::string_view track);
