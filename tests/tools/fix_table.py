@@ -69,7 +69,7 @@ row(GOOD[8:], GOOD, "1:Q134")
 # The header.
 row(b"WEBVTT\n" + GOOD[8:], GOOD, "2:Q113")
 row(b"WEBVTT\nKind: captions\n" + GOOD[10:], b"WEBVTT\nKind: captions\n\n" + GOOD[10:], "3:Q113")
-row(b"WEBVTT\n \t\xc2\xa0\n" + GOOD[8:], GOOD, "2:Q106")
+row(b"WEBVTT\n \t\xc2\xa0\n" + GOOD[8:], GOOD, "2:Q117")
 
 # Times.
 for before, after, code in (
@@ -105,9 +105,10 @@ for before, after, code in (
         (b"position:50,center", b"position:50%,middle", "Q409"),
         (b"position:10%,line-left", b"position:10%,start", "Q409"),
         (b"line:50%,center", b"line:50%,middle", "Q409"), (b"line:-1,END", b"line:-1,end", "Q409"),
-        (b"vertical:RL", b"vertical:rl", "Q410"), (b"size:300%", b"size:100%", "Q305")):
+        (b"vertical:RL", b"vertical:rl", "Q410"), (b"size:300%", b"size:100%", "Q305"),
+        (b"size:150%", b"size:100%", "Q425")):
     settings(before, after, "3:" + code)
-settings(b"line:,end", b"", "3:Q111")
+timing(b"00:01.000 --> 00:02.000 line:,end", b"00:01.000 --> 00:02.000", "3:Q111")
 settings(b"size:40% line:- align:left", b"size:40% align:left", "3:Q111")
 settings(b"align:end\tsize:50%", b"align:end size:50%", "3:Q405 3:Q405")
 settings(b"align:center size:40% position:10%", b"align:middle size:40% position:10%", "3:Q408")
@@ -120,12 +121,12 @@ for kept, left in ((b"align:center align:left", "3:Q408"), (b"align: x", "3:Q404
 cue(b"00:01.000 --> 00:02.000\n\nHi\nyou", b"00:01.000 --> 00:02.000\nHi\nyou", "4:Q108")
 cue(b"7\n\n00:01.000 --> 00:02.000\nHi", b"7\n00:01.000 --> 00:02.000\nHi", "3:Q106")
 cue(b"00:01.000 --> 00:02.000\nHi\n \t\n00:03.000 --> 00:04.000\nyou",
-    b"00:01.000 --> 00:02.000\nHi\n\n00:03.000 --> 00:04.000\nyou", "5:Q106")
+    b"00:01.000 --> 00:02.000\nHi\n\n00:03.000 --> 00:04.000\nyou", "5:Q117")
 cue(b"00:01.000 --> 00:02.000\nHi\n \nyou", b"00:01.000 --> 00:02.000\nHi\n \nyou", "")
 cue(b"00:01.000 --> 00:02.000\n \n\n00:03.000 --> 00:04.000\nyou",
     b"00:01.000 --> 00:02.000\n \n\n00:03.000 --> 00:04.000\nyou", "")
 row(b"WEBVTT\r\r00:01.000 --> 00:02.000\rHi\r \n00:03.000 --> 00:04.000\ryou\r\r",
-    b"WEBVTT\r\r00:01.000 --> 00:02.000\rHi\r\r00:03.000 --> 00:04.000\ryou\r\r", "5:Q106")
+    b"WEBVTT\r\r00:01.000 --> 00:02.000\rHi\r\r00:03.000 --> 00:04.000\ryou\r\r", "5:Q117")
 row(GOOD[:-1], GOOD, "5:Q418")
 row(GOOD[:-2], GOOD, "5:Q418")
 row(GOOD.replace(b"\n", b"\r\n")[:-4], GOOD.replace(b"\n", b"\r\n"), "5:Q418")
@@ -134,13 +135,13 @@ row(GOOD.replace(b"\n", b"\r")[:-1], GOOD.replace(b"\n", b"\r"), "5:Q418")
 # Timing lines that are shown as text.
 cue(b"1\n00:01.000 --> 00:02.000\nHi\n2\n00:03.000 --> 00:04.000\nyou\n3\n00:05,000 --> 00:06.000\nx",
     b"1\n00:01.000 --> 00:02.000\nHi\n\n2\n00:03.000 --> 00:04.000\nyou\n\n3\n00:05.000 --> 00:06.000\n"
-    b"x", "6:Q107 9:Q107 10:Q102")
+    b"x", "6:Q116 9:Q116 10:Q102")
 cue(b"00:01.000 --> 00:02.000\nHi\n00:03.000 --> 00:04.000\nyou",
-    b"00:01.000 --> 00:02.000\nHi\n\n00:03.000 --> 00:04.000\nyou", "5:Q107")
+    b"00:01.000 --> 00:02.000\nHi\n\n00:03.000 --> 00:04.000\nyou", "5:Q116")
 cue(b"00:01.000 --> 00:02.000\nHi\n42\n00:03.000 --> 00:04.000\nyou",
-    b"00:01.000 --> 00:02.000\nHi\n42\n\n00:03.000 --> 00:04.000\nyou", "6:Q107")
+    b"00:01.000 --> 00:02.000\nHi\n42\n\n00:03.000 --> 00:04.000\nyou", "6:Q116")
 cue(b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou",
-    b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou", "")
+    b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou", "", "4:Q116")
 
 # More than ten lines.
 LINES = [b"line %d" % number for number in range(25)]
@@ -183,11 +184,12 @@ for form in (b"X-TIMESTAMP-MAP=MPEGTS:900000, LOCAL:00:00:00.000",
              b"X-TIMESTAMP-MAP:MPEGTS:900000,LOCAL:00:00:00.000",
              b"X-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:0:0:0,0",
              b"x-timestamp-map = mpegts:900000 , local:00:00:00.000"):
-    row(b"WEBVTT\n" + form + GOOD[6:], MAP, "2:Q422")
-for form in (b"X-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:00:00:00.000",
-             b"X-TIMESTAMP-MAP MPEGTS:900000,LOCAL:00:00.000", b"X-TIMESTAMP-MAP=MPEG:9,LOCAL:0",
-             b"X-TIMESTAMP-MAP=MPEGTS:8589934590,LOCAL: 00:00:00.000"):
-    row(b"WEBVTT\n" + form + GOOD[6:], b"WEBVTT\n" + form + GOOD[6:], "")
+    row(b"WEBVTT\n" + form + GOOD[6:], MAP, "2:Q310" if form[:1] == b"x" else "2:Q422")
+for form, left in ((b"=MPEGTS:900000,LOCAL:00:00:00.000", ""), (b"=MPEG:9,LOCAL:0", "2:Q421"),
+                   (b" MPEGTS:900000,LOCAL:00:00.000", ""),
+                   (b"=MPEGTS:8589934590,LOCAL: 00:00:00.000", "2:Q422")):
+    form = b"WEBVTT\nX-TIMESTAMP-MAP" + form + GOOD[6:]
+    row(form, form, "", left)
 
 # A block that cannot be mended as a whole stays as it is.
 cue(b"00:01,000 --> 00:02.000\n<x\ny>", b"00:01,000 --> 00:02.000\n<x\ny>", "", "3:Q102")

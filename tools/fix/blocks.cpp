@@ -39,8 +39,8 @@ void BlankLinesThatLookIt(const Workshop& shop) {
                              (end == lines.size() || BlockBeginsAt(lines, end));
         for (std::size_t index = begin; between && index < end; ++index) {
             Line& line = lines[index];
-            if (!line.text.empty() && !line.frozen && shop.Wants("lone-line")) {
-                document.Record(line.number, "lone-line", line.text, "");
+            if (!line.text.empty() && !line.frozen && shop.Wants("looks-blank")) {
+                document.Record(line.number, "looks-blank", line.text, "");
                 document.Replace(index, "", {});
             }
         }
@@ -100,8 +100,8 @@ void SplitCues(const Workshop& shop) {
             const std::size_t begin = index - (has_number ? 1 : 0);
             ++last;
             timing = index;
-            if (!lines[begin].frozen && !lines[index].frozen && shop.Wants("late-times")) {
-                document.Record(lines[begin].number, "late-times", "a blank line put above it");
+            if (!lines[begin].frozen && !lines[index].frozen && shop.Wants("times-in-text")) {
+                document.Record(lines[begin].number, "times-in-text", "a blank line put above it");
                 document.InsertAbove(begin);
             }
         }

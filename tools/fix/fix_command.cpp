@@ -198,7 +198,7 @@ console::ExitCode FixCommand::Fix(const std::string& track, Mender& mender,
         const check::Finding& finding = mended.left[0];
         throw console::Failure(console::kExitTrack,
                                source.name + ": nothing was written: " + finding.message + " [" +
-                                   finding.code->number + "]; " + finding.code->hint);
+                                   finding.code->number + "]; " + finding.hint());
     }
     const bool changed = mended.text != source.bytes;
     const std::string words = Describe(source, mended);
@@ -246,9 +246,9 @@ std::string FixCommand::Describe(const Source& source, const Mended& mended) con
     for (const check::Finding& finding : mended.left) {
         if (finding.code->severity != check::Severity::kRemark) {
             lines.Add(std::string("left: [") + finding.code->number + "]",
-                      source.name + ":" + std::to_string(finding.line) + ": left: " +
-                          check::SeverityName(finding.code->severity) + ": " + finding.message +
-                          " [" + finding.code->number + "]; " + finding.code->hint);
+                      source.name + ":" + std::to_string(finding.line) +
+                          ": left: " + check::SeverityName(finding.code->severity) + ": " +
+                          finding.message + " [" + finding.code->number + "]; " + finding.hint());
         }
     }
     return lines.Take(source.name);

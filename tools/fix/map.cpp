@@ -92,10 +92,15 @@ void FixMap(const Workshop& shop) {
             found = index;
         }
     }
-    if (found == end || lines[found].frozen || !shop.Wants("map-value")) {
+    if (found == end || lines[found].frozen) {
         return;
     }
     const std::string_view line = lines[found].text;
+    const bool has_name = line.substr(0, kName.size()) == kName;
+    const char* const code = has_name ? "map-value" : "map-name";
+    if (!shop.Wants(code)) {
+        return;
+    }
     if (shop.oracle.ReadsMap(line)) {
         return;
     }
@@ -104,7 +109,7 @@ void FixMap(const Workshop& shop) {
         return;
     }
     const std::string text = std::string(kName) + "=" + map->items;
-    document.Record(lines[found].number, "map-value", line, text);
+    document.Record(lines[found].number, code, line, text);
     document.StateOffset(static_cast<double>(*map->ticks / 90000) -
                          static_cast<double>(map->local->milliseconds) / 1000);
     document.Replace(found, text, {});

@@ -140,7 +140,7 @@ std::string FixPercentage(const std::string& name, const std::string& value, con
                parts.number.back() == '%' &&
                IsNumber(std::string_view(parts.number).substr(0, parts.number.size() - 1)) &&
                std::stod(parts.number) > 100) {
-        code = "number-wraps";
+        code = std::stod(parts.number) < 256 ? "size-range" : "number-wraps";
         parts.number = "100%";
     }
     FixSecond(parts.second, code);

@@ -111,6 +111,9 @@ class Rewriting {
             note_.effects = std::move(settings.effects);
         }
         text_ += settings.text;
+        if (has_settings && settings.text.empty()) {
+            text_.erase(text_.find_last_not_of(' ') + 1);
+        }
     }
 
     const Workshop& shop_;

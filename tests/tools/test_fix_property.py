@@ -1,0 +1,74 @@
+"""What holds for every track that quill fix is given: the ones here come from the generator of
+tests/model, damage and all, with fixed seeds, and from the samples."""
+
+import glob
+import json
+import os
+import random
+import re
+import shutil
+import sys
+import unittest
+
+from quill_runner import EMULATOR, QuillTest
+
+ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, os.pardir)
+sys.path.insert(1, os.path.join(ROOT, "tests", "model"))
+from generate import Generator  # pylint: disable=wrong-import-position
+
+# An emulator takes ten times as long; a part of the tracks will do there.
+COUNT = 100 if EMULATOR else 1200
+# Of a hundred generated tracks, damaged beyond what anybody writes, at most two may be given up.
+GIVEN_UP = 2
+
+
+class EveryTrack(QuillTest):
+    def setUp(self):
+        super().setUp()
+        for index in range(COUNT):
+            track = Generator(random.Random(f"fix/{index}")).track()
+            self.file(f"{index:04}.vtt", track)
+        for sample in glob.glob(os.path.join(ROOT, "samples", "*.vtt")):
+            shutil.copy(sample, self.folder)
+
+    def said(self, *arguments):
+        result = self.quill("fix", "--all", *arguments, self.folder)
+        return result.out.decode(), self.messages(result)
+
+    def cues_delivered(self):
+        lines = self.quill("check", "--format", "json", "--sums", self.folder).out.splitlines()
+        return {line["track"]: line["sums"]["cues_delivered"]
+                for line in map(json.loads, lines) if "track" in line and "sums" in line}
+
+    def contents(self):
+        contents = {}
+        for name in os.listdir(self.folder):
+            with open(os.path.join(self.folder, name), "rb") as file:
+                contents[name] = file.read()
+        return contents
+
+    def test_nothing_is_delivered_less_and_a_second_run_changes_nothing(self):
+        before = self.contents()
+        cues = self.cues_delivered()
+        said, _ = self.said("--dry-run")
+        self.assertEqual(self.contents(), before)
+        fixed = {os.path.basename(path)
+                 for path in re.findall(r"^(.*?):\d+: fixed: ", said, re.MULTILINE)}
+        _, messages = self.said("--in-place")
+        given_up = [message for message in messages if "could not be verified" in message]
+        self.assertLessEqual(len(given_up) * 100, COUNT * GIVEN_UP, given_up)
+        after = self.contents()
+        changed = {name for name, track in after.items() if track != before[name]}
+        self.assertEqual(changed, fixed)
+        self.assertGreater(len(changed), COUNT // 4)
+        more = 0
+        for path, count in self.cues_delivered().items():
+            self.assertGreaterEqual(count, cues[path], path)
+            more += count > cues[path]
+        self.assertGreater(more, COUNT // 10)
+        said, _ = self.said("--dry-run")
+        self.assertNotIn(": fixed: ", said)
+
+
+if __name__ == "__main__":
+    unittest.main()
