@@ -68,10 +68,10 @@ std::string Print(const Row& row) {
     return row.sign + row.text + (ended ? "" : "\n\\ No newline at end of file\n");
 }
 
-std::size_t CountSide(const std::vector<Row>& rows, std::size_t begin, std::size_t end, char side) {
+std::size_t CountSide(const std::vector<Row>& rows, std::size_t from, std::size_t to, char side) {
     return static_cast<std::size_t>(
-        std::count_if(rows.begin() + static_cast<std::ptrdiff_t>(begin),
-                      rows.begin() + static_cast<std::ptrdiff_t>(end),
+        std::count_if(rows.begin() + static_cast<std::ptrdiff_t>(from),
+                      rows.begin() + static_cast<std::ptrdiff_t>(to),
                       [side](const Row& row) { return row.sign == ' ' || row.sign == side; }));
 }
 
@@ -142,9 +142,13 @@ std::string UnifiedDiff(const std::string& name, std::string_view track, const D
         const std::size_t left_count = CountSide(rows, begin, end, '-');
         const std::size_t right_count = CountSide(rows, begin, end, '+');
         if (diff.empty()) {
-            diff = "--- " + name + "\n+++ " + name + "\n";
+            diff.append("--- ").append(name).append("\n+++ ").append(name).append("\n");
         }
-        diff += "@@ -" + Place(left, left_count) + " +" + Place(right, right_count) + " @@\n";
+        diff += "@@ -";
+        diff += Place(left, left_count);
+        diff += " +";
+        diff += Place(right, right_count);
+        diff += " @@\n";
         for (std::size_t at = begin; at < end; ++at) {
             diff += Print(rows[at]);
         }
