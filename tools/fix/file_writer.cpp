@@ -23,7 +23,7 @@ namespace {
 // What the path leads to, through all symbolic links; the path itself when nothing is there yet.
 std::string TargetOf(const std::string& path) {
     char* const real = realpath(path.c_str(), nullptr);
-    const std::string target = real != nullptr ? real : path;
+    std::string target = real != nullptr ? real : path;
     std::free(real);
     return target;
 }

@@ -43,6 +43,12 @@ Exit codes:
 // How many of one code are said one by one.
 constexpr std::uint32_t kMostOfACode = 3;
 
+[[noreturn]] void RejectCode(const std::string& option, const std::string& code) {
+    console::RejectArgument(option +
+                            " takes codes or the beginnings of codes, such as Q102,Q4, not \"" +
+                            code + "\" (quill check --codes lists them)");
+}
+
 // Beginnings of codes, such as "Q408,Q3".
 void TakeCodes(const std::string& option, const std::string& text,
                std::vector<std::string>& beginnings) {
@@ -54,9 +60,7 @@ void TakeCodes(const std::string& option, const std::string& text,
                 return std::string(code.number).compare(0, one.size(), one) == 0;
             });
         if (one.empty() || !known) {
-            console::RejectArgument(option + " takes codes or the beginnings of codes, such as " +
-                                    "Q102,Q4, not \"" + one +
-                                    "\" (quill check --codes lists them)");
+            RejectCode(option, one);
         }
         beginnings.push_back(one);
         begin = end + 1;

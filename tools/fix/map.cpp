@@ -110,7 +110,8 @@ void FixMap(const Workshop& shop) {
     }
     const std::string text = std::string(kName) + "=" + map->items;
     document.Record(lines[found].number, code, line, text);
-    document.StateOffset(static_cast<double>(*map->ticks / 90000) -
+    const std::uint32_t seconds = *map->ticks / 90000;  // whole ones, as the module counts them
+    document.StateOffset(static_cast<double>(seconds) -
                          static_cast<double>(map->local->milliseconds) / 1000);
     document.Replace(found, text, {});
 }

@@ -126,7 +126,7 @@ std::optional<WrittenTime> UsualTimeAt(std::string_view line, std::size_t begin)
             continue;
         }
         const bool has_hours = shape == kHours;
-        const auto two_digits = [text](std::size_t at) {
+        const auto two_digits = [text](std::size_t at) -> std::int64_t {
             return (text[at] - '0') * 10 + (text[at + 1] - '0');
         };
         const std::size_t minutes = has_hours ? 3 : 0;

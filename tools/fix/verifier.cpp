@@ -181,7 +181,8 @@ bool Verifier::KeepText(const Before& before, const Document& outcome) {
     for (; after != afters_.end() && lines[after->first].number < end; ++after) {
         after->must_play = after->fate == check::Fate::kDelivered;
         const bool has_text =
-            std::any_of(lines.begin() + after->first, lines.begin() + after->first + after->size,
+            std::any_of(lines.begin() + static_cast<std::ptrdiff_t>(after->first),
+                        lines.begin() + static_cast<std::ptrdiff_t>(after->first + after->size),
                         [&](const Line& line) {
                             return line.number >= begin && line.number < end && !line.inserted &&
                                    !line.timing && line.number > begin;
