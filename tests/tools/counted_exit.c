@@ -1,5 +1,6 @@
-// Part of quill in the build that counts the lines which are run: an _exit that keeps the counts when
-// QUILL_COUNT_CHILDREN is set. Each time takes as long as some dozens of files take to be rewritten.
+// Part of quill in the build that counts the lines which are run: an _exit that keeps the counts
+// when QUILL_COUNT_CHILDREN is set. Each time takes as long as some dozens of files take to be
+// rewritten.
 #include <stdlib.h>
 #include <unistd.h>
 
