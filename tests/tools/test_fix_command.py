@@ -169,6 +169,8 @@ class Command(QuillTest):
         result = self.quill("fix", path)
         self.assertEqual(result.out, GOOD.replace(b"Hi", b"caf\xe9"))
         result = self.quill("fix", "--from", "ISO-8859-1", path)
+        if EMULATOR and b"is not known here" in result.err:
+            self.skipTest("the C library of this target has no other encodings installed")
         self.assertEqual(result.out, GOOD.replace(b"Hi", "café".encode()))
         self.assertIn(b":1: fixed: converted from ISO-8859-1 [Q417]\n", result.err)
         self.assert_fails(self.quill("fix", "--from", "UTF-8", path), 2, path,
