@@ -66,10 +66,10 @@ void AddPrefixes(const std::string& where, const std::string& text, CodePrefixes
         if (item.empty() || std::none_of(Codes(), Codes() + CodeCount(), [&](const Code& code) {
                 return IsPrefixOf(item, code);
             })) {
-            throw console::Failure(
-                console::kExitUsage,
-                where + " takes codes and beginnings of codes, such as Q408 and Q3, not \"" + item +
-                    '"' + SuggestCode(item));
+            std::string message = where;
+            message += " takes codes and beginnings of codes, such as Q408 and Q3, not \"";
+            message += item + '"' + SuggestCode(item);
+            throw console::Failure(console::kExitUsage, message);
         }
         prefixes.push_back(item);
     }
