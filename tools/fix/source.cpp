@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 
-#include "tools/console/failure.h"
 #include "tools/fix/encoding.h"
 #include "tools/host/track_reader.h"
 
@@ -13,26 +12,13 @@ namespace {
 // Its lines, their copies and what is stated of them must fit into the memory of a 32-bit program.
 constexpr std::size_t kLargestTrack = 64u << 20;
 
-std::string ReadAll(host::TrackReader& reader) {
-    std::string bytes;
-    while (const std::optional<host::Chunk> chunk = reader.Next()) {
-        if (reader.offset() > kLargestTrack) {
-            throw console::Failure(console::kExitUsage,
-                                   reader.name() + ": a track may have up to " +
-                                       std::to_string(kLargestTrack) + " bytes");
-        }
-        bytes.append(chunk->data.get(), chunk->size);
-    }
-    bytes.resize(static_cast<std::size_t>(reader.offset()));  // without a line end put to it
-    return bytes;
-}
-
 }  // namespace
 
 Source ReadSource(const std::string& name, const std::string& encoding,
                   const Selection& selection) {
     host::TrackReader reader(name, std::nullopt);
-    Source source{reader.name(), ReadAll(reader), "", {}};
+    Source source{reader.name(), reader.ReadAll(kLargestTrack, [] {}), "", {}};
+    source.bytes.resize(static_cast<std::size_t>(reader.offset()));  // less a line end put to it
     source.text = source.bytes;
     const auto note = [&source](const char* code, const std::string& words) {
         source.edits.push_back({1, &check::CodeNamed(code), words, "", ""});

@@ -46,6 +46,19 @@ TrackReader::TrackReader(std::string name, std::optional<unsigned int> chunk_siz
 }
 
 // Whether at least one more byte is in the buffer.
+std::string TrackReader::ReadAll(std::uint64_t most, const std::function<void()>& progress) {
+    std::string bytes;
+    while (const std::optional<Chunk> chunk = Next()) {
+        if (offset_ > most) {
+            throw console::Failure(console::kExitUsage, name_ + ": a track may have up to " +
+                                                            std::to_string(most) + " bytes");
+        }
+        bytes.append(chunk->data.get(), chunk->size);
+        progress();
+    }
+    return bytes;
+}
+
 bool TrackReader::ReadMore() {
     if (ended_) {
         return false;

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -43,6 +44,10 @@ class TrackReader {
     // when the track ends inside its first line, that gets the line feed which ends it. Throws
     // Failure when reading failed, after all that was read before has been returned.
     std::optional<Chunk> Next();
+
+    // All chunks together. Calls `progress` after each of them. Throws Failure when the track has
+    // more than `most` bytes, and what Next throws.
+    std::string ReadAll(std::uint64_t most, const std::function<void()>& progress);
 
     // "standard input" for "-".
     const std::string& name() const { return name_; }
