@@ -70,6 +70,8 @@ row(GOOD[8:], GOOD, "1:Q134")
 row(b"WEBVTT\n" + GOOD[8:], GOOD, "2:Q113")
 row(b"WEBVTT\nKind: captions\n" + GOOD[10:], b"WEBVTT\nKind: captions\n\n" + GOOD[10:], "3:Q113")
 row(b"WEBVTT\n \t\xc2\xa0\n" + GOOD[8:], GOOD, "2:Q117")
+for blank in ("\u3164", "\u2800", "\u180e", "\u061c"):
+    row(b"WEBVTT\n" + blank.encode() + b"\n" + GOOD[8:], GOOD, "2:Q117")
 
 # Times.
 for before, after, code in (

@@ -72,21 +72,13 @@ constexpr LookAlike kLookAlikes[] = {
     {0xFF1A, "fullwidth colon", ":"},
 };
 
-const LookAlike* Find(char32_t code_point) {
-    const LookAlike* const end = std::end(kLookAlikes);
-    const LookAlike* const found = std::lower_bound(
-        std::begin(kLookAlikes), end, code_point,
-        [](const LookAlike& known, char32_t wanted) { return known.code_point < wanted; });
-    return found != end && found->code_point == code_point ? found : nullptr;
-}
-
 // Calls back with each character's bytes and what it looks like, which is null for most.
 template <typename Callback>
 void ForEach(std::string_view text, Callback callback) {
     while (!text.empty()) {
         const console::Character character = console::FirstCharacter(text);
         callback(text.substr(0, character.size),
-                 character.is_valid ? Find(character.code_point) : nullptr);
+                 character.is_valid ? LookAlikeOf(character.code_point) : nullptr);
         text.remove_prefix(character.size);
     }
 }
@@ -99,8 +91,16 @@ std::string Hex(const char* format, char32_t code_point) {
 
 }  // namespace
 
+const LookAlike* LookAlikeOf(char32_t code_point) {
+    const LookAlike* const end = std::end(kLookAlikes);
+    const LookAlike* const found = std::lower_bound(
+        std::begin(kLookAlikes), end, code_point,
+        [](const LookAlike& known, char32_t wanted) { return known.code_point < wanted; });
+    return found != end && found->code_point == code_point ? found : nullptr;
+}
+
 std::string NameOf(char32_t code_point) {
-    const LookAlike* const known = Find(code_point);
+    const LookAlike* const known = LookAlikeOf(code_point);
     return Hex("U+%04X", code_point) +
            (known != nullptr ? " (" + std::string(known->name) + ")" : "");
 }

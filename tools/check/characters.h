@@ -18,6 +18,9 @@ struct LookAlike {
 // "U+00A0 (no-break space)"; without the name when that is not known.
 std::string NameOf(char32_t code_point);
 
+// What the character is taken for. Null when it is taken for nothing but itself.
+const LookAlike* LookAlikeOf(char32_t code_point);
+
 // The first character of the text that looks like another one; plain spaces do not. Null when
 // there is none.
 const LookAlike* FindLookAlike(std::string_view text);

@@ -1,10 +1,11 @@
 #include "tools/check/references.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
+#include <iterator>
 
 #include "tools/check/finding.h"
+#include "tools/console/escape.h"
 
 namespace quill::check {
 namespace {
@@ -46,20 +47,41 @@ constexpr Named kNamed[] = {
     {"plusmn", 0x00B1}, {"micro", 0x00B5},  {"not", 0x00AC},
 };
 
-std::string Utf8(char32_t character) {
-    const auto byte = [](char32_t bits) { return static_cast<char>(bits); };
-    if (character < 0x80) {
-        return {byte(character)};
+// Those that the module knows.
+struct Own {
+    std::string_view name;
+    std::string_view character;
+};
+
+constexpr Own kOwn[] = {
+    {"amp", "&"},           {"lt", "<"}, {"gt", ">"}, {"nbsp", "\xC2\xA0"}, {"lrm", "\xE2\x80\x8E"},
+    {"rlm", "\xE2\x80\x8F"}};
+
+const Own* FindOwn(std::string_view name) {
+    const auto* const found = std::find_if(std::begin(kOwn), std::end(kOwn),
+                                           [name](const Own& own) { return own.name == name; });
+    return found == std::end(kOwn) ? nullptr : found;
+}
+
+constexpr std::string_view kDecimal = "0123456789";
+constexpr std::string_view kHexadecimal = "0123456789abcdefABCDEF";
+
+bool IsHexadecimal(std::string_view digits) {
+    return digits.substr(0, 1) == "x" || digits.substr(0, 1) == "X";
+}
+
+// The digits in decimal, or "x" and hexadecimal ones. Empty for control characters, which show
+// nothing, for what is no character of Unicode, and for other digits.
+std::string CharacterNumbered(std::string_view digits) {
+    const bool is_hex = IsHexadecimal(digits);
+    const std::string number(digits.substr(is_hex ? 1 : 0));
+    if (number.find_first_not_of(is_hex ? kHexadecimal : kDecimal) != std::string::npos) {
+        return "";
     }
-    if (character < 0x800) {
-        return {byte(0xC0 | character >> 6), byte(0x80 | (character & 0x3F))};
-    }
-    if (character < 0x10000) {
-        return {byte(0xE0 | character >> 12), byte(0x80 | (character >> 6 & 0x3F)),
-                byte(0x80 | (character & 0x3F))};
-    }
-    return {byte(0xF0 | character >> 18), byte(0x80 | (character >> 12 & 0x3F)),
-            byte(0x80 | (character >> 6 & 0x3F)), byte(0x80 | (character & 0x3F))};
+    const unsigned long value = std::strtoul(number.c_str(), nullptr, is_hex ? 16 : 10);
+    const bool is_character = value >= 0x20 && (value < 0x7F || value >= 0xA0) &&
+                              (value < 0xD800 || value >= 0xE000) && value <= 0x10FFFF;
+    return is_character ? console::Utf8(static_cast<char32_t>(value)) : "";
 }
 
 }  // namespace
@@ -67,45 +89,45 @@ std::string Utf8(char32_t character) {
 std::string CharacterNamed(std::string_view name) {
     for (const Named& known : kNamed) {
         if (name == known.name) {
-            return Utf8(known.character);
+            return console::Utf8(known.character);
         }
     }
     return "";
+}
+
+bool IsOwn(std::string_view name) {
+    return FindOwn(name) != nullptr;
+}
+
+std::string CharacterOf(std::string_view name) {
+    if (name.substr(0, 1) == "#") {
+        return CharacterNumbered(name.substr(1));
+    }
+    const Own* const own = FindOwn(name);
+    return own != nullptr ? std::string(own->character) : CharacterNamed(name);
 }
 
 std::size_t NumberedSize(std::string_view text) {
     if (text.substr(0, 2) != "&#") {
         return 0;
     }
-    const bool is_hex = text.substr(2, 1) == "x" || text.substr(2, 1) == "X";
+    const bool is_hex = IsHexadecimal(text.substr(2));
     const std::size_t begin = is_hex ? 3 : 2;
     const std::size_t end =
-        std::min(text.find_first_not_of(is_hex ? "0123456789abcdefABCDEF" : "0123456789", begin),
-                 text.size());
+        std::min(text.find_first_not_of(is_hex ? kHexadecimal : kDecimal, begin), text.size());
     return end <= begin ? 0 : end + (text.substr(end, 1) == ";" ? 1 : 0);
 }
 
 std::string WriteNumbered(std::string_view reference) {
-    const bool is_hex = reference[2] == 'x' || reference[2] == 'X';
-    const std::string digits(reference.substr(is_hex ? 3 : 2));
-    const unsigned long value = std::strtoul(digits.c_str(), nullptr, is_hex ? 16 : 10);
-    const bool is_character = value >= ' ' && value <= 0x10FFFF && (value & ~0x7FFul) != 0xD800;
-    return is_character ? WriteCharacter(Utf8(static_cast<char32_t>(value))) : "remove it";
+    const std::size_t end = reference.back() == ';' ? reference.size() - 1 : reference.size();
+    const std::string character = CharacterNumbered(reference.substr(2, end - 2));
+    return character.empty() ? "remove it" : WriteCharacter(character);
 }
 
 std::string WriteCharacter(const std::string& character) {
-    static constexpr struct {
-        const char* character;
-        const char* reference;
-    } kReferences[] = {{"&", "&amp;"},
-                       {"<", "&lt;"},
-                       {">", "&gt;"},
-                       {"\xC2\xA0", "&nbsp;"},
-                       {"\xE2\x80\x8E", "&lrm;"},
-                       {"\xE2\x80\x8F", "&rlm;"}};
-    for (const auto& known : kReferences) {
-        if (character == known.character) {
-            return "write " + std::string(known.reference);
+    for (const Own& own : kOwn) {
+        if (character == own.character) {
+            return "write &" + std::string(own.name) + ";";
         }
     }
     return "write " + Quoted(character) + " itself";

@@ -8,8 +8,16 @@
 
 namespace quill::check {
 
-// The character in UTF-8; empty for a name that is not one of the usual ones. Without "&" and ";".
+// The character in UTF-8; empty for a name that is not one of the usual ones, or that the module
+// knows. Without "&" and ";".
 std::string CharacterNamed(std::string_view name);
+
+// Whether the module knows the name.
+bool IsOwn(std::string_view name);
+
+// What "amp", "copy", "#39" or "#x27" stands for; empty when that is not known, or is no character
+// of a text.
+std::string CharacterOf(std::string_view name);
 
 // The size of the reference by number that the text begins with, "&#39;" or "&#x27", with the
 // semicolon if there is one; 0 when it begins with none.

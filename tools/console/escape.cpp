@@ -82,6 +82,25 @@ Character FirstCharacter(std::string_view text) {
     return {code_point, length == kInvalid ? 1 : length, length != kInvalid};
 }
 
+std::string Utf8(char32_t code_point) {
+    const auto tail = [code_point](int shift) {
+        return static_cast<char>(0x80u | (code_point >> shift & 0x3Fu));
+    };
+    const auto lead = [code_point](unsigned mark, int shift) {
+        return static_cast<char>(mark | code_point >> shift);
+    };
+    if (code_point < 0x80) {
+        return {lead(0, 0)};
+    }
+    if (code_point < 0x800) {
+        return {lead(0xC0, 6), tail(0)};
+    }
+    if (code_point < 0x10000) {
+        return {lead(0xE0, 12), tail(6), tail(0)};
+    }
+    return {lead(0xF0, 18), tail(12), tail(6), tail(0)};
+}
+
 bool IsUtf8(std::string_view text) {
     while (!text.empty()) {
         const Character character = FirstCharacter(text);

@@ -25,6 +25,9 @@ struct Character {
 // The character that the text, which is not empty, begins with.
 Character FirstCharacter(std::string_view text);
 
+// The UTF-8 of a code point, which must be one of Unicode's characters.
+std::string Utf8(char32_t code_point);
+
 // Whether the text is valid UTF-8, control characters or not.
 bool IsUtf8(std::string_view text);
 

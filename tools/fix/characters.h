@@ -10,8 +10,8 @@
 
 namespace quill::fix {
 
-// A text in the characters that it looks like: every space and tab is ' ', every digit, colon,
-// comma, point, dash and bracket its plain one, and what nobody sees is left out. Arrows are
+// A text in the characters that it looks like: what quill check names as a look-alike is what that
+// is taken for, every dash and bracket its plain one, and what nobody sees is left out. Arrows are
 // kArrow, all else is as it is, or kOther beyond ASCII.
 class Looks {
   public:
@@ -33,9 +33,6 @@ class Looks {
 
 // Nothing is to be seen on it; true for nothing at all.
 bool LooksBlank(std::string_view text);
-
-// The UTF-8 of a code point, which must be one.
-std::string Utf8(std::uint32_t code_point);
 
 }  // namespace quill::fix
 

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "tools/console/descriptor.h"
+#include "tools/console/escape.h"
 #include "tools/console/failure.h"
-#include "tools/fix/characters.h"
 
 namespace quill::fix {
 namespace {
@@ -82,7 +82,7 @@ std::optional<std::string> FromUtf16(std::string_view bytes, bool big) {
             at += 2;
         }
         if (code_point != 0xFEFF || at > 0) {
-            text += Utf8(code_point);
+            text += console::Utf8(code_point);
         }
     }
     return text;

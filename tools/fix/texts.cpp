@@ -7,12 +7,17 @@
 #include <utility>
 #include <vector>
 
+#include "tools/check/references.h"
 #include "tools/fix/characters.h"
 #include "tools/fix/fixer.h"
-#include "tools/fix/references.h"
 
 namespace quill::fix {
 namespace {
+
+// The character as it may stand in a text.
+std::string Escaped(const std::string& character) {
+    return character == "&" ? "&amp;" : character == "<" ? "&lt;" : character;
+}
 
 constexpr std::string_view kTagEnds = " \t\f\n.>";
 
@@ -109,8 +114,8 @@ class Payload {
         }
         const bool complete = end < rest.size() && rest[end] == ';';
         const std::string_view name = rest.substr(1, end - 1);
-        const std::string character = CharacterOf(name);
-        if (complete && (character.empty() ? rest[1] != '#' : IsKept(name))) {
+        const std::string character = check::CharacterOf(name);
+        if (complete && (character.empty() ? rest[1] != '#' : check::IsOwn(name))) {
             done = end + 1;
             return std::nullopt;
         }
@@ -123,7 +128,7 @@ class Payload {
             done = end;
             return std::nullopt;
         }
-        if (IsKept(name)) {
+        if (check::IsOwn(name)) {
             return Change{end, std::string(rest.substr(0, end)) + ";", character, "bare-ampersand"};
         }
         return Change{1, "&amp;", "&", "bare-ampersand"};
