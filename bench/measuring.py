@@ -24,7 +24,7 @@ DIALOGUES = {"64KB": ("usual", 65536), "1460B": ("usual", 1460), "crlf": ("crlf"
 
 
 class Failure(Exception):
-    """Something that the user must mend; told in one line."""
+    """Something that the user must fix; told in one line."""
     status = 2
 
 

@@ -15,7 +15,7 @@ constexpr std::size_t kLongestRejectedSilently = 5;
 /// Six records of ten bytes, one behind the other. Each is compared as the text that starts there
 /// and runs to the next zero. The first three have no zero of their own, so they run on into the
 /// records behind them, and only two odd first lines that begin with a byte order mark match. A
-/// plain "WEBVTT" behind a byte order mark is rejected; hosts strip the mark. Do not "mend" this.
+/// plain "WEBVTT" behind a byte order mark is rejected; hosts strip the mark. Do not "fix" this.
 constexpr char kSignatures[kRecordSize * kRecordCount + 1] =
     "\xEF\xBB\xBFWEBVTT\n"
     "\xEF\xBB\xBFWEBVTT "

@@ -6,8 +6,8 @@ import re
 
 PAGE = os.path.join(os.environ["QUILL_DOCS"], "diagnostics.md")
 
-# `track`, `mended` and `chunk` are None where the page has none.
-Entry = collections.namedtuple("Entry", "code name text track mended chunk")
+# `track`, `fixed` and `chunk` are None where the page has none.
+Entry = collections.namedtuple("Entry", "code name text track fixed chunk")
 
 ENTRY = re.compile(r"^### (Q\d{3}) (\S+)\n\n(.*?)(?=^##|\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"^```text\n(.*?)^```$", re.MULTILINE | re.DOTALL)
@@ -28,8 +28,8 @@ def read_entry(code, name, body):
     tracks = [read_track(example) for example in EXAMPLE.findall(body)]
     chunk = CHUNK.search(body)
     text = " ".join(EXAMPLE.sub("", body).split())
-    track, mended, *_ = tracks + [None, None]
-    return Entry(code, name, text, track, mended, chunk and chunk.group(1))
+    track, fixed, *_ = tracks + [None, None]
+    return Entry(code, name, text, track, fixed, chunk and chunk.group(1))
 
 
 def read_track(example):

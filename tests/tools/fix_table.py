@@ -193,5 +193,5 @@ for form, left in ((b"=MPEGTS:900000,LOCAL:00:00:00.000", ""), (b"=MPEG:9,LOCAL:
     form = b"WEBVTT\nX-TIMESTAMP-MAP" + form + GOOD[6:]
     row(form, form, "", left)
 
-# A block that cannot be mended as a whole stays as it is.
+# A block that cannot be fixed as a whole stays as it is.
 cue(b"00:01,000 --> 00:02.000\n<x\ny>", b"00:01,000 --> 00:02.000\n<x\ny>", "", "3:Q102")

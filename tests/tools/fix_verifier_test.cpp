@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-#include "tools/fix/mender.h"
+#include "tools/fix/track_fixer.h"
 #include "tools/fix/verifier.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"

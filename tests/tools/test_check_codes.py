@@ -9,7 +9,7 @@ from quill_runner import QuillTest
 # What no track can bring the module to.
 WITHOUT_EXAMPLE = ["Q119"]
 # Files that have to be made anew, and chunks that are too small.
-MENDED_ELSEWHERE = ["Q135", "Q136", "Q137", "Q138", "Q139", "Q140", "Q143", "Q144", "Q145", "Q146",
+FIXED_ELSEWHERE = ["Q135", "Q136", "Q137", "Q138", "Q139", "Q140", "Q143", "Q144", "Q145", "Q146",
                    "Q147", "Q206"]
 
 
@@ -30,7 +30,7 @@ class Codes(QuillTest):
     def test_page_and_table_say_the_same(self):
         for entry, code in zip(self.entries, self.table()):
             with self.subTest(entry.code):
-                wanted = f"{code['cause']}. Mend: {code['hint']}."
+                wanted = f"{code['cause']}. Fix: {code['hint']}."
                 self.assertEqual(entry.text[:len(wanted)], wanted)
 
     def test_numbers_and_names_are_used_once(self):
@@ -79,15 +79,15 @@ class Codes(QuillTest):
 
     def test_no_mended_example_gives_its_code(self):
         for chunk in {entry.chunk for entry in self.entries}:
-            tracks = {entry.code: entry.mended for entry in self.entries
-                      if entry.mended is not None and entry.chunk == chunk}
+            tracks = {entry.code: entry.fixed for entry in self.entries
+                      if entry.fixed is not None and entry.chunk == chunk}
             for code, found in (self.codes_of(tracks, chunk) if tracks else {}).items():
                 with self.subTest(code):
                     self.assertEqual(found, {None})
 
     def test_every_code_but_a_few_is_mended(self):
-        self.assertEqual([entry.code for entry in self.entries if entry.mended is None],
-                         WITHOUT_EXAMPLE + MENDED_ELSEWHERE)
+        self.assertEqual([entry.code for entry in self.entries if entry.fixed is None],
+                         WITHOUT_EXAMPLE + FIXED_ELSEWHERE)
 
 
 if __name__ == "__main__":

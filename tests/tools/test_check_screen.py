@@ -76,7 +76,7 @@ class Screen(QuillTest):
         lines = self.of(LOST + GOOD * 1000, "--quiet")
         self.assertEqual(lines[1:], [
             "6: lost: the cue at 00:00:01.000 is lost with its chunk, which line 3 ended, and 999 "
-            "more behind it, lines 9 to 3003 [Q201]; mend that block, or feed other chunks"])
+            "more behind it, lines 9 to 3003 [Q201]; correct that block, or feed other chunks"])
         lines = self.of(LOST + GOOD * 2, "--quiet")
         self.assertIn("which line 3 ended, and 1 more behind it, line 9 [Q201]", lines[1])
         self.assertEqual(len(self.of(LOST + GOOD * 1000, "--quiet", "--all")), 1001)

@@ -150,7 +150,7 @@ class Command(QuillTest):
                 (("--skip", "Q418"), {"Q102", "Q104"}),
                 (("--only", "Q1", "--only", "Q4"), {"Q102", "Q104", "Q418"}),
                 (("--only", "Q1,Q418", "--skip", "Q10"), {"Q418"}),
-                # One half of a mend makes no cue.
+                # One half of a fix makes no cue.
                 (("--skip", "Q104"), {"Q418"})):
             with self.subTest(arguments):
                 said = self.quill("fix", "--dry-run", *arguments, path).out.decode()

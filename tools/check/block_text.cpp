@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "tools/check/timing_mend.h"
+#include "tools/check/meant_timing.h"
 
 namespace quill::check {
 namespace {

@@ -89,7 +89,7 @@ CheckCommand::CheckCommand(CLI::App& app)
         "What ends in exit code 1: lost (default), changed (or\n"
         "lost), remark (any finding), or never");
     AddCodeOptions();
-    line.AddFlag("--codes", only_codes_, "List all codes with cause and mend, and do nothing else");
+    line.AddFlag("--codes", only_codes_, "List all codes with cause and fix, and do nothing else");
     line.AddOption(
         "--jobs", "COUNT",
         [this](const std::string& text) {

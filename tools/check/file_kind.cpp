@@ -7,7 +7,7 @@
 #include <string>
 
 #include "tools/check/characters.h"
-#include "tools/check/timing_mend.h"
+#include "tools/check/meant_timing.h"
 #include "tools/check/track_text.h"
 
 namespace quill::check {
@@ -62,8 +62,8 @@ bool IsSubRip(std::string_view text) {
 
 // "0:00:01.000,0:00:02.000"
 bool IsSbv(std::string_view text) {
-    const std::optional<TimingMend> mend = MendTimingLine(LineAt(text, 0).text);
-    return mend && mend->arrow == "," && mend->has_thousandths;
+    const std::optional<MeantTiming> meant = ReadMeantTiming(LineAt(text, 0).text);
+    return meant && meant->arrow == "," && meant->has_thousandths;
 }
 
 struct Kind {

@@ -4,9 +4,9 @@
 
 #include "tools/check/characters.h"
 #include "tools/check/loss_reason.h"
-#include "tools/check/map_mend.h"
+#include "tools/check/meant_map.h"
+#include "tools/check/meant_timing.h"
 #include "tools/check/module_words.h"
-#include "tools/check/timing_mend.h"
 #include "tools/console/cue_time.h"
 #include "tools/host/track_reader.h"
 
@@ -98,11 +98,11 @@ HeaderCheck::Use HeaderCheck::Examine(const Line& line, const Verdict& verdict,
 void HeaderCheck::ExamineSignature(Findings& findings) {
     const std::string_view text = LineAt(track_, 0).text;
     if (const std::size_t map = FindMap(text); map != std::string_view::npos) {
-        const std::string mended = MendMap(text.substr(map)).mended;
+        const std::string meant = ReadMeantMap(text.substr(map)).text;
         findings.emplace_back(
             1, "map-on-first-line", "a map header stands on the first line",
-            mended.empty() ? ""
-                           : "put it on a line of its own below the first, " + QuotedWhole(mended));
+            meant.empty() ? ""
+                          : "put it on a line of its own below the first, " + QuotedWhole(meant));
     }
     if (text.find(kArrow) != std::string_view::npos) {
         findings.emplace_back(1, "times-on-first-line", "the first line holds a timing line");
@@ -148,13 +148,13 @@ HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdic
     }
     if (Says(verdict.printed, words::kMapValue)) {
         findings.emplace_back(line_, "map-value",
-                              "no time is mapped: " + MendMap(line.text).complaint,
+                              "no time is mapped: " + ReadMeantMap(line.text).complaint,
                               WriteMap(line.text));
         return Use::kIgnored;
     }
     if (Says(verdict.printed, words::kMap)) {
         findings.emplace_back(line_, "map-item",
-                              "no time is mapped: " + MendMap(line.text).complaint,
+                              "no time is mapped: " + ReadMeantMap(line.text).complaint,
                               WriteMap(line.text));
         return Use::kIgnored;
     }
@@ -165,8 +165,8 @@ HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdic
 // Compares what the map says with what it does.
 void HeaderCheck::ExamineShift(const Line& line, Findings& findings) {
     constexpr double kTolerance = 0.5;
-    const MapMend meant = MendMap(line.text);
-    if (meant.mended.empty()) {
+    const MeantMap meant = ReadMeantMap(line.text);
+    if (meant.text.empty()) {
         return;
     }
     const double shift = AskShift(Complete(line));
@@ -196,14 +196,14 @@ double HeaderCheck::AskShift(const std::string& map) {
 }
 
 std::string HeaderCheck::WriteMap(std::string_view line) {
-    const MapMend meant = MendMap(line);
-    if (meant.mended.empty()) {
+    const MeantMap meant = ReadMeantMap(line);
+    if (meant.text.empty()) {
         return "";
     }
     LoneParser parser(module_, capture_, kBeginning);
-    const Verdict& verdict = parser.Ask(meant.mended + "\n");
+    const Verdict& verdict = parser.Ask(meant.text + "\n");
     const bool is_taken = verdict.fate == Fate::kInHeader && !Says(verdict.printed, words::kMap);
-    return is_taken ? "write " + QuotedWhole(meant.mended) : "";
+    return is_taken ? "write " + QuotedWhole(meant.text) : "";
 }
 
 // Has the module read the map behind the one before, in one call: one that it reads makes it print

@@ -5,8 +5,8 @@
 
 #include "tools/check/characters.h"
 #include "tools/check/loss_reason.h"
+#include "tools/check/meant_timing.h"
 #include "tools/check/surroundings.h"
-#include "tools/check/timing_mend.h"
 
 namespace quill::check {
 namespace {
@@ -73,12 +73,12 @@ std::optional<std::string> LineRemarks::TimesIn(std::string_view text) {
     if (!has_arrow && (text.find(':') == kNone || text.find_first_of(".,") == kNone)) {
         return std::nullopt;
     }
-    const std::optional<TimingMend> mend = MendTimingLine(text);
-    if (!mend || mend->mended.empty() || !(has_arrow || mend->has_thousandths) ||
-        !IsTimingLine(mend->mended, parser_)) {
+    const std::optional<MeantTiming> meant = ReadMeantTiming(text);
+    if (!meant || meant->text.empty() || !(has_arrow || meant->has_thousandths) ||
+        !IsTimingLine(meant->text, parser_)) {
         return std::nullopt;
     }
-    return " and write " + QuotedWhole(mend->mended);
+    return " and write " + QuotedWhole(meant->text);
 }
 
 Finding LineRemarks::TimesInText(const BlockText& block, std::size_t index,

@@ -6,11 +6,11 @@
 #include <string_view>
 
 #include "tools/check/characters.h"
-#include "tools/check/map_mend.h"
+#include "tools/check/meant_map.h"
+#include "tools/check/meant_time.h"
+#include "tools/check/meant_timing.h"
 #include "tools/check/module_words.h"
 #include "tools/check/tag_reason.h"
-#include "tools/check/time_mend.h"
-#include "tools/check/timing_mend.h"
 
 namespace quill::check {
 namespace {
@@ -30,17 +30,17 @@ Finding InvalidTime(const BlockText& block, const std::string& which, std::strin
         return {line, "identifier-arrow",
                 "the identifier " + Quoted(text) + " is taken for the timing line"};
     }
-    if (const auto mend = MendTimingLine(text); mend && mend->arrow != kArrow) {
-        return {line, "wrong-arrow", Quoted(mend->arrow) + " stands between the times", fix};
+    if (const auto meant = ReadMeantTiming(text); meant && meant->arrow != kArrow) {
+        return {line, "wrong-arrow", Quoted(meant->arrow) + " stands between the times", fix};
     }
-    const TimeMend mend = MendTime(time);
-    if (mend.has_comma && FindLookAlike(time) == nullptr) {
+    const MeantTime meant = ReadMeantTime(time);
+    if (meant.has_comma && FindLookAlike(time) == nullptr) {
         return {line, which + "-time-comma",
                 which + " time " + Quoted(time) + " with a decimal comma", fix};
     }
     return {line, which + "-time",
             "invalid " + which + " time " + Quoted(time) +
-                (mend.complaint.empty() ? "" : ": " + mend.complaint),
+                (meant.complaint.empty() ? "" : ": " + meant.complaint),
             fix};
 }
 
@@ -121,18 +121,18 @@ Finding NoTimes(const BlockText& block, const Surroundings& around, LoneParser& 
         return LateTimes(block, arrow, asked);
     }
     for (std::size_t index = 0; index < block.size(); ++index) {
-        const std::optional<TimingMend> mend = MendTimingLine(block.text(index));
-        if (mend && mend->arrow != kArrow) {
-            const std::string between = mend->arrow.empty() ? "nothing" : Quoted(mend->arrow);
+        const std::optional<MeantTiming> meant = ReadMeantTiming(block.text(index));
+        if (meant && meant->arrow != kArrow) {
+            const std::string between = meant->arrow.empty() ? "nothing" : Quoted(meant->arrow);
             return {block.number(index), "wrong-arrow", between + " stands between the times",
                     WriteInstead(block.text(index), asked)};
         }
     }
     if (IsLikeMap(block.text(0))) {
-        const std::string mended = MendMap(block.text(0)).mended;
-        const bool same = mended.empty() || mended == block.text(0);
+        const std::string meant = ReadMeantMap(block.text(0)).text;
+        const bool same = meant.empty() || meant == block.text(0);
         return {block.number(0), "late-map", "a map header behind the header",
-                same ? "" : "write " + QuotedWhole(mended) + " below the first line"};
+                same ? "" : "write " + QuotedWhole(meant) + " below the first line"};
     }
     return Stray(block, around);
 }
@@ -167,8 +167,8 @@ std::string BlankLineAbove(std::string_view line_above, std::uint32_t number) {
 }
 
 std::string WriteInstead(std::string_view line, LoneParser& asked) {
-    const std::optional<TimingMend> mend = MendTimingLine(line);
-    return mend && IsTimingLine(mend->mended, asked) ? "write " + QuotedWhole(mend->mended) : "";
+    const std::optional<MeantTiming> meant = ReadMeantTiming(line);
+    return meant && IsTimingLine(meant->text, asked) ? "write " + QuotedWhole(meant->text) : "";
 }
 
 bool IsSignature(std::string_view line) {

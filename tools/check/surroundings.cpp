@@ -1,6 +1,6 @@
 #include "tools/check/surroundings.h"
 
-#include "tools/check/timing_mend.h"
+#include "tools/check/meant_timing.h"
 
 namespace quill::check {
 namespace {

@@ -169,7 +169,7 @@ console::ExitCode FixCommand::FixTracks(console::Output& output) {
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
     host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
     const host::ModuleHandle module(path);
-    Mender mender(module, capture, selection_);
+    TrackFixer fixer(module, capture, selection_);
     console::ExitCode code = console::kExitDone;
     console::TrackList tracks(tracks_);
     for (;;) {
@@ -178,7 +178,7 @@ console::ExitCode FixCommand::FixTracks(console::Output& output) {
             if (!track) {
                 return code;
             }
-            code = std::max(code, Fix(*track, mender, output));
+            code = std::max(code, Fix(*track, fixer, output));
         } catch (const console::OutputError&) {
             throw;
         } catch (const console::Failure& failure) {
@@ -188,36 +188,36 @@ console::ExitCode FixCommand::FixTracks(console::Output& output) {
     }
 }
 
-console::ExitCode FixCommand::Fix(const std::string& track, Mender& mender,
+console::ExitCode FixCommand::Fix(const std::string& track, TrackFixer& fixer,
                                   console::Output& output) const {
     const Source source = ReadSource(track, encoding_, selection_);
-    const Mended mended = mender.Mend(source.text);
-    if (mended.problem) {
+    const FixedTrack fixed = fixer.Run(source.text);
+    if (fixed.problem) {
         throw console::Failure(console::kExitTrack, source.name +
                                                         ": nothing was written, as the fixes could "
                                                         "not be verified: " +
-                                                        *mended.problem);
+                                                        *fixed.problem);
     }
-    if (IsRejected(mended.left)) {
-        const check::Finding& finding = mended.left[0];
+    if (IsRejected(fixed.left)) {
+        const check::Finding& finding = fixed.left[0];
         throw console::Failure(console::kExitTrack,
                                source.name + ": nothing was written: " + finding.message + " [" +
                                    finding.code->number + "]; " + finding.hint());
     }
-    const bool changed = mended.text != source.bytes;
-    const std::string words = Describe(source, mended);
+    const bool changed = fixed.text != source.bytes;
+    const std::string words = Describe(source, fixed);
     if (diff_) {
-        output.Write(UnifiedDiff(source.name, source.text, *mended.document));
+        output.Write(UnifiedDiff(source.name, source.text, *fixed.document));
     } else if (dry_run_) {
         output.Write(words);
     } else {
-        Write(track, mended.text, changed, output);
+        Write(track, fixed.text, changed, output);
         if (!quiet_) {
             console::WriteFully(STDERR_FILENO, words);
         }
     }
     const bool is_to_do = changed && (diff_ || dry_run_);
-    return is_to_do || LosesSomething(mended.left) ? console::kExitTrack : console::kExitDone;
+    return is_to_do || LosesSomething(fixed.left) ? console::kExitTrack : console::kExitDone;
 }
 
 void FixCommand::Write(const std::string& track, const std::string& text, bool changed,
@@ -233,7 +233,7 @@ void FixCommand::Write(const std::string& track, const std::string& text, bool c
     }
 }
 
-std::string FixCommand::Describe(const Source& source, const Mended& mended) const {
+std::string FixCommand::Describe(const Source& source, const FixedTrack& fixed) const {
     FoldedLines lines(all_);
     const auto add_edits = [&](const std::vector<Edit>& edits) {
         for (const Edit& edit : edits) {
@@ -243,11 +243,11 @@ std::string FixCommand::Describe(const Source& source, const Mended& mended) con
         }
     };
     add_edits(source.edits);
-    std::vector<Edit> edits = mended.document->edits();
+    std::vector<Edit> edits = fixed.document->edits();
     std::stable_sort(edits.begin(), edits.end(),
                      [](const Edit& a, const Edit& b) { return a.line < b.line; });
     add_edits(edits);
-    for (const check::Finding& finding : mended.left) {
+    for (const check::Finding& finding : fixed.left) {
         if (finding.code->severity != check::Severity::kRemark) {
             lines.Add(std::string("left: [") + finding.code->number + "]",
                       source.name + ":" + std::to_string(finding.line) +

@@ -8,8 +8,8 @@
 #include "tools/console/command.h"
 #include "tools/console/track_list.h"
 #include "tools/fix/fixer.h"
-#include "tools/fix/mender.h"
 #include "tools/fix/source.h"
+#include "tools/fix/track_fixer.h"
 
 namespace quill::fix {
 
@@ -23,10 +23,11 @@ class FixCommand : public console::Command {
   private:
     void CheckArguments() const;
     console::ExitCode FixTracks(console::Output& output);
-    console::ExitCode Fix(const std::string& track, Mender& mender, console::Output& output) const;
+    console::ExitCode Fix(const std::string& track, TrackFixer& fixer,
+                          console::Output& output) const;
     void Write(const std::string& track, const std::string& text, bool changed,
                console::Output& output) const;
-    std::string Describe(const Source& source, const Mended& mended) const;
+    std::string Describe(const Source& source, const FixedTrack& fixed) const;
 
     console::CommandLine command_line_;
     console::TrackArguments tracks_;

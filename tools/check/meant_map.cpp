@@ -1,4 +1,4 @@
-#include "tools/check/map_mend.h"
+#include "tools/check/meant_map.h"
 
 #include <algorithm>
 #include <array>
@@ -8,7 +8,7 @@
 
 #include "tools/check/characters.h"
 #include "tools/check/finding.h"
-#include "tools/check/time_mend.h"
+#include "tools/check/meant_time.h"
 
 namespace quill::check {
 namespace {
@@ -81,9 +81,9 @@ std::string ItemComplaint(std::string_view item) {
                        ? Quoted(value) + " is no number"
                        : "";
         }
-        const TimeMend mend = MendTime(value);
-        const std::string complaint = mend.has_comma ? "it has a decimal comma" : mend.complaint;
-        return mend.mended == value ? "" : "the time " + Quoted(value) + ": " + complaint;
+        const MeantTime meant = ReadMeantTime(value);
+        const std::string complaint = meant.has_comma ? "it has a decimal comma" : meant.complaint;
+        return meant.text == value ? "" : "the time " + Quoted(value) + ": " + complaint;
     }
     return "unknown item " + Quoted(item);
 }
@@ -117,27 +117,27 @@ std::size_t FindMap(std::string_view text) {
     return InCapitals(text).find(kMap);
 }
 
-MapMend MendMap(std::string_view line) {
+MeantMap ReadMeantMap(std::string_view line) {
     constexpr std::size_t kMostDigits = 18;
-    MapMend mend;
-    mend.complaint = Complaint(line);
+    MeantMap meant;
+    meant.complaint = Complaint(line);
     const std::string plain = Plain(line);
     const std::string ticks = ValueOf(plain, kItems[0], "0123456789");
-    const std::string local = MendTime(ValueOf(plain, kItems[1], "0123456789:.,;")).mended;
+    const std::string local = ReadMeantTime(ValueOf(plain, kItems[1], "0123456789:.,;")).text;
     if (ticks.empty() || ticks.size() > kMostDigits || local.empty()) {
-        return mend;
+        return meant;
     }
-    mend.mpeg_time = std::stoull(ticks);
-    mend.mended = std::string(kMap) + "=MPEGTS:" + ticks + ",LOCAL:" + local;
-    mend.shift =
-        std::floor(static_cast<double>(mend.mpeg_time) / kTicksPerSecond) - SecondsOf(local);
-    return mend;
+    meant.mpeg_time = std::stoull(ticks);
+    meant.text = std::string(kMap) + "=MPEGTS:" + ticks + ",LOCAL:" + local;
+    meant.shift =
+        std::floor(static_cast<double>(meant.mpeg_time) / kTicksPerSecond) - SecondsOf(local);
+    return meant;
 }
 
-std::string MapWithTicks(const MapMend& mend, std::uint64_t ticks) {
-    const std::size_t begin = mend.mended.find(kItems[0]) + kItems[0].size();
-    return mend.mended.substr(0, begin) + std::to_string(ticks) +
-           mend.mended.substr(mend.mended.find(',', begin));
+std::string MapWithTicks(const MeantMap& meant, std::uint64_t ticks) {
+    const std::size_t begin = meant.text.find(kItems[0]) + kItems[0].size();
+    return meant.text.substr(0, begin) + std::to_string(ticks) +
+           meant.text.substr(meant.text.find(',', begin));
 }
 
 }  // namespace quill::check

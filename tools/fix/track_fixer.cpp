@@ -1,4 +1,4 @@
-#include "tools/fix/mender.h"
+#include "tools/fix/track_fixer.h"
 
 #include <algorithm>
 #include <map>
@@ -50,12 +50,12 @@ const check::Finding* FindFixed(const Document& document, const check::Findings&
 
 }  // namespace
 
-Mender::Mender(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-               const Selection& selection)
+TrackFixer::TrackFixer(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+                       const Selection& selection)
     : module_(module), capture_(capture), selection_(selection), oracle_(module, capture) {}
 
-std::optional<std::string> Mender::Fix(std::string_view track,
-                                       std::unique_ptr<Document>& document) {
+std::optional<std::string> TrackFixer::Fix(std::string_view track,
+                                           std::unique_ptr<Document>& document) {
     Verifier verifier(module_, capture_, oracle_, track);
     std::set<std::uint32_t> frozen;
     for (;;) {
@@ -72,30 +72,29 @@ std::optional<std::string> Mender::Fix(std::string_view track,
     }
 }
 
-bool Mender::ChangesNoMore(const std::string& text) {
+bool TrackFixer::ChangesNoMore(const std::string& text) {
     std::unique_ptr<Document> document;
     return !Fix(text, document) && document->Text() == text;
 }
 
-Mended Mender::Mend(std::string_view track) {
-    Mended mended;
-    mended.problem = Fix(track, mended.document);
-    mended.text = mended.document->Text();
-    mended.left = Check(mended.text);
-    if (mended.document->edits().empty() || mended.problem) {
-        return mended;
+FixedTrack TrackFixer::Run(std::string_view track) {
+    FixedTrack fixed;
+    fixed.problem = Fix(track, fixed.document);
+    fixed.text = fixed.document->Text();
+    fixed.left = Check(fixed.text);
+    if (fixed.document->edits().empty() || fixed.problem) {
+        return fixed;
     }
-    if (const check::Finding* const finding = FindFixed(*mended.document, mended.left)) {
-        mended.problem = "line " + std::to_string(finding->line) +
-                         " of the outcome: " + finding->message + " [" + finding->code->number +
-                         "]";
-    } else if (!ChangesNoMore(mended.text)) {
-        mended.problem = "a second run would change more";
+    if (const check::Finding* const finding = FindFixed(*fixed.document, fixed.left)) {
+        fixed.problem = "line " + std::to_string(finding->line) +
+                        " of the outcome: " + finding->message + " [" + finding->code->number + "]";
+    } else if (!ChangesNoMore(fixed.text)) {
+        fixed.problem = "a second run would change more";
     }
-    return mended;
+    return fixed;
 }
 
-check::Findings Mender::Check(const std::string& track) {
+check::Findings TrackFixer::Check(const std::string& track) {
     FindingKeeper keeper;
     console::Progress progress(false, std::chrono::milliseconds(0));
     check::TrackReport report("", keeper, progress);

@@ -1,4 +1,4 @@
-#include "tools/check/time_mend.h"
+#include "tools/check/meant_time.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -17,32 +17,32 @@ std::string Digits(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " digit" : " digits");
 }
 
-// Mends one time step by step, each step one kind of fault.
-class Mender {
+// Reads one time step by step, each step one kind of fault.
+class Reader {
   public:
-    explicit Mender(std::string_view time) : time_(Plain(time)) {
+    explicit Reader(std::string_view time) : time_(Plain(time)) {
         if (time.empty()) {
             Note("there is none");
         }
         NoteCharacters(time);
     }
 
-    TimeMend Run() {
-        const bool mended =
-            RemoveSurroundings() && CutFraction() && CutParts() && MendSeconds() && MendMinutes();
-        if (mended) {
+    MeantTime Run() {
+        const bool is_known =
+            RemoveSurroundings() && CutFraction() && CutParts() && ReadSeconds() && ReadMinutes();
+        if (is_known) {
             for (const std::string& part : parts_) {
-                mend_.mended += part + (&part == &parts_.back() ? "." : ":");
+                meant_.text += part + (&part == &parts_.back() ? "." : ":");
             }
-            mend_.mended += fraction_;
+            meant_.text += fraction_;
         }
-        return std::move(mend_);
+        return std::move(meant_);
     }
 
   private:
     void Note(const std::string& complaint) {
-        if (mend_.complaint.empty()) {
-            mend_.complaint = complaint;
+        if (meant_.complaint.empty()) {
+            meant_.complaint = complaint;
         }
     }
 
@@ -81,7 +81,7 @@ class Mender {
         const auto count = [this](char c) { return std::count(time_.begin(), time_.end(), c); };
         const auto colons = count(':');
         if (count(',') == 1 && count('.') == 0) {
-            mend_.has_comma = true;
+            meant_.has_comma = true;
             std::replace(time_.begin(), time_.end(), ',', '.');
         }
         if (count(',') > 0 || count(';') > 0) {
@@ -142,11 +142,11 @@ class Mender {
         return parts_.size() <= 3;
     }
 
-    bool MendSeconds() { return MendPart("seconds", parts_.size() - 1); }
-    bool MendMinutes() { return MendPart("minutes", parts_.size() - 2); }
+    bool ReadSeconds() { return ReadPart("seconds", parts_.size() - 1); }
+    bool ReadMinutes() { return ReadPart("minutes", parts_.size() - 2); }
 
     // Two digits up to 59; what is more is carried on.
-    bool MendPart(const std::string& name, std::size_t index) {
+    bool ReadPart(const std::string& name, std::size_t index) {
         constexpr int kMost = 59;
         if (parts_[index].size() < 2) {
             Note("its " + name + " have 1 digit, not two");
@@ -175,13 +175,13 @@ class Mender {
     std::string time_;
     std::vector<std::string> parts_;
     std::string fraction_;
-    TimeMend mend_;
+    MeantTime meant_;
 };
 
 }  // namespace
 
-TimeMend MendTime(std::string_view time) {
-    return Mender(time).Run();
+MeantTime ReadMeantTime(std::string_view time) {
+    return Reader(time).Run();
 }
 
 }  // namespace quill::check

@@ -1,6 +1,6 @@
 // What was meant by a map header that does not do what it says.
-#ifndef TOOLS_CHECK_MAP_MEND_H_
-#define TOOLS_CHECK_MAP_MEND_H_
+#ifndef TOOLS_CHECK_MEANT_MAP_H_
+#define TOOLS_CHECK_MEANT_MAP_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -9,10 +9,10 @@
 
 namespace quill::check {
 
-struct MapMend {
+struct MeantMap {
     std::string complaint;  // about the first value that is not valid; empty when none is known
-    std::string mended;     // the whole line as it has to be; empty when that would be a guess
-    // For a line that can be mended: what it was to do.
+    std::string text;       // the whole line as it has to be; empty when that would be a guess
+    // For a line with such a text: what it was to do.
     std::uint64_t mpeg_time = 0;  // in ticks
     double shift = 0;             // in seconds
 };
@@ -25,11 +25,11 @@ bool IsLikeMap(std::string_view line);
 std::size_t FindMap(std::string_view text);
 
 // For a line that is like a map, or has its two items. The verdict is the module's.
-MapMend MendMap(std::string_view line);
+MeantMap ReadMeantMap(std::string_view line);
 
 // The line with another number of ticks.
-std::string MapWithTicks(const MapMend& mend, std::uint64_t ticks);
+std::string MapWithTicks(const MeantMap& meant, std::uint64_t ticks);
 
 }  // namespace quill::check
 
-#endif  // TOOLS_CHECK_MAP_MEND_H_
+#endif  // TOOLS_CHECK_MEANT_MAP_H_

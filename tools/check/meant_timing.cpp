@@ -1,9 +1,9 @@
-#include "tools/check/timing_mend.h"
+#include "tools/check/meant_timing.h"
 
 #include <algorithm>
 
 #include "tools/check/characters.h"
-#include "tools/check/time_mend.h"
+#include "tools/check/meant_time.h"
 
 namespace quill::check {
 namespace {
@@ -104,7 +104,7 @@ std::string Settings(std::string_view behind) {
 
 }  // namespace
 
-std::optional<TimingMend> MendTimingLine(std::string_view line) {
+std::optional<MeantTiming> ReadMeantTiming(std::string_view line) {
     const std::string plain = Plain(line);
     const std::size_t arrow = plain.find(kArrow);
     const std::optional<Parts> parts =
@@ -112,15 +112,15 @@ std::optional<TimingMend> MendTimingLine(std::string_view line) {
     if (!parts) {
         return std::nullopt;
     }
-    TimingMend mend;
-    mend.arrow = parts->arrow;
-    mend.has_thousandths = HasThousandths(parts->start) && HasThousandths(parts->end);
-    const std::string start = MendTime(parts->start).mended;
-    const std::string end = MendTime(parts->end).mended;
+    MeantTiming meant;
+    meant.arrow = parts->arrow;
+    meant.has_thousandths = HasThousandths(parts->start) && HasThousandths(parts->end);
+    const std::string start = ReadMeantTime(parts->start).text;
+    const std::string end = ReadMeantTime(parts->end).text;
     if (!start.empty() && !end.empty()) {
-        mend.mended = start + " --> " + end + Settings(parts->settings);
+        meant.text = start + " --> " + end + Settings(parts->settings);
     }
-    return mend;
+    return meant;
 }
 
 }  // namespace quill::check

@@ -1,6 +1,6 @@
 // Fixes a track as far as that can be verified.
-#ifndef TOOLS_FIX_MENDER_H_
-#define TOOLS_FIX_MENDER_H_
+#ifndef TOOLS_FIX_TRACK_FIXER_H_
+#define TOOLS_FIX_TRACK_FIXER_H_
 
 #include <memory>
 #include <optional>
@@ -15,7 +15,7 @@
 
 namespace quill::fix {
 
-struct Mended {
+struct FixedTrack {
     std::unique_ptr<Document> document;
     std::string text;
     check::Findings left;  // what quill check says of the outcome
@@ -23,14 +23,14 @@ struct Mended {
     std::optional<std::string> problem;
 };
 
-class Mender {
+class TrackFixer {
   public:
-    // All that is given must outlive the mender; the capture must collect.
-    Mender(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-           const Selection& selection);
+    // All that is given must outlive the fixer; the capture must collect.
+    TrackFixer(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
+               const Selection& selection);
 
     // The track must outlive the result.
-    Mended Mend(std::string_view track);
+    FixedTrack Run(std::string_view track);
 
   private:
     // Fixes all that comes to something: a block that gives no cue all the same stays as it is.
@@ -47,4 +47,4 @@ class Mender {
 
 }  // namespace quill::fix
 
-#endif  // TOOLS_FIX_MENDER_H_
+#endif  // TOOLS_FIX_TRACK_FIXER_H_
