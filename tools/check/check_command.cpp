@@ -65,8 +65,8 @@ bool WantsColour() {
 }  // namespace
 
 CheckCommand::CheckCommand(CLI::App& app)
-    : command_line_(app, "check", "Say what becomes of every block of a track") {
-    console::CommandLine& line = command_line_;
+    : Command(app, "check", "Say what becomes of every block of a track") {
+    console::CommandLine& line = command_line();
     console::AddTrackArguments(line, tracks_, "The tracks to check");
     console::AddTextOrJson(line, in_json_, "How findings are printed");
     line.AddOption(
@@ -113,20 +113,16 @@ void CheckCommand::AddCodeOptions() {
             AddPrefixes(option, text, *prefixes);
         };
     };
-    command_line_.AddRepeatedOption("--select", "CODES", taker("--select", selected_),
-                                    "Report these codes only, such as Q1 (all that begin so)\n"
-                                    "or Q1,Q408; a longer beginning outdoes a shorter one");
-    command_line_.AddRepeatedOption(
+    command_line().AddRepeatedOption("--select", "CODES", taker("--select", selected_),
+                                     "Report these codes only, such as Q1 (all that begin so)\n"
+                                     "or Q1,Q408; a longer beginning outdoes a shorter one");
+    command_line().AddRepeatedOption(
         "--ignore", "CODES", taker("--ignore", ignored_),
         "Do not report these. Without --select or --ignore, what\n"
         "a file .quillcheck says counts: the nearest one above a track");
-    command_line_.AddOption("--explain", "CODE", explained_,
-                            "Print what the manual says of the code, with examples, and\n"
-                            "do nothing else");
-}
-
-bool CheckCommand::IsChosen() const {
-    return command_line_.IsChosen();
+    command_line().AddOption("--explain", "CODE", explained_,
+                             "Print what the manual says of the code, with examples, and\n"
+                             "do nothing else");
 }
 
 console::ExitCode CheckCommand::Run(console::Output& output) {

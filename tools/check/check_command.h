@@ -19,7 +19,6 @@ class CheckCommand : public console::Command {
   public:
     explicit CheckCommand(CLI::App& app);
 
-    bool IsChosen() const override;
     console::ExitCode Run(console::Output& output) override;
 
   private:
@@ -29,7 +28,6 @@ class CheckCommand : public console::Command {
     console::ExitCode CheckTracks(const CheckOptions& options, console::Output& output) const;
     bool Fails(const Sums& sums) const;
 
-    console::CommandLine command_line_;
     console::TrackArguments tracks_;
     bool in_json_ = false;
     bool only_codes_ = false;

@@ -35,10 +35,9 @@ Exit codes:
 }  // namespace
 
 ConformCommand::ConformCommand(CLI::App& app)
-    : command_line_(app, "conform",
-                    "Try whether a build of the module does all that hosts rely on"),
+    : Command(app, "conform", "Try whether a build of the module does all that hosts rely on"),
       timeout_(kDefaultSeconds) {
-    console::CommandLine& line = command_line_;
+    console::CommandLine& line = command_line();
     line.AddOptional(
         "MODULE", module_,
         "The module to try\n(default: the quillcaption.so that belongs to this quill)");
@@ -59,10 +58,6 @@ ConformCommand::ConformCommand(CLI::App& app)
         "How long a case may take before it counts as hung (default: 10)");
     console::AddTextOrJson(line, as_json_, "How the results are printed");
     line.SetFooter(kFooter);
-}
-
-bool ConformCommand::IsChosen() const {
-    return command_line_.IsChosen();
 }
 
 console::ExitCode ConformCommand::Run(console::Output& output) {

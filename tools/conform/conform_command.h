@@ -15,11 +15,9 @@ class ConformCommand : public console::Command {
   public:
     explicit ConformCommand(CLI::App& app);
 
-    bool IsChosen() const override;
     console::ExitCode Run(console::Output& output) override;
 
   private:
-    console::CommandLine command_line_;
     std::string module_;                 // empty: the module that belongs to this quill
     std::vector<std::string> patterns_;  // empty: all cases
     std::string case_file_;              // empty: the cases of quill itself

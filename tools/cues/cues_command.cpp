@@ -57,8 +57,8 @@ std::uint32_t ParseVideoPts(const std::string& text) {
 }  // namespace
 
 CuesCommand::CuesCommand(CLI::App& app)
-    : command_line_(app, "cues", "Print the cues of a track as a player gets them") {
-    console::CommandLine& line = command_line_;
+    : Command(app, "cues", "Print the cues of a track as a player gets them") {
+    console::CommandLine& line = command_line();
     line.AddRequired("TRACK", track_, "The track to read; - reads standard input as it arrives");
     line.AddOption(
         "--format", "FORMAT", [this](const std::string& name) { format_ = ParseFormat(name); },
@@ -73,10 +73,6 @@ CuesCommand::CuesCommand(CLI::App& app)
         "whole seconds are subtracted from all cue times");
     console::AddModuleArguments(line, module_);
     line.SetFooter(kFooter);
-}
-
-bool CuesCommand::IsChosen() const {
-    return command_line_.IsChosen();
 }
 
 console::ExitCode CuesCommand::Run(console::Output& output) {

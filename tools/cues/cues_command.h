@@ -16,11 +16,9 @@ class CuesCommand : public console::Command {
   public:
     explicit CuesCommand(CLI::App& app);
 
-    bool IsChosen() const override;
     console::ExitCode Run(console::Output& output) override;
 
   private:
-    console::CommandLine command_line_;
     std::string track_;
     CueFormatter format_ = FormatAsText;
     std::optional<unsigned int> chunk_size_;

@@ -109,8 +109,8 @@ bool LosesSomething(const check::Findings& findings) {
 }  // namespace
 
 FixCommand::FixCommand(CLI::App& app)
-    : command_line_(app, "fix", "Write the track that says the same and arrives whole") {
-    console::CommandLine& line = command_line_;
+    : Command(app, "fix", "Write the track that says the same and arrives whole") {
+    console::CommandLine& line = command_line();
     console::AddTrackArguments(line, tracks_, "The tracks to fix");
     line.AddOption("-o,--output", "FILE", output_file_, "Where to write the track");
     line.AddFlag("--in-place", in_place_, "Write each track to its own file");
@@ -131,10 +131,6 @@ FixCommand::FixCommand(CLI::App& app)
     line.AddFlag("--quiet", quiet_, "Do not say what was fixed or left");
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
-}
-
-bool FixCommand::IsChosen() const {
-    return command_line_.IsChosen();
 }
 
 void FixCommand::CheckArguments() const {

@@ -17,7 +17,6 @@ class FixCommand : public console::Command {
   public:
     explicit FixCommand(CLI::App& app);
 
-    bool IsChosen() const override;
     console::ExitCode Run(console::Output& output) override;
 
   private:
@@ -29,7 +28,6 @@ class FixCommand : public console::Command {
                console::Output& output) const;
     std::string Describe(const Source& source, const FixedTrack& fixed) const;
 
-    console::CommandLine command_line_;
     console::TrackArguments tracks_;
     std::string output_file_;
     bool in_place_ = false;

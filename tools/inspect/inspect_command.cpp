@@ -26,18 +26,14 @@ Exit codes:
 }  // namespace
 
 InspectCommand::InspectCommand(CLI::App& app)
-    : command_line_(app, "inspect",
-                    "Say what a module is: machine, libraries, exports, descriptor, table") {
-    console::CommandLine& line = command_line_;
+    : Command(app, "inspect",
+              "Say what a module is: machine, libraries, exports, descriptor, table") {
+    console::CommandLine& line = command_line();
     line.AddOptional(
         "MODULE", module_,
         "The module to look at\n(default: the quillcaption.so that belongs to this quill)");
     console::AddTextOrJson(line, as_json_, "How the report is printed");
     line.SetFooter(kFooter);
-}
-
-bool InspectCommand::IsChosen() const {
-    return command_line_.IsChosen();
 }
 
 console::ExitCode InspectCommand::Run(console::Output& output) {

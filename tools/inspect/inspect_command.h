@@ -13,11 +13,9 @@ class InspectCommand : public console::Command {
   public:
     explicit InspectCommand(CLI::App& app);
 
-    bool IsChosen() const override;
     console::ExitCode Run(console::Output& output) override;
 
   private:
-    console::CommandLine command_line_;
     std::string module_;  // empty: the module that belongs to this quill
     bool as_json_ = false;
 };
