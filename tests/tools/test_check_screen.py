@@ -91,6 +91,21 @@ class Screen(QuillTest):
             self.assertIn(f"which line {9 * number + 5} ended, and 1 more behind it, ", line)
         self.assertTrue(lost[3].startswith("35: lost: and 4 more like these, lines 35 to 47 ["))
 
+    def test_cues_and_lines_and_tracks_are_counted_apart(self):
+        stray = b"alone\n\n"
+        self.assertEqual(self.of(GOOD + LOST + stray * 2)[-1],
+                         " 1 cue delivered in chunks of 65536 bytes, 1 lost, 2 other lines lost, "
+                         "0 changed, 0 remarks: 1 Q101, 2 Q106")
+        self.assertEqual(self.sums(b"WEBVTT\n\n" + GOOD + LOST + stray * 2)["lost"],
+                         {"cues": 1, "lines": 2, "tracks": 0})
+        self.assertEqual(self.sums(b"WEBVTT\nX-TIMESTAMP-MAP=MPEGTS:9\n\n")["lost"],
+                         {"cues": 0, "lines": 1, "tracks": 0})
+        self.file("t.vtt", b"{}\n")
+        self.assertEqual(self.printed("t.vtt")[-1],
+                         "t.vtt: 0 cues delivered in chunks of 65536 bytes, 0 lost, 1 track "
+                         "rejected, 0 changed, 0 remarks: 1 Q144")
+        self.assertEqual(self.sums(b"{}\n")["lost"], {"cues": 0, "lines": 0, "tracks": 1})
+
     def test_no_program_gets_fewer_findings(self):
         self.file("t.vtt", b"WEBVTT\n\n" + LOST + REMARK * 800)
         lines = list(map(json.loads, self.printed("--format", "json", "t.vtt")))

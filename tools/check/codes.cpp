@@ -4,6 +4,7 @@
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "tools/console/suggestion.h"
@@ -14,6 +15,8 @@ namespace {
 constexpr Severity kLost = Severity::kLost;
 constexpr Severity kChanged = Severity::kChanged;
 constexpr Severity kRemark = Severity::kRemark;
+constexpr Subject kLine = Subject::kLine;
+constexpr Subject kTrack = Subject::kTrack;
 
 constexpr char kTimeHint[] = "write MM:SS.mmm or HH:MM:SS.mmm";
 
@@ -26,9 +29,9 @@ constexpr Code kCodes[] = {
     {"Q104", kLost, "end-time-comma", "The end time has a decimal comma",
      "write a point before the milliseconds"},
     {"Q105", kLost, "no-times", "Neither of a block's first two lines is a timing line",
-     "put a timing line above the text, or NOTE above a comment"},
+     "put a timing line above the text, or NOTE above a comment", kLine},
     {"Q106", kLost, "lone-line", "A block is a single line and no timing line",
-     "remove the blank line that cuts it off, or the line"},
+     "remove the blank line that cuts it off, or the line", kLine},
     {"Q107", kLost, "late-times", "The timing line is the third line of its block or a later one",
      "put a blank line above it"},
     {"Q108", kLost, "no-text", "No text follows the timing line",
@@ -43,7 +46,7 @@ constexpr Code kCodes[] = {
     {"Q113", kLost, "times-in-header", "A timing line stands in the header, which holds no cues",
      "put a blank line above it"},
     {"Q114", kLost, "late-map", "An X-TIMESTAMP-MAP line stands behind the header",
-     "move it up to the first line, with no blank line between"},
+     "move it up to the first line, with no blank line between", kLine},
     {"Q115", kLost, "wrong-arrow", "The arrow between the times is not \"-->\"", "write \"-->\""},
     {"Q116", kLost, "times-in-text", "A timing line stands in the text of a cue, and is shown",
      "put a blank line above it"},
@@ -53,47 +56,49 @@ constexpr Code kCodes[] = {
      "end lines in a line feed alone, or in CR LF"},
     {"Q119", kLost, "other", "The module gave no cue for the block, for a reason not known here",
      "compare it with the blocks that are delivered"},
-    {"Q120", kLost, "second-track", "A second track begins inside the track", "remove the line"},
+    {"Q120", kLost, "second-track", "A second track begins inside the track", "remove the line",
+     kLine},
     {"Q121", kLost, "map-throws", "An X-TIMESTAMP-MAP line has one item only, and the module threw",
-     "give it both MPEGTS: and LOCAL:, with a comma between"},
+     "give it both MPEGTS: and LOCAL:, with a comma between", kLine},
     {"Q122", kLost, "times-on-first-line", "A timing line stands on the first line",
      "put a blank line above the time, and each text on a line of its own"},
     {"Q123", kLost, "identifier-arrow",
      "An identifier holds an arrow and is taken for the timing line", "write it without \"-->\""},
     {"Q124", kLost, "page-comment", "The end of a comment as pages have it is taken for an arrow",
-     "write NOTE above it, and leave its arrow out"},
+     "write NOTE above it, and leave its arrow out", kLine},
     {"Q131", kLost, "byte-order-mark", "The track begins with a byte order mark",
-     "save it as UTF-8 without a mark"},
+     "save it as UTF-8 without a mark", kTrack},
     {"Q132", kLost, "two-marks", "The track begins with two byte order marks",
-     "save it as UTF-8 without a mark"},
+     "save it as UTF-8 without a mark", kTrack},
     {"Q133", kLost, "utf-16", "The file looks like UTF-16 or UTF-32",
-     "save it as UTF-8 without a mark"},
+     "save it as UTF-8 without a mark", kTrack},
     {"Q134", kLost, "subrip", "The file looks like SubRip or its kin",
-     "put WEBVTT and a blank line above it and points for the decimal commas"},
+     "put WEBVTT and a blank line above it and points for the decimal commas", kTrack},
     {"Q135", kLost, "html", "The file looks like a page or an error message",
-     "a server may have sent it; look at it and fetch the track again"},
-    {"Q136", kLost, "compressed", "The file looks compressed", "unpack it first"},
-    {"Q137", kLost, "empty", "The file is empty, or all zero bytes", "fetch or export it again"},
+     "a server may have sent it; look at it and fetch the track again", kTrack},
+    {"Q136", kLost, "compressed", "The file looks compressed", "unpack it first", kTrack},
+    {"Q137", kLost, "empty", "The file is empty, or all zero bytes", "fetch or export it again",
+     kTrack},
     {"Q138", kLost, "transport-stream", "The file looks like an MPEG transport stream",
-     "extract the text track first"},
+     "extract the text track first", kTrack},
     {"Q139", kLost, "substation", "The file looks like SubStation Alpha (.ass)",
-     "convert it to WebVTT"},
-    {"Q140", kLost, "xml", "The file looks like XML", "convert it to WebVTT"},
+     "convert it to WebVTT", kTrack},
+    {"Q140", kLost, "xml", "The file looks like XML", "convert it to WebVTT", kTrack},
     {"Q141", kLost, "signature", "The first line is almost the signature",
-     "write WEBVTT in capitals, alone or followed by a space or a tab"},
+     "write WEBVTT in capitals, alone or followed by a space or a tab", kTrack},
     {"Q142", kLost, "late-signature", "Something stands above the signature, or a space before it",
-     "begin the file with WEBVTT"},
+     "begin the file with WEBVTT", kTrack},
     {"Q143", kLost, "playlist", "The file looks like a playlist or a manifest",
-     "fetch the segments that it names"},
-    {"Q144", kLost, "json", "The file looks like JSON", "convert it to WebVTT"},
+     "fetch the segments that it names", kTrack},
+    {"Q144", kLost, "json", "The file looks like JSON", "convert it to WebVTT", kTrack},
     {"Q145", kLost, "other-captions", "The file looks like captions of another format",
-     "convert it to WebVTT"},
+     "convert it to WebVTT", kTrack},
     {"Q146", kLost, "container", "The file looks like a container of media",
-     "extract the text track first"},
+     "extract the text track first", kTrack},
     {"Q147", kLost, "wrapped", "The file looks like a text in the clothes of another format",
-     "save it as plain text, or decode it first"},
+     "save it as plain text, or decode it first", kTrack},
     {"Q149", kLost, "not-a-track", "The file does not look like a track",
-     "begin the file with WEBVTT"},
+     "begin the file with WEBVTT", kTrack},
 
     // 2xx: nothing is wrong with it, but with something in its chunk.
     {"Q201", kLost, "behind-error", "The first block that ended in the chunk gave the chunk up",
@@ -108,7 +113,7 @@ constexpr Code kCodes[] = {
     {"Q205", kLost, "taken-for-header", "The module was still reading the header",
      "correct the X-TIMESTAMP-MAP line"},
     {"Q206", kLost, "header-in-pieces", "A header line is cut into three chunks or more",
-     "feed larger chunks"},
+     "feed larger chunks", kLine},
     {"Q207", kLost, "skipped-line-feed",
      "A line feed that began a chunk was taken for the second half of an earlier carriage return",
      "use one kind of line ends"},
@@ -235,13 +240,20 @@ std::size_t CodeCount() {
     return std::size(kCodes);
 }
 
+// Asked for every finding, of which a track can have millions.
 const Code& CodeNamed(std::string_view name) {
-    for (const Code& code : kCodes) {
-        if (code.name == name) {
-            return code;
+    static const std::unordered_map<std::string_view, const Code*> known = [] {
+        std::unordered_map<std::string_view, const Code*> codes;
+        for (const Code& code : kCodes) {
+            codes.emplace(code.name, &code);
         }
+        return codes;
+    }();
+    const auto found = known.find(name);
+    if (found == known.end()) {
+        throw std::logic_error("no code is named " + std::string(name));
     }
-    throw std::logic_error("no code is named " + std::string(name));
+    return *found->second;
 }
 
 const Code* FindCode(std::string_view number) {

@@ -13,6 +13,9 @@ enum class Severity { kRemark, kChanged, kLost };
 // "lost", "changed" or "remark".
 const char* SeverityName(Severity severity);
 
+// What is lost by a finding: a cue, a line that makes none of its own, or the whole track.
+enum class Subject { kCue, kLine, kTrack };
+
 // A code keeps its number and its meaning for good: filters and notes of authors name it.
 struct Code {
     const char* number;  // "Q101"
@@ -20,6 +23,7 @@ struct Code {
     const char* name;   // "start-time"
     const char* cause;  // what happened, one sentence without its full stop
     const char* hint;   // what the author can do
+    Subject lost = Subject::kCue;
 };
 
 // The whole table, in the order of the numbers.

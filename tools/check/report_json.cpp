@@ -36,6 +36,9 @@ Json OfSums(const Sums& sums) {
     for (const Severity severity : {Severity::kLost, Severity::kChanged, Severity::kRemark}) {
         object["findings"][SeverityName(severity)] = sums.Count(severity);
     }
+    object["lost"] = {{"cues", sums.Lost(Subject::kCue)},
+                      {"lines", sums.Lost(Subject::kLine)},
+                      {"tracks", sums.Lost(Subject::kTrack)}};
     object["codes"] = Json::object();
     for (std::size_t index = 0; index < CodeCount(); ++index) {
         if (sums.codes.at(index) != 0) {

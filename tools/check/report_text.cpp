@@ -23,13 +23,20 @@ std::string Count(std::uint64_t number, const std::string& what) {
     return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
 }
 
-// "0 cues delivered in chunks of 65536 bytes, 3 lost, 0 changed, 0 remarks: 1 Q101, 2 Q201"
+// "0 cues delivered in chunks of 65536 bytes, 3 lost, 0 changed, 0 remarks: 1 Q101, 2 Q201"; what
+// is lost and was no cue stands behind those: "1 other line lost, 1 track rejected".
 std::string InOneLine(const Sums& sums) {
     std::string text = Count(sums.cues_delivered, "cue") + " delivered in chunks of " +
                        Count(sums.chunk_size, "byte") + ", " +
-                       std::to_string(sums.Count(Severity::kLost)) + " lost, " +
-                       std::to_string(sums.Count(Severity::kChanged)) + " changed, " +
-                       Count(sums.Count(Severity::kRemark), "remark");
+                       std::to_string(sums.Lost(Subject::kCue)) + " lost, ";
+    if (const std::uint64_t lines = sums.Lost(Subject::kLine); lines != 0) {
+        text += Count(lines, "other line") + " lost, ";
+    }
+    if (const std::uint64_t tracks = sums.Lost(Subject::kTrack); tracks != 0) {
+        text += Count(tracks, "track") + " rejected, ";
+    }
+    text += std::to_string(sums.Count(Severity::kChanged)) + " changed, " +
+            Count(sums.Count(Severity::kRemark), "remark");
     const char* before = ": ";
     for (std::size_t index = 0; index < CodeCount(); ++index) {
         if (const std::uint64_t count = sums.codes.at(index); count != 0) {

@@ -45,6 +45,17 @@ std::uint64_t Sums::AllFindings() const {
     return std::accumulate(findings.begin(), findings.end(), std::uint64_t{0});
 }
 
+std::uint64_t Sums::Lost(Subject subject) const {
+    std::uint64_t count = 0;
+    for (std::size_t index = 0; index < CodeCount(); ++index) {
+        const Code& code = Codes()[index];
+        if (code.severity == Severity::kLost && code.lost == subject) {
+            count += codes.at(index);
+        }
+    }
+    return count;
+}
+
 std::uint64_t Sums::AllBytes() const {
     return std::accumulate(bytes.begin(), bytes.end(), std::uint64_t{0});
 }

@@ -43,6 +43,7 @@ struct Sums {
         return findings[static_cast<std::size_t>(severity)];
     }
     std::uint64_t AllFindings() const;
+    std::uint64_t Lost(Subject subject) const;
 
     std::uint32_t chunk_size = 0;
     std::uint64_t cues_delivered = 0;
