@@ -9,7 +9,7 @@
 namespace quill::check {
 namespace {
 
-constexpr std::string_view kBeginning = "WEBVTT\n\n";
+constexpr std::string_view kEmptyHeader = "WEBVTT\n\n";
 
 }  // namespace
 
@@ -20,8 +20,8 @@ BlockCheck::BlockCheck(const host::ModuleHandle& module, host::DiagnosticsCaptur
       plan_(plan),
       play_(play),
       report_(report),
-      parser_(module, capture, kBeginning),
-      asked_(module, capture, kBeginning),
+      parser_(module, capture, kEmptyHeader),
+      asked_(module, capture, kEmptyHeader),
       remarks_(asked_),
       matcher_(play),
       neighbours_(track, plan, play),

@@ -9,20 +9,16 @@
 #include "tools/check/characters.h"
 #include "tools/check/meant_timing.h"
 #include "tools/check/track_text.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
 
 using namespace std::string_view_literals;
 
-constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::string_view kSignature = "WEBVTT";
 // As far as is looked for what is not zero.
-constexpr std::size_t kEnough = 1 << 10;
-
-bool BeginsWith(std::string_view text, std::string_view prefix) {
-    return text.substr(0, prefix.size()) == prefix;
-}
+constexpr std::size_t kSearched = 1 << 10;
 
 // The same for a prefix in small letters, whatever the case of the text.
 bool BeginsWithAnyCase(std::string_view text, std::string_view prefix) {
@@ -43,10 +39,6 @@ bool IsTransportStream(std::string_view track) {
         return track.size() > begin + size && track[begin] == kSync && track[begin + size] == kSync;
     };
     return has_packets(0, 188) || has_packets(4, 192);
-}
-
-bool HasArrow(std::string_view line) {
-    return line.find(kArrow) != std::string_view::npos;
 }
 
 // Times with decimal commas on the first line, or below a number.
@@ -141,12 +133,12 @@ constexpr std::string_view kBoxes[] = {"ftyp", "styp", "moof", "sidx", "emsg"};
 
 Kind KindOfBytes(std::string_view track) {
     for (const Beginning& known : kBytes) {
-        if (BeginsWith(track, known.bytes)) {
+        if (console::BeginsWith(track, known.bytes)) {
             return {known.name, known.words};
         }
     }
     for (const std::string_view box : kBoxes) {
-        if (track.size() > 4 && BeginsWith(track.substr(4), box)) {
+        if (track.size() > 4 && console::BeginsWith(track.substr(4), box)) {
             return {"container", "MP4"};
         }
     }
@@ -157,7 +149,7 @@ Kind KindOfBytes(std::string_view track) {
 }
 
 std::string_view BehindPageComments(std::string_view text) {
-    while (BeginsWith(text, "<!--")) {
+    while (console::BeginsWith(text, "<!--")) {
         const std::size_t end = text.find("-->");
         text = end == std::string_view::npos ? std::string_view()
                                              : WithoutBlanks(text.substr(end + kArrow.size()));
@@ -186,7 +178,7 @@ bool IsBraced(std::string_view text, char open, char close, std::string_view ins
 
 Kind KindOfText(std::string_view text, bool has_mark) {
     text = BehindPageComments(text);
-    if (BeginsWith(text, "<?xml")) {
+    if (console::BeginsWith(text, "<?xml")) {
         return KindOfXml(text);
     }
     for (const Beginning& known : kWords) {
@@ -200,7 +192,7 @@ Kind KindOfText(std::string_view text, bool has_mark) {
     if (IsBraced(text, '[', ']', "0123456789:.")) {
         return {"other-captions", "LRC"};
     }
-    if (BeginsWith(text, "{") || BeginsWith(text, "[")) {
+    if (console::BeginsWith(text, "{") || console::BeginsWith(text, "[")) {
         return {"json", "JSON"};
     }
     if (!text.empty() && IsSubRip(text)) {
@@ -220,12 +212,13 @@ Kind KindOfText(std::string_view text, bool has_mark) {
 // Not further down than an editor or a converter would put something.
 bool HasLateSignature(std::string_view track) {
     constexpr std::size_t kNear = 1 << 10;
-    return BeginsWith(WithoutBlanks(track), kSignature) ||
+    return console::BeginsWith(WithoutBlanks(track), kSignature) ||
            track.substr(0, kNear).find("\nWEBVTT") != std::string_view::npos;
 }
 
 Finding ExplainMark(std::string_view track) {
-    const bool twice = BeginsWith(track.substr(kMark.size()), kMark);
+    const bool twice =
+        console::BeginsWith(track.substr(console::kByteOrderMark.size()), console::kByteOrderMark);
     return twice ? Finding(1, "two-marks", "the track begins with two byte order marks")
                  : Finding(1, "byte-order-mark", "the track begins with a byte order mark");
 }
@@ -233,7 +226,7 @@ Finding ExplainMark(std::string_view track) {
 // Something that begins with the signature, and goes on otherwise.
 Finding ExplainSignature(std::string_view first) {
     const std::string_view behind = first.substr(kSignature.size());
-    if (BeginsWith(behind, "\\n") || BeginsWith(behind, "\\r")) {
+    if (console::BeginsWith(behind, "\\n") || console::BeginsWith(behind, "\\r")) {
         return {1, "signature", "the first line is " + Quoted(first),
                 "write each " + std::string(behind.substr(0, 2)) + " as a line end"};
     }
@@ -268,9 +261,10 @@ Finding ExplainRejection(std::string_view track) {
     if (track.empty()) {
         return {1, "empty", "the file is empty"};
     }
-    const bool has_mark = BeginsWith(track, kMark);
-    const std::string_view unmarked = has_mark ? track.substr(kMark.size()) : track;
-    if (track.substr(0, kEnough).find_first_not_of("\0\r\n"sv) == std::string_view::npos) {
+    const bool has_mark = console::BeginsWith(track, console::kByteOrderMark);
+    const std::string_view unmarked =
+        has_mark ? track.substr(console::kByteOrderMark.size()) : track;
+    if (track.substr(0, kSearched).find_first_not_of("\0\r\n"sv) == std::string_view::npos) {
         return {1, "empty", "the file is all zero bytes"};
     }
     Kind kind = KindOfBytes(track);

@@ -7,20 +7,16 @@
 #include "tools/check/meant_map.h"
 #include "tools/check/meant_timing.h"
 #include "tools/check/module_words.h"
+#include "tools/check/play.h"
 #include "tools/console/cue_time.h"
+#include "tools/console/text.h"
 #include "tools/host/track_reader.h"
 
 namespace quill::check {
 namespace {
 
 constexpr std::string_view kBeginning = "WEBVTT\n";
-constexpr std::string_view kMap = "X-TIMESTAMP-MAP";
 constexpr std::string_view kRegion = "Region:";
-constexpr std::string_view kCueAtZero = "00:00.000 --> 00:00.000\nx\n\n";
-
-bool BeginsWith(std::string_view text, std::string_view prefix) {
-    return text.substr(0, prefix.size()) == prefix;
-}
 
 // With a line feed for whatever ends it, so that no carriage return is still open behind it.
 std::string Complete(const Line& line) {
@@ -72,8 +68,8 @@ void HeaderCheck::Run(std::size_t begin, Findings& findings, Sums& sums) {
 
 HeaderCheck::Use HeaderCheck::Examine(const Line& line, const Verdict& verdict,
                                       Findings& findings) {
-    const bool is_map = BeginsWith(line.text, kMap);
-    const bool is_known = is_map || BeginsWith(line.text, kRegion);
+    const bool is_map = console::BeginsWith(line.text, kMapName);
+    const bool is_known = is_map || console::BeginsWith(line.text, kRegion);
     if (is_known && IsLostInPieces(line, verdict)) {
         findings.emplace_back(line_, "header-in-pieces",
                               "the header line " + Quoted(line.text) + " arrives in pieces");
@@ -224,7 +220,7 @@ bool HeaderCheck::IsLostInPieces(const Line& line, const Verdict& verdict) {
     if (ChunkOf(line) - first < kMostPieces) {
         return false;
     }
-    if (!BeginsWith(line.text, kMap)) {
+    if (!console::BeginsWith(line.text, kMapName)) {
         return true;
     }
     const std::string whole = Complete(line);

@@ -11,8 +11,6 @@
 namespace quill::check {
 namespace {
 
-constexpr std::size_t kNone = std::string_view::npos;
-
 // Whether a line can hold what is looked for here; most lines cannot.
 bool IsWorthALook(std::string_view text) {
     static const std::array<bool, 256> kTable = [] {
@@ -30,7 +28,8 @@ bool IsWorthALook(std::string_view text) {
 
 // Codes of SubStation and of MicroDVD's heirs: "{\an8}", "\N".
 void ExamineOverrides(std::string_view text, std::uint32_t line, Findings& findings) {
-    for (std::size_t at = text.find('\\'); at != kNone; at = text.find('\\', at + 1)) {
+    for (std::size_t at = text.find('\\'); at != std::string_view::npos;
+         at = text.find('\\', at + 1)) {
         if (at > 0 && text[at - 1] == '{') {
             const std::size_t end = std::min(text.find('}', at), text.size() - 1);
             findings.emplace_back(line, "foreign-code",
@@ -46,7 +45,7 @@ void ExamineOverrides(std::string_view text, std::uint32_t line, Findings& findi
 // Two characters of Latin-1 that are the bytes of one in UTF-8: a capital A with tilde or
 // circumflex, and one that no word goes on with.
 void ExamineEncoding(std::string_view text, std::uint32_t line, Findings& findings) {
-    for (std::size_t at = text.find('\xC3'); at + 4 <= text.size() && at != kNone;
+    for (std::size_t at = text.find('\xC3'); at + 4 <= text.size() && at != std::string_view::npos;
          at = text.find('\xC3', at + 1)) {
         const char second = text[at + 1];
         const char fourth = text[at + 3];
@@ -66,11 +65,12 @@ void ExamineEncoding(std::string_view text, std::uint32_t line, Findings& findin
 }  // namespace
 
 std::optional<std::string> LineRemarks::TimesIn(std::string_view text) {
-    const bool has_arrow = text.find(kArrow) != kNone;
+    const bool has_arrow = text.find(kArrow) != std::string_view::npos;
     if (has_arrow && IsTimingLine(text, parser_)) {
         return "";
     }
-    if (!has_arrow && (text.find(':') == kNone || text.find_first_of(".,") == kNone)) {
+    if (!has_arrow && (text.find(':') == std::string_view::npos ||
+                       text.find_first_of(".,") == std::string_view::npos)) {
         return std::nullopt;
     }
     const std::optional<MeantTiming> meant = ReadMeantTiming(text);

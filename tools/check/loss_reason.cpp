@@ -11,12 +11,12 @@
 #include "tools/check/meant_timing.h"
 #include "tools/check/module_words.h"
 #include "tools/check/tag_reason.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
 
 constexpr std::string_view kPageComment = "<!--";
-constexpr std::string_view kMark = "\xEF\xBB\xBF";
 
 Finding InvalidTime(const BlockText& block, const std::string& which, std::string_view time,
                     LoneParser& asked) {
@@ -173,8 +173,8 @@ std::string WriteInstead(std::string_view line, LoneParser& asked) {
 
 bool IsSignature(std::string_view line) {
     constexpr std::string_view kSignature = "WEBVTT";
-    if (line.substr(0, kMark.size()) == kMark) {
-        line.remove_prefix(kMark.size());
+    if (console::BeginsWith(line, console::kByteOrderMark)) {
+        line.remove_prefix(console::kByteOrderMark.size());
     }
     return line.substr(0, kSignature.size()) == kSignature &&
            (line.size() == kSignature.size() || line[kSignature.size()] == ' ' ||

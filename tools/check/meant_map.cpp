@@ -9,18 +9,13 @@
 #include "tools/check/characters.h"
 #include "tools/check/finding.h"
 #include "tools/check/meant_time.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
 
-constexpr std::string_view kMap = "X-TIMESTAMP-MAP";
 constexpr std::array<std::string_view, 2> kItems = {"MPEGTS:", "LOCAL:"};
-constexpr std::size_t kNone = std::string_view::npos;
 constexpr double kTicksPerSecond = 90000;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
 
 std::string InCapitals(std::string_view text) {
     std::string capitals(text);
@@ -32,8 +27,9 @@ std::string InCapitals(std::string_view text) {
 // The value behind an item's name, of the characters that it may have; empty when there is none.
 std::string ValueOf(const std::string& line, std::string_view item, std::string_view characters) {
     const std::size_t at = InCapitals(line).find(item.substr(0, item.size() - 1));
-    const std::size_t begin = at == kNone ? kNone : line.find_first_of("0123456789", at);
-    if (begin == kNone) {
+    const std::size_t begin = at == std::string_view::npos ? std::string_view::npos
+                                                           : line.find_first_of("0123456789", at);
+    if (begin == std::string_view::npos) {
         return "";
     }
     std::string value = line.substr(
@@ -65,7 +61,7 @@ double SecondsOf(const std::string& time) {
 std::string ItemComplaint(std::string_view item) {
     for (const std::string_view name : kItems) {
         const std::size_t at = item.find(name);
-        if (at == kNone) {
+        if (at == std::string_view::npos) {
             continue;
         }
         if (at > 0) {
@@ -77,7 +73,7 @@ std::string ItemComplaint(std::string_view item) {
         }
         const std::string_view value = item.substr(name.size());
         if (name == kItems[0]) {
-            return value.empty() || value.find_first_not_of("0123456789") != kNone
+            return value.empty() || value.find_first_not_of("0123456789") != std::string_view::npos
                        ? Quoted(value) + " is no number"
                        : "";
         }
@@ -89,7 +85,7 @@ std::string ItemComplaint(std::string_view item) {
 }
 
 std::string Complaint(std::string_view line) {
-    std::string_view items = line.substr(std::min(kMap.size(), line.size()));
+    std::string_view items = line.substr(std::min(kMapName.size(), line.size()));
     items.remove_prefix(items.substr(0, 1) == "=" ? 1 : 0);
     items.remove_prefix(std::min(items.find_first_not_of(' '), items.size()));
     items = items.substr(0, items.find_last_not_of(' ') + 1);
@@ -103,7 +99,7 @@ std::string Complaint(std::string_view line) {
 bool IsLikeMap(std::string_view line) {
     std::string letters;
     for (const char c : Plain(line.substr(0, 40))) {
-        if (c == '=' || c == ':' || IsDigit(c)) {
+        if (c == '=' || c == ':' || console::IsDigit(c)) {
             break;
         }
         if (std::isalpha(static_cast<unsigned char>(c)) != 0) {
@@ -114,7 +110,7 @@ bool IsLikeMap(std::string_view line) {
 }
 
 std::size_t FindMap(std::string_view text) {
-    return InCapitals(text).find(kMap);
+    return InCapitals(text).find(kMapName);
 }
 
 MeantMap ReadMeantMap(std::string_view line) {
@@ -128,7 +124,7 @@ MeantMap ReadMeantMap(std::string_view line) {
         return meant;
     }
     meant.mpeg_time = std::stoull(ticks);
-    meant.text = std::string(kMap) + "=MPEGTS:" + ticks + ",LOCAL:" + local;
+    meant.text = std::string(kMapName) + "=MPEGTS:" + ticks + ",LOCAL:" + local;
     meant.shift =
         std::floor(static_cast<double>(meant.mpeg_time) / kTicksPerSecond) - SecondsOf(local);
     return meant;

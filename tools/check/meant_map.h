@@ -9,6 +9,8 @@
 
 namespace quill::check {
 
+constexpr std::string_view kMapName = "X-TIMESTAMP-MAP";
+
 struct MeantMap {
     std::string complaint;  // about the first value that is not valid; empty when none is known
     std::string text;       // the whole line as it has to be; empty when that would be a guess

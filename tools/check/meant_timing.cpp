@@ -4,20 +4,16 @@
 
 #include "tools/check/characters.h"
 #include "tools/check/meant_time.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
 
-constexpr std::size_t kNone = std::string_view::npos;
-
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 std::string_view Trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
-    return first == kNone ? std::string_view()
-                          : text.substr(first, text.find_last_not_of(' ') - first + 1);
+    return first == std::string_view::npos
+               ? std::string_view()
+               : text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
 // The size of the time that the text begins with, by its form alone; 0 when there is none. A
@@ -28,14 +24,15 @@ std::size_t TimeSize(std::string_view text) {
     while (end < text.size()) {
         const std::size_t part = end == 0 ? 0 : end + 1;
         std::size_t digits = part;
-        while (digits < text.size() && IsDigit(text[digits])) {
+        while (digits < text.size() && console::IsDigit(text[digits])) {
             ++digits;
         }
         if (digits == part) {
             break;
         }
         end = digits;
-        if (end == text.size() || std::string_view(":.;,").find(text[end]) == kNone ||
+        if (end == text.size() ||
+            std::string_view(":.;,").find(text[end]) == std::string_view::npos ||
             (text[end] == ',' && has_fraction)) {
             break;
         }
@@ -47,7 +44,7 @@ std::size_t TimeSize(std::string_view text) {
 bool HasThousandths(std::string_view time) {
     constexpr std::size_t kBehind = 4;
     return time.size() > kBehind &&
-           std::string_view(".,").find(time[time.size() - kBehind]) != kNone;
+           std::string_view(".,").find(time[time.size() - kBehind]) != std::string_view::npos;
 }
 
 struct Parts {
@@ -61,10 +58,10 @@ struct Parts {
 std::optional<Parts> SplitAtArrow(std::string_view line, std::size_t arrow) {
     std::size_t begin = arrow;
     std::size_t end = arrow + kArrow.size();
-    while (begin > 0 && std::string_view("-=<").find(line[begin - 1]) != kNone) {
+    while (begin > 0 && std::string_view("-=<").find(line[begin - 1]) != std::string_view::npos) {
         --begin;
     }
-    while (end < line.size() && std::string_view("->=").find(line[end]) != kNone) {
+    while (end < line.size() && std::string_view("->=").find(line[end]) != std::string_view::npos) {
         ++end;
     }
     const std::string_view rest = Trimmed(line.substr(end));
@@ -78,15 +75,17 @@ std::optional<Parts> SplitAtTimes(std::string_view line) {
     constexpr std::size_t kLongestArrow = 12;
     line = Trimmed(line);
     const std::size_t start = TimeSize(line);
-    const std::size_t next = start == 0 ? kNone : line.find_first_of("0123456789", start);
-    if (next == kNone || next - start > kLongestArrow) {
+    const std::size_t next =
+        start == 0 ? std::string_view::npos : line.find_first_of("0123456789", start);
+    if (next == std::string_view::npos || next - start > kLongestArrow) {
         return std::nullopt;
     }
     const std::string_view rest = line.substr(next);
     const std::size_t size = TimeSize(rest);
     const Parts parts = {line.substr(0, start), Trimmed(line.substr(start, next - start)),
                          rest.substr(0, size), rest.substr(size)};
-    if (parts.start.find_first_of(":.") == kNone || parts.end.find_first_of(":.") == kNone) {
+    if (parts.start.find_first_of(":.") == std::string_view::npos ||
+        parts.end.find_first_of(":.") == std::string_view::npos) {
         return std::nullopt;
     }
     return parts;
@@ -95,7 +94,7 @@ std::optional<Parts> SplitAtTimes(std::string_view line) {
 // A setting that was glued to the time, or stands behind it; a unit is none.
 std::string Settings(std::string_view behind) {
     const std::size_t glued = std::min(behind.find(' '), behind.size());
-    if (glued > 0 && behind.substr(0, glued).find(':') == kNone) {
+    if (glued > 0 && behind.substr(0, glued).find(':') == std::string_view::npos) {
         behind.remove_prefix(glued);
     }
     const std::string_view settings = Trimmed(behind);
@@ -108,7 +107,7 @@ std::optional<MeantTiming> ReadMeantTiming(std::string_view line) {
     const std::string plain = Plain(line);
     const std::size_t arrow = plain.find(kArrow);
     const std::optional<Parts> parts =
-        arrow != kNone ? SplitAtArrow(plain, arrow) : SplitAtTimes(plain);
+        arrow != std::string_view::npos ? SplitAtArrow(plain, arrow) : SplitAtTimes(plain);
     if (!parts) {
         return std::nullopt;
     }

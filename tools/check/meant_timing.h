@@ -11,6 +11,10 @@ namespace quill::check {
 
 constexpr std::string_view kArrow = "-->";
 
+inline bool HasArrow(std::string_view line) {
+    return line.find(kArrow) != std::string_view::npos;
+}
+
 struct MeantTiming {
     std::string arrow;  // what stands between the times; empty for nothing but spaces
     std::string text;   // the whole line as it has to be; empty when that would be a guess

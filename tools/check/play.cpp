@@ -7,11 +7,7 @@
 #include "tools/host/track_reader.h"
 
 namespace quill::check {
-namespace {
-
-constexpr std::string_view kCueAtZero = "00:00.000 --> 00:00.000\nx\n\n";
-
-}  // namespace
+namespace {}  // namespace
 
 const EarlyEnd* Play::FindEarlyEnd(std::size_t first_chunk, std::size_t last_chunk) const {
     const auto found = std::lower_bound(

@@ -16,6 +16,9 @@
 
 namespace quill::check {
 
+// Shows what is added to every time.
+constexpr std::string_view kCueAtZero = "00:00.000 --> 00:00.000\nx\n\n";
+
 // A delivered cue, without its text.
 struct PlayedCue {
     double start;

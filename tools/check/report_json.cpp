@@ -8,7 +8,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-std::string Line(const Json& object) {
+std::string OnALine(const Json& object) {
     // ASCII only: control characters, DEL and U+0080 to U+009F leave as \uNNNN.
     constexpr bool kAsciiOnly = true;
     return object.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n";
@@ -68,30 +68,30 @@ class JsonReport : public Report {
         object.update(OfCode(*finding.code));
         object["message"] = finding.message;
         object["hint"] = finding.hint();
-        return Line(object);
+        return OnALine(object);
     }
 
     std::string Format(const Code& code) const override {
         Json object = OfCode(code);
         object["cause"] = code.cause;
         object["hint"] = code.hint;
-        return Line(object);
+        return OnALine(object);
     }
 
     std::string Format(const std::string& track, const Sums& sums, bool) const override {
-        return Line({{"track", track}, {"sums", OfSums(sums)}});
+        return OnALine({{"track", track}, {"sums", OfSums(sums)}});
     }
 
     std::string Format(const Total& total, bool) const override {
-        return Line({{"total",
-                      {{"tracks", total.tracks},
-                       {"with_findings", total.with_findings},
-                       {"failed", total.failed}}},
-                     {"sums", OfSums(total.sums)}});
+        return OnALine({{"total",
+                         {{"tracks", total.tracks},
+                          {"with_findings", total.with_findings},
+                          {"failed", total.failed}}},
+                        {"sums", OfSums(total.sums)}});
     }
 
     std::string FormatFailure(const std::string& track, const std::string& why) const override {
-        return Line({{"track", track}, {"failure", why}});
+        return OnALine({{"track", track}, {"failure", why}});
     }
 };
 

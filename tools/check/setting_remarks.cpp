@@ -9,6 +9,7 @@
 #include "quillcaption/quillcaption.h"
 #include "tools/check/characters.h"
 #include "tools/check/module_words.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
@@ -31,10 +32,6 @@ Setting Split(const std::string& item) {
     const bool has_second = comma != std::string::npos;
     return {item, item.substr(0, colon), value.substr(0, comma),
             has_second ? value.substr(comma + 1) : "", has_second};
-}
-
-bool IsDigit(char byte) {
-    return byte >= '0' && byte <= '9';
 }
 
 // Digits and a percent sign, perhaps a point: a value that can only be out of range.
@@ -90,13 +87,13 @@ std::vector<std::string> MeantBy(const std::string& item) {
                                       WithName(small, "t:", "position:"),
                                       WithName(small, "s:", "size:"),
                                       WithName(small, "d:", "vertical:")};
-    if (IsDigit(small.back())) {
+    if (console::IsDigit(small.back())) {
         meant.push_back(small + "%");
     }
     return meant;
 }
 
-Finding Dropped(const Setting& setting, const std::string& printed) {
+Finding NotUsed(const Setting& setting, const std::string& printed) {
     const std::string quoted = Quoted(setting.text);
     if (setting.name == "region") {
         return {0, "region", quoted + " is not delivered"};
@@ -122,7 +119,7 @@ long long Written(const std::string& value, std::size_t& end) {
     constexpr long long kEnough = 1ll << 40;
     const bool negative = value.substr(0, 1) == "-";
     long long written = 0;
-    for (end = negative ? 1 : 0; end < value.size() && IsDigit(value[end]); ++end) {
+    for (end = negative ? 1 : 0; end < value.size() && console::IsDigit(value[end]); ++end) {
         written = std::min(written * 10 + (value[end] - '0'), kEnough);
     }
     return negative ? -written : written;
@@ -247,7 +244,7 @@ Findings SettingRemarks::FindFaults(const std::string& item) {
         return {{0, "no-setting", Quoted(item) + " is no setting"}};
     }
     const Setting setting = Split(item);
-    return changes ? Used(setting, alone.cue) : Findings{Dropped(setting, alone.printed)};
+    return changes ? Used(setting, alone.cue) : Findings{NotUsed(setting, alone.printed)};
 }
 
 }  // namespace quill::check

@@ -5,10 +5,6 @@
 namespace quill::check {
 namespace {
 
-bool HasArrow(std::string_view line) {
-    return line.find(kArrow) != std::string_view::npos;
-}
-
 BlockForm FormAt(std::string_view track, std::size_t begin) {
     if (begin >= track.size()) {
         return BlockForm::kNothing;

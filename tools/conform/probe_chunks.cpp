@@ -95,22 +95,19 @@ void CheckCueSizes(ProbeBench& bench) {
     }
 }
 
-Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {
-    return {"chunks", name, reason, "", 0, {}, probe};
-}
-
 }  // namespace
 
 std::vector<Case> ChunkProbes() {
+    constexpr ProbesOf kProbe{"chunks"};
     using Bench = ProbeBench;
     return {
-        Probe("every-border-lf", "A track cut in two anywhere gives the same cues.",
-              [](Bench& bench) { CheckBorders(bench, "\n"); }),
-        Probe("every-border-crlf", "So does one whose lines end in CR LF.",
-              [](Bench& bench) { CheckBorders(bench, "\r\n"); }),
-        Probe("every-border-cr", "So does one whose lines end in CR.",
-              [](Bench& bench) { CheckBorders(bench, "\r"); }),
-        Probe("every-size", "Cues in chunks of any size give the same cues.", CheckCueSizes),
+        kProbe("every-border-lf", "A track cut in two anywhere gives the same cues.",
+               [](Bench& bench) { CheckBorders(bench, "\n"); }),
+        kProbe("every-border-crlf", "So does one whose lines end in CR LF.",
+               [](Bench& bench) { CheckBorders(bench, "\r\n"); }),
+        kProbe("every-border-cr", "So does one whose lines end in CR.",
+               [](Bench& bench) { CheckBorders(bench, "\r"); }),
+        kProbe("every-size", "Cues in chunks of any size give the same cues.", CheckCueSizes),
     };
 }
 

@@ -120,28 +120,25 @@ void CheckSecondLoad(ProbeBench& bench) {
     bench.ExpectEqual("what Release printed", std::string(), bench.Printed());
 }
 
-Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {
-    return {"descriptor", name, reason, "", 0, {}, probe};
-}
-
 }  // namespace
 
 std::vector<Case> DescriptorProbes() {
+    constexpr ProbesOf kProbe{"descriptor"};
     return {
-        Probe("first-word", "The word at offset 0 is 1.", CheckWord),
-        Probe("name", "The pointer at offset 4 leads to \"quillcaption.so\".", CheckName),
-        Probe("table", "The pointer at offset 8 leads to the exported table.", CheckTable),
-        Probe("zero-tail", "The 132 bytes from offset 12 are zero.", CheckTail),
-        Probe("object-sizes", "The exported objects have 144 and 24 bytes.", CheckSizes),
-        Probe("exported-functions", "The six entry points are exported by their mangled names.",
-              CheckExportedFunctions),
-        Probe("slots", "The six slots hold the entry points in their order.", CheckSlots),
-        Probe("slots-differ", "No slot is empty and no two hold the same function.",
-              CheckThatSlotsDiffer),
-        Probe("unchanged-by-use", "Parsing changes neither descriptor nor table.",
-              CheckThatUseChangesNothing),
-        Probe("loaded-twice", "Whoever loads the module once more gets the same objects.",
-              CheckSecondLoad),
+        kProbe("first-word", "The word at offset 0 is 1.", CheckWord),
+        kProbe("name", "The pointer at offset 4 leads to \"quillcaption.so\".", CheckName),
+        kProbe("table", "The pointer at offset 8 leads to the exported table.", CheckTable),
+        kProbe("zero-tail", "The 132 bytes from offset 12 are zero.", CheckTail),
+        kProbe("object-sizes", "The exported objects have 144 and 24 bytes.", CheckSizes),
+        kProbe("exported-functions", "The six entry points are exported by their mangled names.",
+               CheckExportedFunctions),
+        kProbe("slots", "The six slots hold the entry points in their order.", CheckSlots),
+        kProbe("slots-differ", "No slot is empty and no two hold the same function.",
+               CheckThatSlotsDiffer),
+        kProbe("unchanged-by-use", "Parsing changes neither descriptor nor table.",
+               CheckThatUseChangesNothing),
+        kProbe("loaded-twice", "Whoever loads the module once more gets the same objects.",
+               CheckSecondLoad),
     };
 }
 

@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::size_t kMany = 500;
 
-void Ignore(WEBVTT_EVENT_T /*event*/, void* /*tag*/, void* /*info*/) {}
-
 // What the calls print for a handle that is not live.
 std::string RefusalOf(const char* function) {
     return std::string("[WEBVTT API:IZorWebVtt_Parser_") + function + "] handle MUST not be NULL\n";
@@ -141,25 +139,22 @@ void CheckInterleaving(ProbeBench& bench) {
     bench.Expect(late == Texts{R"(cue 3 4 "late\n" line=1)"}, "the second track has other cues");
 }
 
-Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {
-    return {"handles", name, reason, "", 0, {}, probe};
-}
-
 }  // namespace
 
 std::vector<Case> HandleProbes() {
+    constexpr ProbesOf kProbe{"handles"};
     return {
-        Probe("many", "Of 500 parsers each has a handle of its own.", CheckManyHandles),
-        Probe("released-in-any-order", "Parsers can be released in any order.",
-              CheckReleaseInAnyOrder),
-        Probe("neighbours", "Numbers near a live handle are no handles.", CheckNeighbours),
-        Probe("stray-pointer", "No memory is touched behind a number that is no handle.",
-              CheckStrayPointer),
-        Probe("released", "Every call with a released handle is refused, again and again.",
-              CheckReleased),
-        Probe("tag", "The tag is handed back as it was given, whatever it is.", CheckTag),
-        Probe("interleaved", "Two parsers that are fed in turns do not disturb each other.",
-              CheckInterleaving),
+        kProbe("many", "Of 500 parsers each has a handle of its own.", CheckManyHandles),
+        kProbe("released-in-any-order", "Parsers can be released in any order.",
+               CheckReleaseInAnyOrder),
+        kProbe("neighbours", "Numbers near a live handle are no handles.", CheckNeighbours),
+        kProbe("stray-pointer", "No memory is touched behind a number that is no handle.",
+               CheckStrayPointer),
+        kProbe("released", "Every call with a released handle is refused, again and again.",
+               CheckReleased),
+        kProbe("tag", "The tag is handed back as it was given, whatever it is.", CheckTag),
+        kProbe("interleaved", "Two parsers that are fed in turns do not disturb each other.",
+               CheckInterleaving),
     };
 }
 

@@ -136,45 +136,42 @@ void CheckDefaults(ProbeBench& bench) {
     bench.ExpectEqual("the direction", 0, support::value_at<std::int32_t>(record, 40));
 }
 
-Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {
-    return {"layout", name, reason, "", 0, {}, probe};
-}
-
 }  // namespace
 
 std::vector<Case> LayoutProbes() {
+    constexpr ProbesOf kProbe{"layout"};
     using Bench = ProbeBench;
     using Byte = std::uint8_t;
     return {
-        Probe("event", "The callback is called once, with event 0.", CheckEvent),
-        Probe("info-block", "The info block holds the list at 0, its length at 4, zero at 8.",
-              CheckInfo),
-        Probe("empty-info-block", "Without cues the info block is all zero.", CheckEmptyInfo),
-        Probe("auxiliary-text", "The pointer at offset 0 is null.",
-              [](Bench& bench) { CheckField<std::uintptr_t>(bench, 0, 0, 0); }),
-        Probe("start-time", "The start lies at offset 8, as a double in seconds.",
-              [](Bench& bench) { CheckField<double>(bench, 8, 1.5, 4); }),
-        Probe("end-time", "The end lies at offset 16, as a double in seconds.",
-              [](Bench& bench) { CheckField<double>(bench, 16, 3.25, 5); }),
-        Probe("text", "The pointer at offset 24 leads to the zero-terminated text.", CheckTexts),
-        Probe("line", "The line lies at offset 28, signed and 32 bits wide.",
-              [](Bench& bench) { CheckField<std::int32_t>(bench, 28, -7, 25); }),
-        Probe("reserved-byte", "The byte at offset 32 is 0.",
-              [](Bench& bench) { CheckField<Byte>(bench, 32, 0, 0); }),
-        Probe("snap-to-lines", "The flag at offset 33 is 1 for a line number, 0 for a percentage.",
-              [](Bench& bench) { CheckField<Byte>(bench, 33, 1, 0); }),
-        Probe("position", "The position is the byte at offset 34.",
-              [](Bench& bench) { CheckField<Byte>(bench, 34, 40, 50); }),
-        Probe("size", "The size is the byte at offset 35.",
-              [](Bench& bench) { CheckField<Byte>(bench, 35, 35, 100); }),
-        Probe("text-alignment", "The text alignment lies at offset 36, 32 bits wide.",
-              [](Bench& bench) { CheckField<std::int32_t>(bench, 36, 2, 1); }),
-        Probe("direction", "The writing direction lies at offset 40, 32 bits wide.",
-              [](Bench& bench) { CheckField<std::int32_t>(bench, 40, 2, 0); }),
-        Probe("links", "The pointer at offset 44 leads to the next record, null in the last.",
-              CheckLinks),
-        Probe("alignment", "Every record lies at an address that 8 divides.", CheckAlignment),
-        Probe("defaults", "A cue without settings has the default in every field.", CheckDefaults),
+        kProbe("event", "The callback is called once, with event 0.", CheckEvent),
+        kProbe("info-block", "The info block holds the list at 0, its length at 4, zero at 8.",
+               CheckInfo),
+        kProbe("empty-info-block", "Without cues the info block is all zero.", CheckEmptyInfo),
+        kProbe("auxiliary-text", "The pointer at offset 0 is null.",
+               [](Bench& bench) { CheckField<std::uintptr_t>(bench, 0, 0, 0); }),
+        kProbe("start-time", "The start lies at offset 8, as a double in seconds.",
+               [](Bench& bench) { CheckField<double>(bench, 8, 1.5, 4); }),
+        kProbe("end-time", "The end lies at offset 16, as a double in seconds.",
+               [](Bench& bench) { CheckField<double>(bench, 16, 3.25, 5); }),
+        kProbe("text", "The pointer at offset 24 leads to the zero-terminated text.", CheckTexts),
+        kProbe("line", "The line lies at offset 28, signed and 32 bits wide.",
+               [](Bench& bench) { CheckField<std::int32_t>(bench, 28, -7, 25); }),
+        kProbe("reserved-byte", "The byte at offset 32 is 0.",
+               [](Bench& bench) { CheckField<Byte>(bench, 32, 0, 0); }),
+        kProbe("snap-to-lines", "The flag at offset 33 is 1 for a line number, 0 for a percentage.",
+               [](Bench& bench) { CheckField<Byte>(bench, 33, 1, 0); }),
+        kProbe("position", "The position is the byte at offset 34.",
+               [](Bench& bench) { CheckField<Byte>(bench, 34, 40, 50); }),
+        kProbe("size", "The size is the byte at offset 35.",
+               [](Bench& bench) { CheckField<Byte>(bench, 35, 35, 100); }),
+        kProbe("text-alignment", "The text alignment lies at offset 36, 32 bits wide.",
+               [](Bench& bench) { CheckField<std::int32_t>(bench, 36, 2, 1); }),
+        kProbe("direction", "The writing direction lies at offset 40, 32 bits wide.",
+               [](Bench& bench) { CheckField<std::int32_t>(bench, 40, 2, 0); }),
+        kProbe("links", "The pointer at offset 44 leads to the next record, null in the last.",
+               CheckLinks),
+        kProbe("alignment", "Every record lies at an address that 8 divides.", CheckAlignment),
+        kProbe("defaults", "A cue without settings has the default in every field.", CheckDefaults),
     };
 }
 

@@ -19,8 +19,6 @@ constexpr std::string_view kCues =
     "00:03.000 --> 00:04.000\nA longer text, which does not fit into a short string's own "
     "place\n\n";
 
-void Ignore(WEBVTT_EVENT_T /*event*/, void* /*tag*/, void* /*info*/) {}
-
 std::size_t HeapInUse() {
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
@@ -126,10 +124,6 @@ void CheckHeaders(ProbeBench& bench) {
     });
 }
 
-Case Probe(const char* name, const char* reason, void (*probe)(ProbeBench&)) {
-    return {"lifetime", name, reason, "", 0, {}, probe};
-}
-
 template <bool kIsTaken>
 void CheckCueBalance(ProbeBench& bench) {
     CheckBalance(bench, [&] { LiveOnce(bench, kCues, kIsTaken); });
@@ -138,46 +132,49 @@ void CheckCueBalance(ProbeBench& bench) {
 }  // namespace
 
 std::vector<Case> LifetimeProbes() {
+    constexpr ProbesOf kProbe{"lifetime"};
     using Bench = ProbeBench;
     return {
-        Probe("unmapped", "Nothing of the module is left in memory after dlclose.", CheckUnmapping),
-        Probe("last-user", "The module stays until its last user has closed it.", CheckLastUser),
-        Probe("fresh-registry", "A handle does not outlive the module's unloading.",
-              CheckFreshRegistry),
-        Probe("loaded-again", "The module works when it is loaded once more.", CheckReload),
-        Probe("parsers-are-freed", "A parser that was never fed leaves no memory behind.",
-              [](Bench& bench) {
-                  CheckBalance(bench, [&] {
-                      unsigned int handle = 0;
-                      bench.methods().pfnCreate(&handle);
-                      bench.methods().pfnRelease(handle);
-                  });
-              }),
-        Probe("delivered-cues-are-freed", "Delivered cues leave no memory behind.",
-              CheckCueBalance<true>),
-        Probe("undelivered-cues-are-freed", "So do cues that nobody asked for.",
-              CheckCueBalance<false>),
-        Probe("carried-text-is-freed", "So does a block that was never finished.",
-              [](Bench& bench) {
-                  CheckBalance(bench, [&] {
-                      LiveOnce(bench, "00:01.000 --> 00:02.000\nunfinished, and long enough", true);
-                  });
-              }),
-        Probe("headers-are-freed", "So do headers.", CheckHeaders),
-        Probe("lost-blocks-are-freed", "So do blocks that are lost in the middle.",
-              [](Bench& bench) {
-                  CheckBalance(bench, [&] {
-                      LiveOnce(bench, "00:01.000 --> 00:02.000\n<b>some text<foo>x</b>\n\n", true);
-                      LiveOnce(bench, "no time --> 00:02.000\nsome text\n\n", true);
-                  });
-              }),
-        Probe("exceptions-are-freed", "So does an exception that leaves the module.",
-              [](Bench& bench) {
-                  CheckBalance(bench, [&] {
-                      LiveOnce(bench, "00:01.000 --> 00:02.000 line:-\nsome text\n\n", true);
-                  });
-              }),
-        Probe("a-long-life", "A parser that lives long does not grow.", CheckLongLife),
+        kProbe("unmapped", "Nothing of the module is left in memory after dlclose.",
+               CheckUnmapping),
+        kProbe("last-user", "The module stays until its last user has closed it.", CheckLastUser),
+        kProbe("fresh-registry", "A handle does not outlive the module's unloading.",
+               CheckFreshRegistry),
+        kProbe("loaded-again", "The module works when it is loaded once more.", CheckReload),
+        kProbe("parsers-are-freed", "A parser that was never fed leaves no memory behind.",
+               [](Bench& bench) {
+                   CheckBalance(bench, [&] {
+                       unsigned int handle = 0;
+                       bench.methods().pfnCreate(&handle);
+                       bench.methods().pfnRelease(handle);
+                   });
+               }),
+        kProbe("delivered-cues-are-freed", "Delivered cues leave no memory behind.",
+               CheckCueBalance<true>),
+        kProbe("undelivered-cues-are-freed", "So do cues that nobody asked for.",
+               CheckCueBalance<false>),
+        kProbe("carried-text-is-freed", "So does a block that was never finished.",
+               [](Bench& bench) {
+                   CheckBalance(bench, [&] {
+                       LiveOnce(bench, "00:01.000 --> 00:02.000\nunfinished, and long enough",
+                                true);
+                   });
+               }),
+        kProbe("headers-are-freed", "So do headers.", CheckHeaders),
+        kProbe("lost-blocks-are-freed", "So do blocks that are lost in the middle.",
+               [](Bench& bench) {
+                   CheckBalance(bench, [&] {
+                       LiveOnce(bench, "00:01.000 --> 00:02.000\n<b>some text<foo>x</b>\n\n", true);
+                       LiveOnce(bench, "no time --> 00:02.000\nsome text\n\n", true);
+                   });
+               }),
+        kProbe("exceptions-are-freed", "So does an exception that leaves the module.",
+               [](Bench& bench) {
+                   CheckBalance(bench, [&] {
+                       LiveOnce(bench, "00:01.000 --> 00:02.000 line:-\nsome text\n\n", true);
+                   });
+               }),
+        kProbe("a-long-life", "A parser that lives long does not grow.", CheckLongLife),
     };
 }
 

@@ -70,6 +70,18 @@ class ProbeBench {
     std::unique_ptr<host::ModuleHandle> module_;
 };
 
+// Makes cases of a group.
+struct ProbesOf {
+    const char* group;
+
+    Case operator()(const char* name, const char* reason, void (*probe)(ProbeBench&)) const {
+        return {group, name, reason, "", 0, {}, probe};
+    }
+};
+
+// For parsers whose cues nobody looks at.
+inline void Ignore(WEBVTT_EVENT_T /*event*/, void* /*tag*/, void* /*info*/) {}
+
 // The probes of each group.
 std::vector<Case> DescriptorProbes();
 std::vector<Case> LayoutProbes();

@@ -5,11 +5,10 @@
 #include <string_view>
 
 #include "tools/console/message.h"
+#include "tools/console/text.h"
 
 namespace quill::cues {
 namespace {
-
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string_view Bytes(const host::Chunk& chunk) {
     return {chunk.data.get(), chunk.size};
@@ -31,7 +30,7 @@ std::string DescribePlace(const host::Chunk& chunk, std::uint64_t track_bytes) {
 }
 
 std::string DescribeRejection(std::string_view first_line) {
-    if (first_line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    if (console::BeginsWith(first_line, console::kByteOrderMark)) {
         return "not a WebVTT track: it begins with a byte order mark";
     }
     constexpr std::size_t kShown = 40;

@@ -6,6 +6,8 @@
 #include <optional>
 #include <string>
 
+#include "tools/check/meant_map.h"
+#include "tools/console/text.h"
 #include "tools/fix/characters.h"
 #include "tools/fix/fixer.h"
 #include "tools/fix/timing_reading.h"
@@ -14,10 +16,6 @@ namespace quill::fix {
 namespace {
 
 constexpr std::size_t kMostLines = 10;  // of a block
-
-bool IsMap(std::string_view line) {
-    return line.substr(0, 15) == "X-TIMESTAMP-MAP";
-}
 
 // A cue, with an identifier or without, or a block that says what it is.
 bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index) {
@@ -118,7 +116,8 @@ void JoinTexts(const Workshop& shop) {
         const Range next = NextBlock(lines, block.end);
         const bool no_text = TimingOf(lines, block) + 1 == block.end;
         const bool is_text = next.size() > 0 && !BlockBeginsAt(lines, next.begin) &&
-                             TimingOf(lines, next) == next.end && !IsMap(lines[next.begin].text) &&
+                             TimingOf(lines, next) == next.end &&
+                             !console::BeginsWith(lines[next.begin].text, check::kMapName) &&
                              !(next.size() == 1 && IsNumber(lines[next.begin].text));
         const bool free = std::none_of(lines.begin() + static_cast<std::ptrdiff_t>(block.begin),
                                        lines.begin() + static_cast<std::ptrdiff_t>(next.end),

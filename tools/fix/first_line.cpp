@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "tools/console/text.h"
 #include "tools/fix/characters.h"
 #include "tools/fix/fixer.h"
 #include "tools/fix/timing_reading.h"
@@ -9,7 +10,6 @@
 namespace quill::fix {
 namespace {
 
-constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::string_view kSignature = "WEBVTT";
 
 bool IsSignature(std::string_view line) {
@@ -77,12 +77,13 @@ void FixMarks(const Workshop& shop) {
     }
     std::string_view rest = lines[0].text;
     std::size_t marks = 0;
-    for (; rest.substr(0, kMark.size()) == kMark; ++marks) {
-        rest.remove_prefix(kMark.size());
+    for (; console::BeginsWith(rest, console::kByteOrderMark); ++marks) {
+        rest.remove_prefix(console::kByteOrderMark.size());
     }
     const char* const code = marks > 1 ? "two-marks" : "byte-order-mark";
     if (marks > 0 && shop.Wants(code)) {
-        shop.document.Record(1, code, lines[0].text.substr(0, marks * kMark.size()), "");
+        shop.document.Record(1, code,
+                             lines[0].text.substr(0, marks * console::kByteOrderMark.size()), "");
         shop.document.Replace(0, std::string(rest), {});
     }
 }

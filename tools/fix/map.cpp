@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "tools/check/meant_map.h"
+#include "tools/console/text.h"
 #include "tools/fix/characters.h"
 #include "tools/fix/fixer.h"
 #include "tools/fix/timing_reading.h"
@@ -23,10 +25,6 @@ std::string Squeezed(std::string_view line) {
         }
     }
     return text;
-}
-
-bool IsMap(std::string_view squeezed) {
-    return squeezed.substr(0, kName.size()) == kName;
 }
 
 // Both items of a map, in the order in which they stand there.
@@ -85,7 +83,7 @@ void FixMap(const Workshop& shop) {
     const std::size_t end = document.HeaderEnd();
     std::size_t found = end;
     for (std::size_t index = 1; index < end; ++index) {
-        if (IsMap(Squeezed(lines[index].text))) {
+        if (console::BeginsWith(Squeezed(lines[index].text), check::kMapName)) {
             if (found < end) {
                 return;
             }

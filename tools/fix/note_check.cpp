@@ -11,8 +11,6 @@
 namespace quill::fix {
 namespace {
 
-constexpr double kRounding = 1e-6;  // of seconds that are summed up in another order
-
 // The time as stated or, when nothing is stated, the very text that it was.
 bool HasTime(double delivered, const std::optional<std::int64_t>& stated, std::string_view now,
              std::string_view before, Oracle& oracle) {

@@ -12,6 +12,9 @@
 
 namespace quill::fix {
 
+// Of seconds that are summed up in another order, or with another map.
+constexpr double kRounding = 1e-6;
+
 // `cue` is what the module makes of the lines of the block, which has a timing line. Returns what
 // does not hold, in words.
 std::optional<std::string> CheckNotes(const Document& outcome, const Range& block,

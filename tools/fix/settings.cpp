@@ -34,7 +34,7 @@ struct Item {
     bool glues = false;  // the one behind
 };
 
-std::vector<Item> Split(std::string_view settings) {
+std::vector<Item> SplitSettings(std::string_view settings) {
     const Looks looks(settings);
     const std::string& text = looks.text();
     std::vector<Item> items;
@@ -253,7 +253,7 @@ SettingsFix AsItWas(std::string_view settings) {
 
 SettingsFix FixSettings(std::string_view settings, const Selection& selection) {
     SettingsFix fix;
-    std::vector<Item> items = Split(settings);
+    std::vector<Item> items = SplitSettings(settings);
     JoinPieces(items);
     if (items.empty() || HasDoubles(items)) {
         return AsItWas(settings);

@@ -34,9 +34,9 @@ std::string Lower(std::string_view text) {
 }
 
 bool IsKnownTag(std::string_view name) {
-    static constexpr std::array<std::string_view, 8> kNames = {"c",    "i",  "b", "u",
-                                                               "ruby", "rt", "v", "lang"};
-    return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
+    static constexpr std::array<std::string_view, 8> kTags = {"c",    "i",  "b", "u",
+                                                              "ruby", "rt", "v", "lang"};
+    return std::find(kTags.begin(), kTags.end(), name) != kTags.end();
 }
 
 // A change to the text behind some place: bytes, what they become, what a player shows for them.

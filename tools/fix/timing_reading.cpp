@@ -4,17 +4,14 @@
 #include <cstdio>
 #include <vector>
 
+#include "tools/console/text.h"
 #include "tools/fix/characters.h"
 
 namespace quill::fix {
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool IsTimeCharacter(char c) {
-    return IsDigit(c) || c == ':' || c == '.' || c == ',';
+    return console::IsDigit(c) || c == ':' || c == '.' || c == ',';
 }
 
 // Digits for 0, digits below 6 for 5.
@@ -24,7 +21,7 @@ constexpr std::string_view kHours = "00:50:50.000";
 bool Fits(std::string_view text, std::string_view shape) {
     return text.size() == shape.size() &&
            std::equal(text.begin(), text.end(), shape.begin(), [](char c, char wanted) {
-               return wanted == '0'   ? IsDigit(c)
+               return wanted == '0'   ? console::IsDigit(c)
                       : wanted == '5' ? c >= '0' && c <= '5'
                                       : c == wanted;
            });
@@ -36,10 +33,10 @@ struct Fields {
     std::string marks;
 };
 
-Fields Split(std::string_view time) {
+Fields SplitTime(std::string_view time) {
     Fields fields;
     for (const char c : time) {
-        if (IsDigit(c)) {
+        if (console::IsDigit(c)) {
             fields.numbers.back() += c;
         } else {
             fields.marks += c == ',' ? '.' : c;
@@ -106,7 +103,7 @@ std::optional<WrittenTime> TimeAt(const Looks& looks, std::size_t begin, std::si
         ++end;
     }
     const std::string_view time = std::string_view(text).substr(begin, end - begin);
-    Fields fields = Split(time);
+    Fields fields = SplitTime(time);
     if (end == begin || !StraightenMarks(fields)) {
         return std::nullopt;
     }
@@ -204,7 +201,7 @@ std::optional<TimingReading> ReadTiming(std::string_view line) {
     // Cheap for lines of text, which begin with letters.
     const std::size_t first = line.find_first_not_of(" \t");
     if (first == std::string_view::npos ||
-        (!IsDigit(line[first]) && static_cast<unsigned char>(line[first]) < 0xC2)) {
+        (!console::IsDigit(line[first]) && static_cast<unsigned char>(line[first]) < 0xC2)) {
         return std::nullopt;
     }
     if (const std::optional<TimingReading> usual = ReadUsualTiming(line)) {

@@ -12,8 +12,6 @@ namespace quill::fix {
 namespace {
 
 constexpr std::string_view kCueAtZero = "00:00.000 --> 00:00.000\nx\n\n";
-constexpr double kRounding = 1e-6;  // of times, when the map has changed
-
 class Taker : public host::CueSink {
   public:
     explicit Taker(std::vector<check::PlayedCue>& cues) : cues_(cues) {}

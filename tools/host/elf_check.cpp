@@ -31,7 +31,7 @@ constexpr struct {
     {EM_SH, "SuperH"},
 };
 
-[[noreturn]] void FailToRead(const std::string& path, int error_number) {
+[[noreturn]] void FailToReadModule(const std::string& path, int error_number) {
     throw console::Failure(console::kExitUnloadable, "cannot read the module " + path + ": " +
                                                          console::ErrorText(error_number));
 }
@@ -55,7 +55,7 @@ std::string ReadModuleFile(const std::string& path, std::size_t most) {
     // Opening a pipe would wait for somebody to write into it.
     const console::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.valid()) {
-        FailToRead(path, errno);
+        FailToReadModule(path, errno);
     }
     struct stat status = {};
     if (fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -69,7 +69,7 @@ std::string ReadModuleFile(const std::string& path, std::size_t most) {
     while (filled < start.size()) {
         const int count = console::ReadSome(file.get(), &start[filled], start.size() - filled);
         if (count < 0) {
-            FailToRead(path, errno);
+            FailToReadModule(path, errno);
         }
         if (count == 0) {
             break;

@@ -1,0 +1,22 @@
+// Looking at texts byte by byte, as every subcommand does. Unlike the functions of <cctype> these
+// take plain characters, know ASCII alone and heed no locale.
+#ifndef TOOLS_CONSOLE_TEXT_H_
+#define TOOLS_CONSOLE_TEXT_H_
+
+#include <string_view>
+
+namespace quill::console {
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+constexpr bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+constexpr bool BeginsWith(std::string_view text, std::string_view prefix) {
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+}  // namespace quill::console
+
+#endif  // TOOLS_CONSOLE_TEXT_H_
