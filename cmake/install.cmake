@@ -1,9 +1,12 @@
-# cmake --install, by components: module (what a board needs), header (with the CMake package and
+# cmake --install, by components: module (what a board needs), guard (for its
+# developers, beside the module), header (with the CMake package and
 # the pkg-config file), tools (quill, its manual pages and completion), docs (with the
 # example and the samples).
 include(CMakePackageConfigHelpers)
 
 install(TARGETS quillcaption LIBRARY DESTINATION ${QUILLCAPTION_MODULE_DIR} COMPONENT module)
+install(TARGETS quillcaption_guard
+        LIBRARY DESTINATION ${QUILLCAPTION_MODULE_DIR} COMPONENT guard)
 
 # The header, as the build's own examples and an installation's users get at it.
 add_library(quillcaption_header INTERFACE)

@@ -56,7 +56,8 @@ class Packages(InstallTest):
         self.assertEqual(sorted(depends), ["libc6", "libgcc-s1", "libstdc++6"])
         prefix = self.install("prefix")
         asked = "".join(self.run_program(READELF, "--wide", "--dyn-syms", prefix / program)
-                        for program in ("bin/quill", "lib/quillcaption/quillcaption.so"))
+                        for program in ("bin/quill", "lib/quillcaption/quillcaption.so",
+                                        "lib/quillcaption/quillcaption-guard.so"))
         libc = [tuple(map(int, text.split("."))) for text in re.findall(r"@GLIBC_([\d.]+)", asked)]
         self.assertLessEqual(max(libc), tuple(map(int, depends["libc6"].split("."))))
         libstdcxx = [GCC_OF_GLIBCXX[int(text)] for text in re.findall(r"@GLIBCXX_3\.4\.(\d+)", asked)

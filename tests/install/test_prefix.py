@@ -14,6 +14,7 @@ import pages  # pylint: disable=wrong-import-position
 PAGES = sorted(path.name for path in (SOURCE / "man").glob("*.1"))
 COMPONENTS = {
     "module": ["lib/quillcaption/quillcaption.so"],
+    "guard": ["lib/quillcaption/quillcaption-guard.so"],
     "header": ["include/quillcaption/quillcaption.h",
                "lib/cmake/quillcaption/quillcaption-config-version.cmake",
                "lib/cmake/quillcaption/quillcaption-config.cmake",

@@ -2,7 +2,8 @@
 
 QUILLCAPTION_MODULE is the file, QUILLCAPTION_READELF binutils' readelf, QUILLCAPTION_TARGET the name
 of the target's list in golden/. QUILLCAPTION_INSTRUMENTED is set for a module built with sanitizers
-or for coverage, which bring libraries and symbols of their own.
+or for coverage, which bring libraries and symbols of their own, and for the guard, which has some
+too.
 """
 
 import os

@@ -1,0 +1,22 @@
+// What the environment says of the guard. Read once, when the guard is loaded.
+#pragma once
+
+#include <string>
+
+namespace guard {
+
+struct Settings {
+    /// QUILLCAPTION_GUARD_MODULE: the module to load, in place of the one beside the guard.
+    std::string module_path;
+    /// QUILLCAPTION_GUARD_ON_MISTAKE=abort: ends the process where a mistake is found.
+    bool aborts = false;
+    /// QUILLCAPTION_GUARD_SLOW_MS: longest time of a call, in milliseconds; 0 for any.
+    unsigned slow_ms = 0;
+    /// QUILLCAPTION_GUARD_SUMMARY=always: the sum is told when there were no mistakes too.
+    bool always_sums_up = false;
+};
+
+/// Says on standard error which variable has a value that it can't have, and goes on without it.
+Settings read_settings();
+
+}  // namespace guard

@@ -1,0 +1,83 @@
+"""A right host: through the guard it prints, says and returns what it does without.
+
+GUARD is the guard's file, QUILLCAPTION_MODULE the module's, GUARD_HOST the example host,
+GUARD_EMULATOR what runs programs of the target, if anything, GUARD_SOURCE the top folder.
+"""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+GUARD = os.environ["GUARD"]
+MODULE = os.environ["QUILLCAPTION_MODULE"]
+HOST = [*os.environ["GUARD_EMULATOR"].split(), os.environ["GUARD_HOST"]]
+SAMPLES = sorted((pathlib.Path(os.environ["GUARD_SOURCE"]) / "samples").glob("*.vtt"))
+
+
+def play(module, track, **variables):
+    """Exit code, standard output, standard error."""
+    done = subprocess.run([*HOST, module, track], check=False, timeout=60, capture_output=True,
+                          env={**os.environ, **variables})
+    return done.returncode, done.stdout, done.stderr.decode()
+
+
+class RightHostTest(unittest.TestCase):
+    maxDiff = None
+
+    def test_nothing_is_said_and_nothing_differs(self):
+        self.assertGreater(len(SAMPLES), 10)
+        for track in SAMPLES:
+            with self.subTest(track.name):
+                self.assertEqual(play(GUARD, track), play(MODULE, track))
+
+    def test_the_sum_is_told_when_asked_for(self):
+        track = SAMPLES[0].with_name("regions.vtt")
+        code, output, said = play(GUARD, track, QUILLCAPTION_GUARD_SUMMARY="always")
+        self.assertEqual((code, output), play(MODULE, track)[:2])
+        self.assertEqual(said, "quillcaption-guard: 9 calls, 1 parser, 5 cues, 0 mistakes\n")
+
+
+class SettingsTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.track = SAMPLES[0].with_name("regions.vtt")
+
+    def test_another_module_may_be_named(self):
+        lonely = shutil.copy(GUARD, self.folder)
+        code, output, said = play(lonely, self.track, QUILLCAPTION_GUARD_MODULE=MODULE)
+        self.assertEqual((code, output, said), play(MODULE, self.track))
+
+    def test_a_module_that_cannot_be_loaded_makes_no_parser(self):
+        (self.folder / "text.so").write_text("no module")
+        lonely = shutil.copy(GUARD, self.folder)
+        for name, reason in (("", "quillcaption.so: cannot open shared object file"),
+                             (str(self.folder / "text.so"), "text.so: file too short"),
+                             (lonely, "that file is the guard itself"),
+                             ("libm.so.6", "it has no descriptor WEBVTT_MODULE_INFO")):
+            with self.subTest(name):
+                code, output, said = play(lonely, self.track, QUILLCAPTION_GUARD_MODULE=name)
+                self.assertEqual((code, output), (1, b""))
+                self.assertIn(reason, said)
+                self.assertIn("Set QUILLCAPTION_GUARD_MODULE to the file of the module", said)
+
+    def test_values_that_cannot_be_are_told(self):
+        for name, value, possible in (
+                ("QUILLCAPTION_GUARD_ON_MISTAKE", "stop\x1b", "report or abort"),
+                ("QUILLCAPTION_GUARD_SUMMARY", "yes", "mistakes or always"),
+                ("QUILLCAPTION_GUARD_SLOW_MS", "1s", "a number of milliseconds"),
+                ("QUILLCAPTION_GUARD_SLOW_MS", "1234567890", "a number of milliseconds")):
+            with self.subTest(value):
+                shown = value.replace("\x1b", "?")
+                self.assertEqual(
+                    play(GUARD, self.track, **{name: value})[2],
+                    f"quillcaption-guard: {name} is \"{shown}\", which counts as not set: "
+                    f"it can be {possible}\n")
+
+
+if __name__ == "__main__":
+    unittest.main()
