@@ -41,6 +41,9 @@ start(b"", b"", "", "3:Q101")
 start(b"00:00:01:12", b"00:00:01:12", "", "3:Q101")
 start(b"00:61:00.000", b"00:61:00.000", "", "3:Q101")
 start(b"00:00:61.000", b"00:00:61.000", "", "3:Q101")
+start(b"1 00:01.000", b"1 00:01.000", "", "3:Q101")
+start(b"00:01:000", b"00:01:000", "", "3:Q101")
+start(b"00.00.01", b"00.00.01", "", "3:Q101")
 start(b"-00:01.000", b"-00:01.000", "", "3:Q101")
 cue(b"Hello", b"Hello", "", "3:Q106")
 cue(b"00:01.000 --> 00:02.000\n\nNOTE no text", b"00:01.000 --> 00:02.000\n\nNOTE no text", "",
@@ -65,6 +68,12 @@ row(SUBRIP, b"WEBVTT\n\n" + SUBRIP.replace(b",", b"."), "1:Q134 2:Q102 2:Q104")
 row(b"\r\n" + SUBRIP.replace(b"\n", b"\r\n"),
     b"WEBVTT\r\n\r\n" + SUBRIP.replace(b",", b".").replace(b"\n", b"\r\n"), "1:Q134 3:Q102 3:Q104")
 row(GOOD[8:], GOOD, "1:Q134")
+row(b"0:00:01.000,0:00:02.000\nHi\n\n", b"WEBVTT\n\n0:00:01.000 --> 0:00:02.000\nHi\n\n",
+    "1:Q134 1:Q115")
+row(b"WEBVTT 00:01,000 --> 00:02.000 align:center\nHi\n\n",
+    b"WEBVTT\n\n00:01.000 --> 00:02.000 align:middle\nHi\n\n", "1:Q122 2:Q408")
+row(b"WEBVTT 00:01.000 --> 00:02.000 Hi\n\n", b"WEBVTT 00:01.000 --> 00:02.000 Hi\n\n", "",
+    "1:Q122")
 
 # The header.
 row(b"WEBVTT\n" + GOOD[8:], GOOD, "2:Q113")
@@ -76,7 +85,7 @@ for blank in ("\u3164", "\u2800", "\u180e", "\u061c"):
 # Times.
 for before, after, code in (
         (b"00:00:01,000", b"00:00:01.000", "Q102"), (b"0:01,5", b"00:01.500", "Q102"),
-        (b"00:01", b"00:01.000", "Q101"), (b"1:2:3", b"01:02:03.000", "Q101"),
+        (b"00:01", b"00:01.000", "Q101"), (b"1:2:3", b"1:02:03.000", "Q101"),
         (b"00:01.", b"00:01.000", "Q101"), (b"00:01.5", b"00:01.500", "Q101"),
         (b"00:01.1234567", b"00:01.123", "Q101"), (b"0:01.000", b"00:01.000", "Q101"),
         (b"1.000", b"00:01.000", "Q101"), (b"00.01.000", b"00:01.000", "Q101"),
@@ -85,6 +94,8 @@ for before, after, code in (
         (b"\t00:01.000", b"00:01.000", "Q101"), (b"00:01.000\xc2\xa0", b"00:01.000", "Q101"),
         (b"00:\xe2\x80\x8b01.000", b"00:01.000", "Q101"),
         (b"\xef\xbb\xbf00:01.000", b"00:01.000", "Q101"),
+        (b"00:01.000s", b"00:01.000", "Q101"), (b"00 : 01.000", b"00:01.000", "Q101"),
+        (b"00:00:00:01.000", b"00:00:01.000", "Q101"), (b"00:001.000", b"00:01.000", "Q101"),
         ("００：０１．０００".encode(), b"00:01.000", "Q101")):
     start(before, after, "3:" + code)
 timing(b"00:01.000 --> 00:02,000", b"00:01.000 --> 00:02.000", "3:Q104")
@@ -94,7 +105,8 @@ timing(b"00:01.000 --> 00:02.000align:end", b"00:01.000 --> 00:02.000 align:end"
 timing(b"00:01.000 --> 00:02.000\talign:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
 timing(b"00:01.000-->00:02.000", b"00:01.000-->00:02.000", "")
 timing(b"  00:01.000  -->   00:02.000  ", b"  00:01.000  -->   00:02.000  ", "")
-for arrow in (b"->", b"--->", b"-- >", b"=>", b">", b"--&gt;", "—>".encode(), "–>".encode(),
+timing(b"00:01.000 00:02.000", b"00:01.000 --> 00:02.000", "3:Q115")
+for arrow in (b"-", b"to", b",", b"->", b"--->", b"-- >", b"=>", b">", b"--&gt;", "—>".encode(), "–>".encode(),
               "→".encode(), "−−>".encode(), b"==>", "--›".encode()):
     timing(b"00:01.000 " + arrow + b" 00:02.000", b"00:01.000 --> 00:02.000", "3:Q115")
 
@@ -145,6 +157,20 @@ cue(b"00:01.000 --> 00:02.000\nHi\n42\n00:03.000 --> 00:04.000\nyou",
 cue(b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou",
     b"00:01.000 --> 00:02.000\n00:03.000 --> 00:04.000\nyou", "", "4:Q116")
 
+cue(b"00:01.000 --> 00:02.000 size:50%\n00:01.000 --> 00:02.000 size:50%\nHi",
+    b"00:01.000 --> 00:02.000 size:50%\nHi", "4:Q116")
+cue(b"title\n7\n00:01.000 -> 00:02.000\nHi", b"title\n\n7\n00:01.000 --> 00:02.000\nHi",
+    "5:Q107 5:Q115", "3:Q106")
+cue(b"STYLE\n::cue {}\n00:01.000 --> 00:02.000\nHi",
+    b"STYLE\n::cue {}\n\n00:01.000 --> 00:02.000\nHi", "5:Q107")
+cue(b"NOTE\nkept\n00:01.000 --> 00:02.000\nHi", b"NOTE\nkept\n00:01.000 --> 00:02.000\nHi", "",
+    "5:Q107")
+cue(b"scene 1-->2\n00:01.000 --> 00:02.000\nHi", b"scene 1->2\n00:01.000 --> 00:02.000\nHi",
+    "3:Q123")
+# A text may hold what looks like times.
+cue(b"00:01.000 --> 00:02.000\nThe train\n10:30 > 11:45\nis late",
+    b"00:01.000 --> 00:02.000\nThe train\n10:30 > 11:45\nis late", "")
+
 # More than ten lines.
 LINES = [b"line %d" % number for number in range(25)]
 TIMES = b"7\n00:01.000 --> 00:02.000 align:end\n"
@@ -164,17 +190,23 @@ for before, after, code in (
         (b"I <3 you", b"I &lt;3 you", "Q304"), (b"I <3 you > me", b"I &lt;3 you > me", "Q304"),
         (b"<font color='red'>Hi</font>", b"Hi", "Q109 Q414"), (b"a<br>b", b"a b", "Q109"),
         (b"<I>Hi</I>", b"<i>Hi</i>", "Q109 Q414"), (b"Hi</b >", b"Hi</b>", "Q414"),
-        (b"<i>Hi</i> <x.y z>you", b"<i>Hi</i> you", "Q109"),
+        (b"<i>Hi</i> <x.y z>you", b"<i>Hi</i> &lt;x.y z>you", "Q109"),
+        (b"<Anna> Hi", b"&lt;Anna> Hi", "Q109"), (b"<<Hi>>", b"&lt;&lt;Hi>>", "Q304 Q109"),
+        (b"<strong>Hi</strong>", b"<b>Hi</b>", "Q109 Q414"), (b"<i/>Hi", b"Hi", "Q109"),
+        (b"<x y=1>Hi", b"Hi", "Q109"), (b"a &copy b", "a © b".encode(), "Q303"),
+        (b"&#160;x&#xA0;", b"&nbsp;x&nbsp;", "Q303 Q303"),
+        (b"it&amp;#39;s", b"it's", "Q431"), (b"R&amp;amp;amp;D", b"R&amp;D", "Q431"),
+        (b"a&amp;amp;nbsp;b", b"a&nbsp;b", "Q431"),
         (b"<x>\nHi\n</x>", b"Hi", "Q109 Q414"), (b"a <y <i>b</i>", b"a &lt;y <i>b</i>", "Q304"),
         (b"&amp&#39;", b"&amp;amp'", "Q303 Q303")):
     TEXT = b"00:01.000 --> 00:02.000\n"
     lines = iter("4 6".split() if b"\n" in before else "4 4 4".split())
     cue(TEXT + before, TEXT + after,
         " ".join(f"{next(lines)}:{one}" for one in code.replace(" 3", " Q303").split()))
-for kept in (b"a &amp; &lt; b", b"&foo;", b"&foo<i>x</i>", b"<v Bob>Hi", b"a <00:01.500>b", b"3 > 2"):
+for kept in (b"a &amp; &lt; b", b"&amp;lt;i&amp;gt;", b"&foo;", b"&foo<i>x</i>", b"<v Bob>Hi", b"a <00:01.500>b", b"3 > 2"):
     cue(b"00:01.000 --> 00:02.000\n" + kept, b"00:01.000 --> 00:02.000\n" + kept, "")
 cue(b"00:01.000 --> 00:02.000\na <b and c", b"00:01.000 --> 00:02.000\na <b and c", "", "4:Q304")
-cue(b"00:01.000 --> 00:02.000\n<x>", b"00:01.000 --> 00:02.000\n<x>", "", "4:Q109")
+cue(b"00:01.000 --> 00:02.000\n<font a=b>", b"00:01.000 --> 00:02.000\n<font a=b>", "", "4:Q109")
 
 # Comments.
 cue(b"NOTE from --> to ----> x", b"NOTE from -> to -> x", "3:Q419")
@@ -184,14 +216,24 @@ cue(b"NOTE\n00:01.000 --> 00:02.000\nHi", b"NOTE\n00:01.000 --> 00:02.000\nHi", 
 MAP = b"WEBVTT\nX-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:00:00:00.000" + GOOD[6:]
 for form in (b"X-TIMESTAMP-MAP=MPEGTS:900000, LOCAL:00:00:00.000",
              b"X-TIMESTAMP-MAP:MPEGTS:900000,LOCAL:00:00:00.000",
-             b"X-TIMESTAMP-MAP=MPEGTS:900000,LOCAL:0:0:0,0",
+             b"X_TIMESTAMP_MAP=LOCAL:00:00:00.000;MPEGTS:900000",
              b"x-timestamp-map = mpegts:900000 , local:00:00:00.000"):
-    row(b"WEBVTT\n" + form + GOOD[6:], MAP, "2:Q310" if form[:1] == b"x" else "2:Q422")
+    row(b"WEBVTT\n" + form + GOOD[6:], MAP, "2:Q310" if form[:2] != b"X-" else "2:Q422")
 for form, left in ((b"=MPEGTS:900000,LOCAL:00:00:00.000", ""), (b"=MPEG:9,LOCAL:0", "2:Q421"),
                    (b" MPEGTS:900000,LOCAL:00:00.000", ""),
-                   (b"=MPEGTS:8589934590,LOCAL: 00:00:00.000", "2:Q422")):
+                   (b"=MPEGTS:8589934590,LOCAL: 00:00:00.000", "2:Q422"),
+                   (b"=MPEGTS:-900000,LOCAL:00:00.000", "2:Q422"),
+                   (b"=MPEGTS:8589934590,LOCAL:00:00:00.000", "2:Q311")):
     form = b"WEBVTT\nX-TIMESTAMP-MAP" + form + GOOD[6:]
     row(form, form, "", left)
+
+ONLY = MAP[7:-len(GOOD[6:])] + b"\n"
+row(b"WEBVTT" + ONLY[:-1].replace(b"X", b" X", 1).replace(b"\n", b"") + GOOD[6:], MAP, "1:Q312")
+row(b"WEBVTT\n\n" + ONLY + GOOD[7:], MAP, "3:Q114")
+TWICE = b"WEBVTT\n" + ONLY + b"\n" + ONLY + GOOD[7:]
+row(TWICE, TWICE, "", "4:Q114")
+row(MAP.replace(b"900000", b"4294967295"), MAP.replace(b"900000", b"4294967294"), "2:Q311")
+row(MAP.replace(b"MPEGTS", b"mpegts"), MAP, "2:Q421")
 
 # A block that cannot be fixed as a whole stays as it is.
 cue(b"00:01,000 --> 00:02.000\n<x\ny>", b"00:01,000 --> 00:02.000\n<x\ny>", "", "3:Q102")

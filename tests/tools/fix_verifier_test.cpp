@@ -32,7 +32,7 @@ class VerifierTest : public testing::Test {
     std::string Judge(const std::function<void(Document&)>& edit) {
         host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
         const host::ModuleHandle module(QUILLCAPTION_BUILT_MODULE);
-        const Selection all;
+        const check::CodeFilter all;
         Oracle oracle(module, capture);
         Document document(kTrack, {});
         FindTimings({document, oracle, all});

@@ -195,8 +195,8 @@ class Command(QuillTest):
                 (("fix", "--in-place", "--diff", self.track),
                  "only one of -o, --in-place, --diff and --dry-run"),
                 (("fix", "--in-place", "-"), "standard input cannot be written in place"),
-                (("fix", "--only", "Q9", self.track), "--only takes codes or the beginnings of"),
-                (("fix", "--skip", "Q1,", self.track), "--skip takes codes or the beginnings of")):
+                (("fix", "--only", "Q9", self.track), "--only takes codes and beginnings of codes"),
+                (("fix", "--skip", "Q1,,", self.track), "--skip takes codes and beginnings of")):
             with self.subTest(arguments):
                 self.assert_fails(self.quill(*arguments), 2, words)
         self.assert_fails(self.quill("fix", "--module", self.track, self.track), 3, self.track)

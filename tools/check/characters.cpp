@@ -39,6 +39,12 @@ constexpr LookAlike kLookAlikes[] = {
     {0x200D, "zero width joiner", ""},
     {0x200E, "left-to-right mark", ""},
     {0x200F, "right-to-left mark", ""},
+    {0x2010, "hyphen", "-"},
+    {0x2011, "non-breaking hyphen", "-"},
+    {0x2012, "figure dash", "-"},
+    {0x2013, "en dash", "-"},
+    {0x2014, "em dash", "-"},
+    {0x2015, "horizontal bar", "-"},
     {0x2028, "line separator", " "},
     {0x2029, "paragraph separator", " "},
     {0x202A, "left-to-right embedding", ""},
@@ -47,17 +53,32 @@ constexpr LookAlike kLookAlikes[] = {
     {0x202D, "left-to-right override", ""},
     {0x202E, "right-to-left override", ""},
     {0x202F, "narrow no-break space", " "},
+    {0x203A, "single right-pointing angle quotation mark", ">"},
     {0x205F, "medium mathematical space", " "},
     {0x2060, "word joiner", ""},
+    {0x2061, "function application", ""},
+    {0x2062, "invisible times", ""},
+    {0x2063, "invisible separator", ""},
+    {0x2064, "invisible plus", ""},
     {0x2066, "left-to-right isolate", ""},
     {0x2067, "right-to-left isolate", ""},
     {0x2068, "first strong isolate", ""},
     {0x2069, "pop directional isolate", ""},
+    {0x2192, "rightwards arrow", "-->"},
+    {0x21D2, "rightwards double arrow", "-->"},
+    {0x2212, "minus sign", "-"},
+    {0x2236, "ratio", ":"},
+    {0x2794, "heavy wide-headed rightwards arrow", "-->"},
+    {0x279C, "heavy round-tipped rightwards arrow", "-->"},
+    {0x27F6, "long rightwards arrow", "-->"},
     {0x2800, "blank Braille pattern", " "},
     {0x3000, "ideographic space", " "},
     {0x3164, "Hangul filler", " "},
+    {0xFE0F, "variation selector-16", ""},
     {0xFEFF, "byte order mark", ""},
+    {0xFF05, "fullwidth percent sign", "%"},
     {0xFF0C, "fullwidth comma", ","},
+    {0xFF0D, "fullwidth hyphen-minus", "-"},
     {0xFF0E, "fullwidth full stop", "."},
     {0xFF10, "fullwidth digit zero", "0"},
     {0xFF11, "fullwidth digit one", "1"},
@@ -70,6 +91,8 @@ constexpr LookAlike kLookAlikes[] = {
     {0xFF18, "fullwidth digit eight", "8"},
     {0xFF19, "fullwidth digit nine", "9"},
     {0xFF1A, "fullwidth colon", ":"},
+    {0xFF1D, "fullwidth equals sign", "="},
+    {0xFF1E, "fullwidth greater-than sign", ">"},
 };
 
 // Calls back with each character's bytes and what it looks like, which is null for most.
@@ -121,6 +144,19 @@ std::string Plain(std::string_view text) {
         plain += known != nullptr ? known->plain : bytes;
     });
     return plain;
+}
+
+PlainText::PlainText(std::string_view text) {
+    std::size_t at = 0;
+    ForEach(text, [&](std::string_view bytes, const LookAlike* known) {
+        const std::string_view plain = known != nullptr ? known->plain : bytes;
+        const std::size_t end = at + bytes.size();
+        text_ += plain;
+        begins_.resize(text_.size(), at);
+        ends_.resize(text_.size(), end);
+        at = end;
+    });
+    begins_.push_back(at);
 }
 
 bool LooksBlank(std::string_view text) {

@@ -2,8 +2,10 @@
 #ifndef TOOLS_CHECK_CHARACTERS_H_
 #define TOOLS_CHECK_CHARACTERS_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quill::check {
 
@@ -11,7 +13,7 @@ namespace quill::check {
 struct LookAlike {
     char32_t code_point;
     const char* name;   // "no-break space"
-    const char* plain;  // what it is taken for: a space, a digit, a colon, or nothing
+    const char* plain;  // what it is taken for: a space, a digit, an arrow, or nothing
     bool is_invisible() const { return *plain == '\0' || *plain == ' '; }
 };
 
@@ -27,6 +29,23 @@ const LookAlike* FindLookAlike(std::string_view text);
 
 // The text with what each look-alike is taken for in its place.
 std::string Plain(std::string_view text);
+
+// The same, which knows where everything stands in the text as it is.
+class PlainText {
+  public:
+    explicit PlainText(std::string_view text);
+
+    const std::string& text() const { return text_; }
+    // Where what is shown at that place of text() begins; for its end, the end.
+    std::size_t Begin(std::size_t index) const { return begins_[index]; }
+    // Behind what is shown before that place.
+    std::size_t End(std::size_t index) const { return index == 0 ? 0 : ends_[index - 1]; }
+
+  private:
+    std::string text_;
+    std::vector<std::size_t> begins_;
+    std::vector<std::size_t> ends_;
+};
 
 // Whether the text has characters, and none of them can be seen.
 bool LooksBlank(std::string_view text);

@@ -9,6 +9,7 @@
 #include "tools/check/characters.h"
 #include "tools/check/meant_timing.h"
 #include "tools/check/track_text.h"
+#include "tools/console/escape.h"
 #include "tools/console/text.h"
 
 namespace quill::check {
@@ -230,8 +231,9 @@ Finding ExplainSignature(std::string_view first) {
         return {1, "signature", "the first line is " + Quoted(first),
                 "write each " + std::string(behind.substr(0, 2)) + " as a line end"};
     }
-    const LookAlike* const hidden = FindLookAlike(behind);
-    if (hidden == nullptr) {
+    const LookAlike* const hidden =
+        FindLookAlike(behind.substr(0, console::FirstCharacter(behind).size));
+    if (hidden == nullptr || !hidden->is_invisible()) {
         return {1, "signature", "the first line is " + Quoted(first)};
     }
     const bool is_line_end = hidden->code_point == 0x2028 || hidden->code_point == 0x2029 ||

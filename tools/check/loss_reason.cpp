@@ -34,7 +34,7 @@ Finding InvalidTime(const BlockText& block, const std::string& which, std::strin
         return {line, "wrong-arrow", Quoted(meant->arrow) + " stands between the times", fix};
     }
     const MeantTime meant = ReadMeantTime(time);
-    if (meant.has_comma && FindLookAlike(time) == nullptr) {
+    if (meant.has_comma) {
         return {line, which + "-time-comma",
                 which + " time " + Quoted(time) + " with a decimal comma", fix};
     }

@@ -38,23 +38,25 @@ std::string ValueOf(const std::string& line, std::string_view item, std::string_
     return value;
 }
 
-// Of a time that the module takes.
-double SecondsOf(const std::string& time) {
-    double seconds = 0;
-    double field = 0;
-    double scale = 0;
-    for (const char c : time) {
-        if (c == ':') {
-            seconds = (seconds + field) * 60;
-            field = 0;
-        } else if (c == '.') {
-            scale = 1;
-        } else {
-            scale *= 10;
-            field = scale == 0 ? field * 10 + (c - '0') : field + (c - '0') / scale;
-        }
-    }
-    return seconds + field;
+// In capitals, without spaces, and with one kind of colon.
+std::string Squeezed(std::string_view plain) {
+    std::string squeezed = InCapitals(plain);
+    squeezed.erase(std::remove(squeezed.begin(), squeezed.end(), ' '), squeezed.end());
+    std::replace(squeezed.begin(), squeezed.end(), '=', ':');
+    return squeezed;
+}
+
+// Whether the line has the two items and no more, in either order.
+bool HasItemsOnly(std::string_view plain, const std::string& ticks, const std::string& local) {
+    const std::string squeezed = Squeezed(plain);
+    const std::string mpeg = std::string(kItems[0]) + ticks;
+    const std::string time = std::string(kItems[1]) + local;
+    const std::size_t begin = std::min({squeezed.find(mpeg), squeezed.find(time), squeezed.size()});
+    const std::string name = squeezed.substr(0, begin);
+    std::string items = squeezed.substr(begin);
+    std::replace(items.begin(), items.end(), ';', ',');
+    return IsLikeMap(name) && std::count(name.begin(), name.end(), ':') <= 1 &&
+           (items == mpeg + "," + time || items == time + "," + mpeg);
 }
 
 // What is wrong with an item, as the module cuts the line into them.
@@ -78,8 +80,7 @@ std::string ItemComplaint(std::string_view item) {
                        : "";
         }
         const MeantTime meant = ReadMeantTime(value);
-        const std::string complaint = meant.has_comma ? "it has a decimal comma" : meant.complaint;
-        return meant.text == value ? "" : "the time " + Quoted(value) + ": " + complaint;
+        return meant.text == value ? "" : "the time " + Quoted(value) + ": " + meant.complaint;
     }
     return "unknown item " + Quoted(item);
 }
@@ -119,14 +120,16 @@ MeantMap ReadMeantMap(std::string_view line) {
     meant.complaint = Complaint(line);
     const std::string plain = Plain(line);
     const std::string ticks = ValueOf(plain, kItems[0], "0123456789");
-    const std::string local = ReadMeantTime(ValueOf(plain, kItems[1], "0123456789:.,;")).text;
-    if (ticks.empty() || ticks.size() > kMostDigits || local.empty()) {
+    const std::string written = ValueOf(plain, kItems[1], "0123456789:.,");
+    const MeantTime local = ReadMeantTime(written);
+    if (ticks.empty() || ticks.size() > kMostDigits || local.text.empty()) {
         return meant;
     }
     meant.mpeg_time = std::stoull(ticks);
-    meant.text = std::string(kMapName) + "=MPEGTS:" + ticks + ",LOCAL:" + local;
-    meant.shift =
-        std::floor(static_cast<double>(meant.mpeg_time) / kTicksPerSecond) - SecondsOf(local);
+    meant.text = std::string(kMapName) + "=MPEGTS:" + ticks + ",LOCAL:" + local.text;
+    meant.shift = std::floor(static_cast<double>(meant.mpeg_time) / kTicksPerSecond) -
+                  static_cast<double>(local.milliseconds) / 1000;
+    meant.is_certain = local.is_certain && HasItemsOnly(plain, ticks, written);
     return meant;
 }
 

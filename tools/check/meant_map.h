@@ -12,8 +12,9 @@ namespace quill::check {
 constexpr std::string_view kMapName = "X-TIMESTAMP-MAP";
 
 struct MeantMap {
-    std::string complaint;  // about the first value that is not valid; empty when none is known
-    std::string text;       // the whole line as it has to be; empty when that would be a guess
+    std::string complaint;    // about the first value that is not valid; empty when none is known
+    std::string text;         // the whole line as it has to be; empty when that would be a guess
+    bool is_certain = false;  // the text is the only thing that can have been meant
     // For a line with such a text: what it was to do.
     std::uint64_t mpeg_time = 0;  // in ticks
     double shift = 0;             // in seconds

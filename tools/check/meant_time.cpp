@@ -6,12 +6,57 @@
 
 #include "tools/check/characters.h"
 #include "tools/check/finding.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::size_t kFractionDigits = 3;
+
+// Digits for 0, digits below 6 for 5, a point or a comma for ".".
+constexpr std::string_view kMinutes = "50:50.000";
+constexpr std::string_view kHours = "00:50:50.000";
+
+bool Fits(std::string_view text, std::string_view shape) {
+    return text.size() >= shape.size() &&
+           std::equal(shape.begin(), shape.end(), text.begin(), [](char wanted, char c) {
+               return wanted == '0'   ? console::IsDigit(c)
+                      : wanted == '5' ? c >= '0' && c <= '5'
+                      : wanted == '.' ? c == '.' || c == ','
+                                      : c == wanted;
+           });
+}
+
+// Of a time that is written as it is to be read.
+std::int64_t MillisecondsOf(std::string_view time) {
+    std::int64_t fields[2] = {0, 0};  // what came before the last colon, and behind it
+    for (const char c : time) {
+        if (c == ':') {
+            fields[0] = (fields[0] + fields[1]) * 60;
+            fields[1] = 0;
+        } else if (console::IsDigit(c)) {
+            fields[1] = fields[1] * 10 + (c - '0');
+        } else {
+            fields[0] = fields[0] + fields[1];
+            fields[1] = 0;
+        }
+    }
+    return fields[0] * 1000 + fields[1];
+}
+
+// One as nearly all are written.
+MeantTime ReadUsualTime(std::string_view time) {
+    MeantTime meant;
+    meant.text = time;
+    char& point = meant.text[time.size() - 4];
+    meant.has_comma = point == ',';
+    point = '.';
+    meant.complaint = meant.has_comma ? "it has a decimal comma" : "";
+    meant.is_certain = true;
+    meant.milliseconds = MillisecondsOf(meant.text);
+    return meant;
+}
 
 std::string Digits(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " digit" : " digits");
@@ -35,11 +80,16 @@ class Reader {
                 meant_.text += part + (&part == &parts_.back() ? "." : ":");
             }
             meant_.text += fraction_;
+            meant_.milliseconds = MillisecondsOf(meant_.text);
+            meant_.is_certain = is_certain_ && meant_.milliseconds <= kMostMilliseconds;
         }
         return std::move(meant_);
     }
 
   private:
+    static constexpr std::int64_t kMostMilliseconds =
+        1193046ll * 3600 * 1000;  // 32 bits of seconds
+
     void Note(const std::string& complaint) {
         if (meant_.complaint.empty()) {
             meant_.complaint = complaint;
@@ -53,12 +103,20 @@ class Reader {
                    time.find_first_of(kDigits) != std::string_view::npos) {
             Note(NameOf(' ') + " stands in it");
         }
+        // Two numbers would become one.
+        for (std::size_t at = time_.find(' '); at < time_.size(); at = time_.find(' ', at)) {
+            const std::size_t end = std::min(time_.find_first_not_of(' ', at), time_.size());
+            is_certain_ = is_certain_ && !(at > 0 && console::IsDigit(time_[at - 1]) &&
+                                           end < time_.size() && console::IsDigit(time_[end]));
+            at = end;
+        }
+        has_look_alike_ = FindLookAlike(time) != nullptr;
         time_.erase(std::remove(time_.begin(), time_.end(), ' '), time_.end());
     }
 
     // Leaves digits and what parts them.
     bool RemoveSurroundings() {
-        if (time_.size() > 1 && time_[0] == '-' && kDigits.find(time_[1]) != std::string::npos) {
+        if (time_.size() > 1 && time_[0] == '-' && console::IsDigit(time_[1])) {
             Note("it is negative");
             return false;
         }
@@ -68,6 +126,7 @@ class Reader {
         }
         if (end < time_.size()) {
             const std::string behind = time_.substr(end);
+            is_certain_ = is_certain_ && (behind == "s" || behind == "S");
             Note(behind.find(':') != std::string::npos
                      ? "no space stands between it and " + Quoted(behind)
                      : Quoted(behind) + " stands behind it");
@@ -81,7 +140,8 @@ class Reader {
         const auto count = [this](char c) { return std::count(time_.begin(), time_.end(), c); };
         const auto colons = count(':');
         if (count(',') == 1 && count('.') == 0) {
-            meant_.has_comma = true;
+            meant_.has_comma = !has_look_alike_;
+            Note("it has a decimal comma");
             std::replace(time_.begin(), time_.end(), ',', '.');
         }
         if (count(',') > 0 || count(';') > 0) {
@@ -92,10 +152,12 @@ class Reader {
         const std::size_t behind = last == std::string::npos ? 0 : time_.size() - last - 1;
         if (count('.') > 1 && time_[last] == '.') {
             Note("a point stands where a colon belongs");
+            is_certain_ = is_certain_ && behind == kFractionDigits;
             std::replace(time_.begin(), time_.begin() + static_cast<std::ptrdiff_t>(last), '.',
                          ':');
         } else if (count('.') == 0 && behind == kFractionDigits) {
             Note("a colon stands before the milliseconds");
+            is_certain_ = is_certain_ && colons == 3;
             time_[last] = '.';
         } else if (count('.') == 0 && colons == 3) {
             Note("frames stand in place of its milliseconds");
@@ -103,6 +165,7 @@ class Reader {
         }
         const std::size_t point = std::min(time_.find('.'), time_.size());
         fraction_ = time_.substr(std::min(point + 1, time_.size()));
+        has_thousandths_ = fraction_.size() == kFractionDigits;
         time_.resize(point);
         if (fraction_.empty()) {
             Note("it has no milliseconds");
@@ -130,6 +193,7 @@ class Reader {
         }
         if (parts_.size() == 1) {
             Note("it has no minutes");
+            is_certain_ = is_certain_ && has_thousandths_;
             parts_.insert(parts_.begin(), "00");
         }
         if (parts_.size() == 4) {
@@ -154,6 +218,8 @@ class Reader {
         const int value = std::stoi(parts_[index]);
         if (value > kMost) {
             Note("its " + name + " are " + parts_[index] + ", and go up to 59");
+            // What was rounded up, and minutes that never had hours.
+            is_certain_ = is_certain_ && (index == 0 || (value == kMost + 1 && name == "seconds"));
             if (index == 0) {
                 parts_.insert(parts_.begin(), "00");
                 ++index;
@@ -172,6 +238,9 @@ class Reader {
         return std::string(size - std::min(size, digits.size()), '0') + digits;
     }
 
+    bool is_certain_ = true;
+    bool has_look_alike_ = false;
+    bool has_thousandths_ = false;
     std::string time_;
     std::vector<std::string> parts_;
     std::string fraction_;
@@ -181,7 +250,12 @@ class Reader {
 }  // namespace
 
 MeantTime ReadMeantTime(std::string_view time) {
-    return Reader(time).Run();
+    return !time.empty() && UsualTimeSize(time) == time.size() ? ReadUsualTime(time)
+                                                               : Reader(time).Run();
+}
+
+std::size_t UsualTimeSize(std::string_view text) {
+    return Fits(text, kMinutes) ? kMinutes.size() : Fits(text, kHours) ? kHours.size() : 0;
 }
 
 }  // namespace quill::check

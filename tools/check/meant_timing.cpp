@@ -3,17 +3,22 @@
 #include <algorithm>
 
 #include "tools/check/characters.h"
-#include "tools/check/meant_time.h"
 #include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
 
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string_view::npos
-               ? std::string_view()
-               : text.substr(first, text.find_last_not_of(' ') - first + 1);
+constexpr std::string_view kSpacedArrow = " --> ";
+
+// Without the spaces at both ends.
+Place Trimmed(std::string_view text, Place place) {
+    while (place.begin < place.end && text[place.begin] == ' ') {
+        ++place.begin;
+    }
+    while (place.begin < place.end && text[place.end - 1] == ' ') {
+        --place.end;
+    }
+    return place;
 }
 
 // The size of the time that the text begins with, by its form alone; 0 when there is none. A
@@ -47,79 +52,152 @@ bool HasThousandths(std::string_view time) {
            std::string_view(".,").find(time[time.size() - kBehind]) != std::string_view::npos;
 }
 
+// The times and the arrow in the line's plain text. All behind them is settings.
 struct Parts {
-    std::string_view start;
-    std::string_view arrow;
-    std::string_view end;
-    std::string_view settings;
+    Place start;
+    Place arrow;
+    Place end;
 };
 
+// The time that begins there, with a unit that is glued to it; a setting may be glued to it, too.
+Place EndTime(std::string_view plain, std::size_t begin) {
+    begin = std::min(plain.find_first_not_of(' ', begin), plain.size());
+    const std::size_t end = begin + TimeSize(plain.substr(begin));
+    const std::size_t glued = std::min(plain.find(' ', end), plain.size());
+    const bool is_setting = plain.substr(end, glued - end).find(':') != std::string_view::npos;
+    return {begin, is_setting ? end : glued};
+}
+
 // With an arrow everything before it is the start.
-std::optional<Parts> SplitAtArrow(std::string_view line, std::size_t arrow) {
+Parts SplitAtArrow(std::string_view plain, std::size_t arrow) {
     std::size_t begin = arrow;
     std::size_t end = arrow + kArrow.size();
-    while (begin > 0 && std::string_view("-=<").find(line[begin - 1]) != std::string_view::npos) {
+    while (begin > 0 && std::string_view("-=<").find(plain[begin - 1]) != std::string_view::npos) {
         --begin;
     }
-    while (end < line.size() && std::string_view("->=").find(line[end]) != std::string_view::npos) {
+    while (end < plain.size() &&
+           std::string_view("->=").find(plain[end]) != std::string_view::npos) {
         ++end;
     }
-    const std::string_view rest = Trimmed(line.substr(end));
-    const std::size_t size = TimeSize(rest);
-    return Parts{Trimmed(line.substr(0, begin)), line.substr(begin, end - begin),
-                 rest.substr(0, size), rest.substr(size)};
+    return {Trimmed(plain, {0, begin}), {begin, end}, EndTime(plain, end)};
 }
 
 // Without one, anything short that stands between two times is one.
-std::optional<Parts> SplitAtTimes(std::string_view line) {
+std::optional<Parts> SplitAtTimes(std::string_view plain) {
     constexpr std::size_t kLongestArrow = 12;
-    line = Trimmed(line);
-    const std::size_t start = TimeSize(line);
+    const std::size_t begin = std::min(plain.find_first_not_of(' '), plain.size());
+    const std::size_t start = begin + TimeSize(plain.substr(begin));
     const std::size_t next =
-        start == 0 ? std::string_view::npos : line.find_first_of("0123456789", start);
+        start == begin ? std::string_view::npos : plain.find_first_of("0123456789", start);
     if (next == std::string_view::npos || next - start > kLongestArrow) {
         return std::nullopt;
     }
-    const std::string_view rest = line.substr(next);
-    const std::size_t size = TimeSize(rest);
-    const Parts parts = {line.substr(0, start), Trimmed(line.substr(start, next - start)),
-                         rest.substr(0, size), rest.substr(size)};
-    if (parts.start.find_first_of(":.") == std::string_view::npos ||
-        parts.end.find_first_of(":.") == std::string_view::npos) {
+    const Parts parts = {{begin, start}, Trimmed(plain, {start, next}), EndTime(plain, next)};
+    if (parts.start.In(plain).find_first_of(":.") == std::string_view::npos ||
+        parts.end.In(plain).find_first_of(":.") == std::string_view::npos) {
         return std::nullopt;
     }
     return parts;
 }
 
-// A setting that was glued to the time, or stands behind it; a unit is none.
-std::string Settings(std::string_view behind) {
-    const std::size_t glued = std::min(behind.find(' '), behind.size());
-    if (glued > 0 && behind.substr(0, glued).find(':') == std::string_view::npos) {
-        behind.remove_prefix(glued);
+// Whether what stands behind the times can only be settings, or what players ignore.
+bool BeginsSettings(std::string_view settings) {
+    const std::size_t end = settings.find_first_of(":=");
+    const std::string_view name = settings.substr(0, end);
+    return end != std::string_view::npos && !name.empty() &&
+           name.find_first_not_of(
+               "abcdefghijklmnopqrstuvwxyz"
+               "ABCDEFGHIJKLMNOPQRSTUVWXYZ ") == std::string_view::npos;
+}
+
+// Whether nobody can have meant anything else by what stands between two times, and behind them.
+bool IsCertain(std::string_view arrow, std::string_view settings, bool is_glued,
+               bool has_thousandths) {
+    if (settings.empty() || BeginsSettings(settings)) {
+        const bool has_head = arrow.find_first_not_of("-=> ") == std::string_view::npos &&
+                              !arrow.empty() && arrow.find('>') != std::string_view::npos;
+        return has_head || arrow == "--&gt;" || has_thousandths;
     }
-    const std::string_view settings = Trimmed(behind);
-    return settings.empty() ? "" : " " + std::string(settings);
+    return !is_glued && arrow.find(kArrow) != std::string_view::npos &&
+           !console::IsDigit(settings[0]) &&
+           std::string_view(".,:;").find(settings[0]) == std::string_view::npos;
+}
+
+// A timing line as nearly all are written, perhaps with decimal commas.
+std::optional<MeantTiming> ReadUsualTiming(std::string_view line) {
+    const std::size_t start = UsualTimeSize(line);
+    if (start == 0 || line.substr(start, kSpacedArrow.size()) != kSpacedArrow) {
+        return std::nullopt;
+    }
+    const std::size_t begin = start + kSpacedArrow.size();
+    const std::size_t end = begin + UsualTimeSize(line.substr(begin));
+    const std::string_view behind = line.substr(end);
+    const bool has_settings = behind.size() > 1 && behind[0] == ' ' && behind[1] >= 'a' &&
+                              behind[1] <= 'z' && BeginsSettings(behind.substr(1));
+    if (end == begin || (!behind.empty() && !has_settings)) {
+        return std::nullopt;
+    }
+    MeantTiming meant{};
+    meant.start_place = {0, start};
+    meant.arrow_place = {start + 1, begin - 1};
+    meant.end_place = {begin, end};
+    meant.settings_begin = has_settings ? end + 1 : end;
+    meant.start = ReadMeantTime(line.substr(0, start));
+    meant.end = ReadMeantTime(meant.end_place.In(line));
+    meant.arrow = kArrow;
+    meant.text = meant.start.text + std::string(kSpacedArrow) + meant.end.text;
+    meant.text += behind;
+    meant.has_thousandths = true;
+    meant.is_certain = true;
+    return meant;
 }
 
 }  // namespace
 
 std::optional<MeantTiming> ReadMeantTiming(std::string_view line) {
-    const std::string plain = Plain(line);
+    if (std::optional<MeantTiming> usual = ReadUsualTiming(line)) {
+        return usual;
+    }
+    const PlainText looks(line);
+    const std::string_view plain = looks.text();
     const std::size_t arrow = plain.find(kArrow);
     const std::optional<Parts> parts =
         arrow != std::string_view::npos ? SplitAtArrow(plain, arrow) : SplitAtTimes(plain);
     if (!parts) {
         return std::nullopt;
     }
-    MeantTiming meant;
-    meant.arrow = parts->arrow;
-    meant.has_thousandths = HasThousandths(parts->start) && HasThousandths(parts->end);
-    const std::string start = ReadMeantTime(parts->start).text;
-    const std::string end = ReadMeantTime(parts->end).text;
-    if (!start.empty() && !end.empty()) {
-        meant.text = start + " --> " + end + Settings(parts->settings);
+    const auto place = [&looks](const Place& of_plain) {
+        const std::size_t begin = looks.Begin(of_plain.begin);
+        return Place{begin, std::max(begin, looks.End(of_plain.end))};
+    };
+    const Place settings = Trimmed(plain, {parts->end.end, plain.size()});
+    MeantTiming meant{};
+    meant.start_place = place(parts->start);
+    meant.arrow_place = place(parts->arrow);
+    meant.end_place = place(parts->end);
+    meant.settings_begin = looks.Begin(settings.begin);
+    meant.start = ReadMeantTime(meant.start_place.In(line));
+    meant.end = ReadMeantTime(meant.end_place.In(line));
+    meant.arrow = meant.arrow_place.In(line);
+    meant.has_thousandths =
+        HasThousandths(parts->start.In(plain)) && HasThousandths(parts->end.In(plain));
+    if (!meant.start.text.empty() && !meant.end.text.empty()) {
+        meant.text = meant.start.text + std::string(kSpacedArrow) + meant.end.text;
+        meant.text += settings.begin < settings.end ? " " : "";
+        meant.text += settings.In(plain);
+        meant.is_certain = meant.start.is_certain && meant.end.is_certain &&
+                           IsCertain(parts->arrow.In(plain), settings.In(plain),
+                                     settings.begin == parts->end.end, meant.has_thousandths);
     }
     return meant;
+}
+
+bool IsUsualTiming(std::string_view line) {
+    const std::size_t start = UsualTimeSize(line);
+    return start > 0 && line.substr(start, kSpacedArrow.size()) == kSpacedArrow &&
+           UsualTimeSize(line.substr(start + kSpacedArrow.size())) ==
+               line.size() - start - kSpacedArrow.size() &&
+           line.find(',') == std::string_view::npos;
 }
 
 }  // namespace quill::check

@@ -124,13 +124,18 @@ std::string WriteNumbered(std::string_view reference) {
     return character.empty() ? "remove it" : WriteCharacter(character);
 }
 
-std::string WriteCharacter(const std::string& character) {
+std::string InText(const std::string& character) {
     for (const Own& own : kOwn) {
         if (character == own.character) {
-            return "write &" + std::string(own.name) + ";";
+            return "&" + std::string(own.name) + ";";
         }
     }
-    return "write " + Quoted(character) + " itself";
+    return character;
+}
+
+std::string WriteCharacter(const std::string& character) {
+    const std::string text = InText(character);
+    return text != character ? "write " + text : "write " + Quoted(character) + " itself";
 }
 
 }  // namespace quill::check

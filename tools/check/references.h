@@ -26,6 +26,10 @@ std::size_t NumberedSize(std::string_view text);
 // What to write for such a reference: write "..." itself, or write &nbsp;.
 std::string WriteNumbered(std::string_view reference);
 
+// The character as it stands in a text: itself, or the reference of tracks for one that is not to
+// be written.
+std::string InText(const std::string& character);
+
 // write "..." itself, or the reference of tracks for a character that is not to be written.
 std::string WriteCharacter(const std::string& character);
 

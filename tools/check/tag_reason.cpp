@@ -26,7 +26,12 @@ std::size_t TagLine(const BlockText& block, std::string_view name) {
     return std::min(block.TimingIndex() + 1, block.size() - 1);
 }
 
-// The tag of a track that means what the tag of a page does; empty when there is none.
+bool IsTag(const std::string& name, LoneParser& asked) {
+    return asked.Ask("00:00.000 --> 00:01.000\n<" + name + ">x\n\n").fate == Fate::kDelivered;
+}
+
+}  // namespace
+
 std::string TagOfTrack(std::string name) {
     static constexpr struct {
         const char* of_page;
@@ -41,12 +46,6 @@ std::string TagOfTrack(std::string name) {
     }
     return name;
 }
-
-bool IsTag(const std::string& name, LoneParser& asked) {
-    return asked.Ask("00:00.000 --> 00:01.000\n<" + name + ">x\n\n").fate == Fate::kDelivered;
-}
-
-}  // namespace
 
 Finding UnknownTag(const BlockText& block, std::string_view name, LoneParser& asked) {
     const std::uint32_t line = block.number(TagLine(block, name));

@@ -6,11 +6,11 @@
 #include <optional>
 #include <string>
 
+#include "tools/check/characters.h"
 #include "tools/check/meant_map.h"
-#include "tools/console/text.h"
-#include "tools/fix/characters.h"
+#include "tools/check/meant_timing.h"
+#include "tools/check/surroundings.h"
 #include "tools/fix/fixer.h"
-#include "tools/fix/timing_reading.h"
 
 namespace quill::fix {
 namespace {
@@ -19,7 +19,8 @@ constexpr std::size_t kMostLines = 10;  // of a block
 
 // A cue, with an identifier or without, or a block that says what it is.
 bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index) {
-    return lines[index].timing || IsComment(lines[index].text) || IsStyle(lines[index].text) ||
+    return lines[index].timing || check::IsCommentLine(lines[index].text) ||
+           check::IsStyleLine(lines[index].text) ||
            (index + 1 < lines.size() && lines[index + 1].timing);
 }
 
@@ -76,8 +77,62 @@ std::uint64_t NumberOf(std::string_view identifier) {
                : 0;
 }
 
+bool HoldsTimes(std::string_view line) {
+    const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(line);
+    return meant && meant->is_certain;
+}
+
+// "->" for every arrow.
+std::string WithoutArrows(std::string_view line) {
+    std::string text(line);
+    for (std::size_t arrow = text.find("-->"); arrow != std::string::npos;
+         arrow = text.find("-->")) {
+        text.erase(arrow, 1);
+    }
+    return text;
+}
+
+// An identifier with an arrow is taken for the timing line.
+void FixIdentifiers(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
+         block = NextBlock(lines, block.end)) {
+        const Line& line = lines[block.begin];
+        if (!line.timing && block.size() > 1 && lines[block.begin + 1].timing && !line.frozen &&
+            check::HasArrow(line.text) && shop.Wants("identifier-arrow")) {
+            const std::string text = WithoutArrows(line.text);
+            document.Record(line.number, "identifier-arrow", line.text, text);
+            document.Replace(block.begin, text, {});
+        }
+    }
+}
+
+// A timing line below the second line of a block gives no cue. A number above it goes with it.
+void FixLateTimes(const Workshop& shop) {
+    Document& document = shop.document;
+    const std::vector<Line>& lines = document.lines();
+    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
+         block = NextBlock(lines, block.end)) {
+        std::size_t timing = std::min(block.begin + 2, block.end);
+        while (timing < block.end && !lines[timing].timing) {
+            ++timing;
+        }
+        if (TimingOf(lines, block) < block.end || timing == block.end) {
+            continue;
+        }
+        const std::size_t begin = timing - (IsNumber(lines[timing - 1].text) ? 1 : 0);
+        if (!lines[begin].frozen && !lines[timing].frozen && shop.Wants("late-times")) {
+            document.Record(lines[timing].number, "late-times", "a blank line put above it");
+            document.InsertAbove(begin);
+        }
+    }
+    document.Commit();
+}
+
 // Timing lines that are shown as text, because no blank line stands above them. The line above one
-// goes with it when it is the next number behind the identifier of the cue before.
+// goes with it when it is the next number behind the identifier of the cue before. The same timing
+// line once more is not needed.
 void SplitCues(const Workshop& shop) {
     Document& document = shop.document;
     const std::vector<Line>& lines = document.lines();
@@ -89,16 +144,24 @@ void SplitCues(const Workshop& shop) {
             continue;
         }
         last = timing > block.begin ? NumberOf(lines[block.begin].text) : last + 1;
-        for (std::size_t index = timing + 2; index < block.end; ++index) {
+        for (std::size_t index = timing + 1; index < block.end; ++index) {
             if (!lines[index].timing) {
                 continue;
             }
             const bool has_number =
                 index > timing + 2 && last > 0 && NumberOf(lines[index - 1].text) == last + 1;
             const std::size_t begin = index - (has_number ? 1 : 0);
+            const bool is_twice = index == timing + 1;
+            if (lines[begin].frozen || lines[index].frozen || !shop.Wants("times-in-text") ||
+                (is_twice && lines[index].text != lines[timing].text)) {
+                continue;
+            }
             ++last;
             timing = index;
-            if (!lines[begin].frozen && !lines[index].frozen && shop.Wants("times-in-text")) {
+            if (is_twice) {
+                document.Record(lines[index].number, "times-in-text", lines[index].text, "");
+                document.Drop(index);
+            } else {
                 document.Record(lines[begin].number, "times-in-text", "a blank line put above it");
                 document.InsertAbove(begin);
             }
@@ -117,7 +180,7 @@ void JoinTexts(const Workshop& shop) {
         const bool no_text = TimingOf(lines, block) + 1 == block.end;
         const bool is_text = next.size() > 0 && !BlockBeginsAt(lines, next.begin) &&
                              TimingOf(lines, next) == next.end &&
-                             !console::BeginsWith(lines[next.begin].text, check::kMapName) &&
+                             !check::IsLikeMap(lines[next.begin].text) &&
                              !(next.size() == 1 && IsNumber(lines[next.begin].text));
         const bool free = std::none_of(lines.begin() + static_cast<std::ptrdiff_t>(block.begin),
                                        lines.begin() + static_cast<std::ptrdiff_t>(next.end),
@@ -157,16 +220,6 @@ void JoinIdentifiers(const Workshop& shop) {
     document.Commit();
 }
 
-// "->" for every arrow.
-std::string WithoutArrows(std::string_view line) {
-    std::string text(line);
-    for (std::size_t arrow = text.find("-->"); arrow != std::string::npos;
-         arrow = text.find("-->")) {
-        text.erase(arrow, 1);
-    }
-    return text;
-}
-
 // A tag that goes on in the next line, where a cue can't be cut.
 bool IsOpen(std::string_view line) {
     const std::size_t bracket = line.rfind('<');
@@ -175,26 +228,19 @@ bool IsOpen(std::string_view line) {
 
 }  // namespace
 
-bool IsComment(std::string_view line) {
-    return line.substr(0, 4) == "NOTE" && (line.size() == 4 || line[4] == ' ' || line[4] == '\t');
-}
-
-bool IsStyle(std::string_view line) {
-    const std::string_view word = line.substr(0, line.find_last_not_of(" \t") + 1);
-    return word == "STYLE" || word == "REGION";
-}
-
 bool IsNumber(std::string_view line) {
     return !line.empty() && line.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 bool IsEmptyToTheEye(const Line& line) {
-    return line.IsBlank() || LooksBlank(line.text);
+    return line.IsBlank() || check::LooksBlank(line.text);
 }
 
 void FixBlankLines(const Workshop& shop) {
     BlankLinesThatLookIt(shop);
     FixTimesInHeader(shop);
+    FixIdentifiers(shop);
+    FixLateTimes(shop);
     SplitCues(shop);
     JoinTexts(shop);
     JoinIdentifiers(shop);
@@ -215,11 +261,11 @@ void FixLongBlocks(const Workshop& shop) {
             !shop.Wants("eleventh-line")) {
             continue;
         }
-        const std::optional<TimingReading> reading = ReadTiming(lines[timing].text);
+        const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(lines[timing].text);
         Note note;
-        note.start = reading->start.milliseconds;
-        note.end = reading->end.milliseconds;
-        note.kept_settings = std::string(lines[timing].text.substr(reading->settings_begin));
+        note.start = meant->start.milliseconds;
+        note.end = meant->end.milliseconds;
+        note.kept_settings = std::string(lines[timing].text.substr(meant->settings_begin));
         for (std::size_t index = block.begin + kMostLines; index < block.end;
              index += kMostLines - 1) {
             document.Record(lines[index].number, "eleventh-line",
@@ -240,9 +286,9 @@ void FixComments(const Workshop& shop) {
          block = NextBlock(lines, block.end)) {
         const auto begin = lines.begin() + static_cast<std::ptrdiff_t>(block.begin);
         const auto end = lines.begin() + static_cast<std::ptrdiff_t>(block.end);
-        const bool is_plain = std::none_of(
-            begin, end, [](const Line& line) { return line.frozen || ReadTiming(line.text); });
-        if (!IsComment(begin->text) || !is_plain || !shop.Wants("comment-arrow")) {
+        if (!check::IsCommentLine(begin->text) || !shop.Wants("comment-arrow") ||
+            std::any_of(begin, end,
+                        [](const Line& line) { return line.frozen || HoldsTimes(line.text); })) {
             continue;
         }
         for (std::size_t index = block.begin; index < block.end; ++index) {

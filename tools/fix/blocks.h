@@ -8,10 +8,6 @@
 
 namespace quill::fix {
 
-// A block that begins with it is a comment.
-bool IsComment(std::string_view line);
-// One that begins with it is a style sheet or a region.
-bool IsStyle(std::string_view line);
 // Digits alone: what numbers a cue, and hardly anything else.
 bool IsNumber(std::string_view line);
 // Blank, or it only looks so.

@@ -1,5 +1,6 @@
 #include "tools/fix/document.h"
 
+#include <iterator>
 #include <utility>
 
 #include "tools/check/finding.h"
@@ -28,6 +29,10 @@ std::string Instead(std::string_view before, std::string_view after) {
 }
 
 }  // namespace
+
+std::string Edit::Words() const {
+    return words.empty() ? Instead(before, after) : words;
+}
 
 bool EndsHeader(std::string_view text) {
     return text.empty() || (text[0] != '\0' && text.substr(0, 2).size() == 2 && text[1] == '\0');
@@ -63,9 +68,39 @@ int Document::Keep(Note note) {
     return static_cast<int>(notes_.size()) - 1;
 }
 
+// What is stated of the times of a line still holds when its settings are rewritten.
 void Document::Replace(std::size_t index, std::string text, Note note) {
-    lines_[index].text = Keep(std::move(text));
-    lines_[index].note = Keep(std::move(note));
+    Line& line = lines_[index];
+    if (line.note >= 0) {
+        const Note& known = notes_[static_cast<std::size_t>(line.note)];
+        note.start = note.start ? note.start : known.start;
+        note.end = note.end ? note.end : known.end;
+    }
+    line.text = Keep(std::move(text));
+    line.note = Keep(std::move(note));
+}
+
+void Document::Plan(Line& line, Rewriting rewriting) {
+    line.plan = static_cast<int>(plans_.size());
+    plans_.push_back(std::move(rewriting));
+}
+
+void Document::Rewrite(std::size_t index) {
+    if (lines_[index].plan < 0) {
+        return;
+    }
+    Rewriting& plan = plans_[static_cast<std::size_t>(lines_[index].plan)];
+    edits_.insert(edits_.end(), std::make_move_iterator(plan.edits.begin()),
+                  std::make_move_iterator(plan.edits.end()));
+    Replace(index, std::move(plan.text), std::move(plan.note));
+    lines_[index].plan = -1;
+}
+
+void Document::Drop(std::size_t index) {
+    Note note;
+    note.spans = {{0, lines_[index].original.size(), "", ""}};
+    Replace(index, "", note);
+    Remove(index);
 }
 
 void Document::InsertAbove(std::size_t index, std::string text, Note note) {
@@ -104,8 +139,7 @@ void Document::Record(std::uint32_t line, const char* code, const std::string& w
 
 void Document::Record(std::uint32_t line, const char* code, std::string_view before,
                       std::string_view after) {
-    edits_.push_back({line, &check::CodeNamed(code), Instead(before, after), std::string(before),
-                      std::string(after)});
+    edits_.push_back({line, &check::CodeNamed(code), "", std::string(before), std::string(after)});
 }
 
 std::string Document::Text() const {

@@ -17,11 +17,21 @@ namespace quill::fix {
 
 // What a run changed, for the reader.
 struct Edit {
+    // Safe to print.
+    std::string Words() const;
+
     std::uint32_t line;  // of the track as it was read
     const check::Code* code;
-    std::string words;  // safe to print
+    std::string words;  // empty when the rest says it all
     std::string before;
     std::string after;
+};
+
+// A line as it will be, and what that takes.
+struct Rewriting {
+    std::string text;
+    Note note;
+    std::vector<Edit> edits;
 };
 
 // One byte as the module reads it: a line feed, or whatever stands before a zero byte.
@@ -36,6 +46,7 @@ struct Line {
     std::string_view end;       // line end: "\n", "\r\n", "\r", or "" on the last line
     std::uint32_t number;  // in the track as it was read; of an inserted line, that of the next
     int note = -1;         // index of what the fixes state about the line, -1 when it is as read
+    int plan = -1;         // index of what it may be rewritten to
     bool inserted = false;
     bool timing = false;  // reads as a timing line, outside of comments
     bool frozen = false;  // no fix may touch it
@@ -63,8 +74,13 @@ class Document {
 
     // Puts another text in the place of a line's, which comes to be as the note states.
     void Replace(std::size_t index, std::string text, Note note);
+    // Keeps a rewriting for later, when Rewrite makes it, if there is one.
+    void Plan(Line& line, Rewriting rewriting);
+    void Rewrite(std::size_t index);
     // The rest takes effect with Commit, so that indices stay as they are until then.
     void Remove(std::size_t index) { removed_.insert(index); }
+    // Removes a line of which nothing is to be shown.
+    void Drop(std::size_t index);
     void InsertAbove(std::size_t index, std::string text = "", Note note = {});
     void Commit();
 
@@ -88,6 +104,7 @@ class Document {
     std::vector<Line> gone_;
     std::vector<Edit> edits_;
     std::deque<Note> notes_;
+    std::deque<Rewriting> plans_;
     std::deque<std::string> texts_;
     std::set<std::size_t> removed_;
     std::vector<Insertion> insertions_;

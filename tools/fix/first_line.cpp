@@ -1,11 +1,15 @@
 // The first line: byte order marks, and the signature that a track begins with.
 #include <algorithm>
 #include <cctype>
+#include <optional>
 
+#include "tools/check/characters.h"
+#include "tools/check/loss_reason.h"
+#include "tools/check/meant_timing.h"
+#include "tools/console/escape.h"
 #include "tools/console/text.h"
-#include "tools/fix/characters.h"
+#include "tools/fix/blocks.h"
 #include "tools/fix/fixer.h"
-#include "tools/fix/timing_reading.h"
 
 namespace quill::fix {
 namespace {
@@ -13,36 +17,54 @@ namespace {
 constexpr std::string_view kSignature = "WEBVTT";
 
 bool IsSignature(std::string_view line) {
-    return line.substr(0, kSignature.size()) == kSignature &&
-           (line.size() == kSignature.size() || line[kSignature.size()] == ' ' ||
-            line[kSignature.size()] == '\t');
+    return check::IsSignature(line) && !console::BeginsWith(line, console::kByteOrderMark);
+}
+
+// Whether a line goes on behind what looks like one, in other line ends than those of tracks.
+bool GoesOn(std::string_view line) {
+    for (const std::string_view end : {"\\n", "\\r", "\v", "\u0085", "\u2028", "\u2029"}) {
+        if (line.find(end) != std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // The signature as it should have been written: in capitals, with a space behind it. Nothing when
 // the line is none.
 std::string Straightened(std::string_view line) {
     const std::string_view word = line.substr(0, kSignature.size());
-    const std::string_view rest = line.substr(word.size());
+    std::string_view rest = line.substr(word.size());
     const bool is_word = std::equal(
         word.begin(), word.end(), kSignature.begin(), kSignature.end(),
         [](char c, char wanted) { return std::toupper(static_cast<unsigned char>(c)) == wanted; });
-    if (!is_word || (!rest.empty() && std::isalnum(static_cast<unsigned char>(rest[0])) != 0)) {
+    if (!is_word || GoesOn(rest) ||
+        (!rest.empty() && std::isalnum(static_cast<unsigned char>(rest[0])) != 0)) {
         return "";
     }
-    const bool is_apart = rest.empty() || rest[0] == ' ' || rest[0] == '\t';
-    return std::string(kSignature) + (is_apart ? "" : " ") + std::string(rest);
+    if (rest.empty() || rest[0] == ' ' || rest[0] == '\t') {
+        return std::string(kSignature) + std::string(rest);
+    }
+    const std::size_t size = console::FirstCharacter(rest).size;
+    rest.remove_prefix(check::LooksBlank(rest.substr(0, size)) ? size : 0);
+    return std::string(kSignature) + (rest.empty() ? "" : " ") + std::string(rest);
+}
+
+bool IsTiming(std::string_view line) {
+    const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(line);
+    return meant && meant->is_certain;
 }
 
 // A timing line as the first or second line of the first block.
 bool BeginsWithCue(const std::vector<Line>& lines, std::size_t first) {
-    return ReadTiming(lines[first].text).has_value() ||
-           (first + 1 < lines.size() && ReadTiming(lines[first + 1].text).has_value());
+    return IsTiming(lines[first].text) ||
+           (first + 1 < lines.size() && IsTiming(lines[first + 1].text));
 }
 
 // Lines above a signature that hold nothing to be seen.
 std::size_t SkipBlankLines(const std::vector<Line>& lines) {
     std::size_t first = 0;
-    while (first < lines.size() && LooksBlank(lines[first].text)) {
+    while (first < lines.size() && IsEmptyToTheEye(lines[first])) {
         ++first;
     }
     return first;
@@ -52,7 +74,7 @@ std::size_t SkipBlankLines(const std::vector<Line>& lines) {
 void StraightenSignature(const Workshop& shop, std::size_t first) {
     Document& document = shop.document;
     const Line& line = document.lines()[first];
-    const Looks looks(line.text);
+    const check::PlainText looks(line.text);
     const std::size_t begin =
         looks.Begin(std::min(looks.text().find_first_not_of(' '), looks.text().size()));
     const std::string straight = Straightened(line.text.substr(begin));
@@ -65,6 +87,27 @@ void StraightenSignature(const Workshop& shop, std::size_t first) {
         document.Remove(index);
     }
     document.Replace(first, straight, {});
+    document.Commit();
+}
+
+// A whole timing line behind the signature, whose text stands below.
+void FixTimesOnFirstLine(const Workshop& shop) {
+    Document& document = shop.document;
+    const Line& line = document.lines()[0];
+    const std::string_view rest = line.text.substr(kSignature.size());
+    const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(rest);
+    if (!meant || !meant->is_certain || document.lines().size() < 2 ||
+        IsEmptyToTheEye(document.lines()[1]) || !shop.Wants("times-on-first-line")) {
+        return;
+    }
+    Note note;
+    note.start = meant->start.milliseconds;
+    note.end = meant->end.milliseconds;
+    note.kept_settings = std::string(rest.substr(meant->settings_begin));
+    document.Record(1, "times-on-first-line", "a blank line put above the timing line");
+    document.Replace(0, std::string(kSignature), {});
+    document.InsertAbove(1);
+    document.InsertAbove(1, meant->text, note);
     document.Commit();
 }
 
@@ -106,7 +149,11 @@ bool FixFirstLine(const Workshop& shop) {
         }
         document.Commit();
     }
-    return IsSignature(lines[0].text);
+    if (!IsSignature(lines[0].text)) {
+        return false;
+    }
+    FixTimesOnFirstLine(shop);
+    return true;
 }
 
 }  // namespace quill::fix

@@ -43,30 +43,6 @@ Exit codes:
 // How many of one code are said one by one.
 constexpr std::uint32_t kMostOfACode = 3;
 
-[[noreturn]] void RejectCode(const std::string& option, const std::string& code) {
-    console::RejectArgument(option +
-                            " takes codes or the beginnings of codes, such as Q102,Q4, not \"" +
-                            code + "\" (quill check --codes lists them)");
-}
-
-// Beginnings of codes, such as "Q408,Q3".
-void TakeCodes(const std::string& option, const std::string& text,
-               std::vector<std::string>& beginnings) {
-    for (std::size_t begin = 0; begin <= text.size();) {
-        const std::size_t end = std::min(text.find(',', begin), text.size());
-        const std::string one = text.substr(begin, end - begin);
-        const bool known = std::any_of(
-            check::Codes(), check::Codes() + check::CodeCount(), [&one](const check::Code& code) {
-                return std::string(code.number).compare(0, one.size(), one) == 0;
-            });
-        if (one.empty() || !known) {
-            RejectCode(option, one);
-        }
-        beginnings.push_back(one);
-        begin = end + 1;
-    }
-}
-
 // Prints what is alike three times, and then how often it comes.
 class FoldedLines {
   public:
@@ -118,11 +94,11 @@ FixCommand::FixCommand(CLI::App& app)
     line.AddFlag("--dry-run", dry_run_, "Say what would be fixed, and write nothing");
     line.AddRepeatedOption(
         "--only", "CODES",
-        [this](const std::string& text) { TakeCodes("--only", text, selection_.only); },
+        [this](const std::string& text) { check::AddPrefixes("--only", text, filter_.selected); },
         "Fix these codes only: Q408,Q3 is Q408 and all that\nbegin with Q3");
     line.AddRepeatedOption(
         "--skip", "CODES",
-        [this](const std::string& text) { TakeCodes("--skip", text, selection_.skip); },
+        [this](const std::string& text) { check::AddPrefixes("--skip", text, filter_.ignored); },
         "Leave these as they are");
     line.AddOption("--from", "ENCODING", encoding_,
                    "What the track is written in, such as ISO-8859-1 or\n"
@@ -165,7 +141,7 @@ console::ExitCode FixCommand::FixTracks(console::Output& output) {
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
     host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kCollect);
     const host::ModuleHandle module(path);
-    TrackFixer fixer(module, capture, selection_);
+    TrackFixer fixer(module, capture, filter_);
     console::ExitCode code = console::kExitDone;
     console::TrackList tracks(tracks_);
     for (;;) {
@@ -186,7 +162,7 @@ console::ExitCode FixCommand::FixTracks(console::Output& output) {
 
 console::ExitCode FixCommand::Fix(const std::string& track, TrackFixer& fixer,
                                   console::Output& output) const {
-    const Source source = ReadSource(track, encoding_, selection_);
+    const Source source = ReadSource(track, encoding_, filter_);
     const FixedTrack fixed = fixer.Run(source.text);
     if (fixed.problem) {
         throw console::Failure(console::kExitTrack, source.name +
@@ -234,7 +210,7 @@ std::string FixCommand::Describe(const Source& source, const FixedTrack& fixed) 
     const auto add_edits = [&](const std::vector<Edit>& edits) {
         for (const Edit& edit : edits) {
             lines.Add(std::string("fixed: [") + edit.code->number + "]",
-                      source.name + ":" + std::to_string(edit.line) + ": fixed: " + edit.words +
+                      source.name + ":" + std::to_string(edit.line) + ": fixed: " + edit.Words() +
                           " [" + edit.code->number + "]");
         }
     };

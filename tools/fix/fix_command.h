@@ -35,7 +35,7 @@ class FixCommand : public console::Command {
     bool dry_run_ = false;
     bool all_ = false;
     bool quiet_ = false;
-    Selection selection_;
+    check::CodeFilter filter_;
     std::string encoding_;
     std::string module_;
 };

@@ -2,30 +2,19 @@
 #ifndef TOOLS_FIX_FIXER_H_
 #define TOOLS_FIX_FIXER_H_
 
-#include <set>
-#include <string>
-#include <vector>
-
+#include "tools/check/code_filter.h"
 #include "tools/fix/document.h"
 #include "tools/fix/oracle.h"
 
 namespace quill::fix {
 
-// Which codes are fixed: those named by number or the beginning of one, in both cases.
-struct Selection {
-    std::vector<std::string> only;  // all of them when empty
-    std::vector<std::string> skip;
-
-    bool Wants(const char* code) const;
-};
-
 // What every fix is given.
 struct Workshop {
     Document& document;
     Oracle& oracle;
-    const Selection& selection;
+    const check::CodeFilter& filter;  // lets through what is to be fixed
 
-    bool Wants(const char* code) const { return selection.Wants(code); }
+    bool Wants(const char* code) const { return filter.Lets(check::CodeNamed(code)); }
 };
 
 // Makes every fix that is wanted. A second run on the outcome finds nothing to do.

@@ -1,117 +1,94 @@
 // The header line that maps the track's times to those of a transport stream.
 #include <algorithm>
-#include <cctype>
-#include <optional>
+#include <cstdint>
 #include <string>
 
 #include "tools/check/meant_map.h"
-#include "tools/console/text.h"
-#include "tools/fix/characters.h"
 #include "tools/fix/fixer.h"
-#include "tools/fix/timing_reading.h"
 
 namespace quill::fix {
 namespace {
 
-constexpr std::string_view kName = "X-TIMESTAMP-MAP";
-
-// In capitals, without anything that is not seen. Spaces and "=" for ":" are what writers add.
-std::string Squeezed(std::string_view line) {
-    const Looks looks(line);
-    std::string text;
-    for (const char c : looks.text()) {
-        if (c != ' ') {
-            text += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        }
-    }
-    return text;
-}
-
-// Both items of a map, in the order in which they stand there.
+// A map, and where its line stands.
 struct Map {
-    std::optional<std::uint32_t> ticks;
-    std::optional<WrittenTime> local;
-    std::string items;
+    std::size_t index;
+    check::MeantMap meant;
 };
 
-bool TakeItem(const std::string& item, Map& map) {
-    const std::size_t colon = item.find_first_of(":=");
-    const std::string name = item.substr(0, colon);
-    const std::string value = colon == std::string::npos ? "" : item.substr(colon + 1);
-    constexpr std::size_t kMostDigits = 10;
-    if (name == "MPEGTS" && !map.ticks && !value.empty() && value.size() <= kMostDigits &&
-        value.find_first_not_of("0123456789") == std::string::npos) {
-        const unsigned long long ticks = std::stoull(value);
-        // The last number of 32 bits stands for none.
-        if (ticks < UINT32_MAX) {
-            map.ticks = static_cast<std::uint32_t>(ticks);
-        }
-        map.items += "MPEGTS:" + value;
-        return map.ticks.has_value();
+// One that is like a map, in the header or alone in the first block behind it.
+std::vector<Map> FindMaps(const Document& document) {
+    const std::vector<Line>& lines = document.lines();
+    std::vector<Map> maps;
+    const std::size_t on_first = check::FindMap(lines[0].text);
+    if (on_first != std::string_view::npos) {
+        maps.push_back({0, check::ReadMeantMap(lines[0].text.substr(on_first))});
     }
-    if (name == "LOCAL" && !map.local) {
-        map.local = ReadTime(value);
-        if (map.local) {
-            map.items += "LOCAL:" + (IsUsualTime(value) ? value : map.local->Canonical());
+    const auto add = [&](std::size_t index) {
+        if (check::IsLikeMap(lines[index].text)) {
+            maps.push_back({index, check::ReadMeantMap(lines[index].text)});
         }
-        return map.local.has_value();
+    };
+    const std::size_t end = document.HeaderEnd();
+    for (std::size_t index = 1; index < end; ++index) {
+        add(index);
     }
-    return false;
+    const Range block = NextBlock(lines, end);
+    if (block.size() == 1) {
+        add(block.begin);
+    }
+    return maps;
 }
 
-std::optional<Map> ReadMap(std::string_view squeezed) {
-    squeezed.remove_prefix(kName.size());
-    squeezed.remove_prefix(squeezed.substr(0, 1).find_first_of("=:") == 0 ? 1 : 0);
-    const std::size_t comma = std::min(squeezed.find(','), squeezed.size());
-    Map map;
-    if (!TakeItem(std::string(squeezed.substr(0, comma)), map)) {
-        return std::nullopt;
+// What the module reads as it is meant.
+std::string TextOf(const check::MeantMap& meant) {
+    // The last number of 32 bits stands for none, and is less than a second from the one before.
+    return meant.mpeg_time == UINT32_MAX ? check::MapWithTicks(meant, UINT32_MAX - 1) : meant.text;
+}
+
+// Puts the map below the first line, in the place of the line that it stands on.
+void Move(const Workshop& shop, const Map& map) {
+    Document& document = shop.document;
+    const std::string_view line = document.lines()[map.index].text;
+    const char* const code = map.index == 0 ? "map-on-first-line" : "late-map";
+    if (document.lines().size() < 2 || !shop.Wants(code)) {
+        return;
     }
-    map.items += ',';
-    if (comma == squeezed.size() || !TakeItem(std::string(squeezed.substr(comma + 1)), map)) {
-        return std::nullopt;
+    document.Record(document.lines()[map.index].number, code, "put below the first line");
+    if (map.index == 0) {
+        const std::string_view rest = line.substr(0, check::FindMap(line));
+        document.Replace(0, std::string(rest.substr(0, rest.find_last_not_of(" \t") + 1)), {});
+    } else {
+        document.Drop(map.index);
+        document.Remove(map.index + 1);  // the blank line that ends the block, if there is one
     }
-    return map;
+    document.InsertAbove(1, TextOf(map.meant));
+    document.StateOffset(map.meant.shift);
+    document.Commit();
 }
 
 }  // namespace
 
-// With a second map in the header it would have to be known which is meant.
+// With a second map it would have to be known which is meant.
 void FixMap(const Workshop& shop) {
     Document& document = shop.document;
-    const std::vector<Line>& lines = document.lines();
-    const std::size_t end = document.HeaderEnd();
-    std::size_t found = end;
-    for (std::size_t index = 1; index < end; ++index) {
-        if (console::BeginsWith(Squeezed(lines[index].text), check::kMapName)) {
-            if (found < end) {
-                return;
-            }
-            found = index;
-        }
-    }
-    if (found == end || lines[found].frozen) {
+    const std::vector<Map> maps = FindMaps(document);
+    if (maps.size() != 1 || document.lines()[maps[0].index].frozen || !maps[0].meant.is_certain ||
+        maps[0].meant.mpeg_time > UINT32_MAX) {
         return;
     }
-    const std::string_view line = lines[found].text;
-    const bool has_name = line.substr(0, kName.size()) == kName;
-    const char* const code = has_name ? "map-value" : "map-name";
-    if (!shop.Wants(code)) {
+    const Map& map = maps[0];
+    if (map.index == 0 || map.index > document.HeaderEnd()) {
+        Move(shop, map);
         return;
     }
-    if (shop.oracle.ReadsMap(line)) {
-        return;
+    const Line& line = document.lines()[map.index];
+    const std::string text = TextOf(map.meant);
+    const check::Code* const code = shop.oracle.FaultOfMap(line.text);
+    if (code != nullptr && shop.filter.Lets(*code)) {
+        document.Record(line.number, code->name, line.text, text);
+        document.StateOffset(map.meant.shift);
+        document.Replace(map.index, text, {});
     }
-    const std::optional<Map> map = ReadMap(Squeezed(line));
-    if (!map) {
-        return;
-    }
-    const std::string text = std::string(kName) + "=" + map->items;
-    document.Record(lines[found].number, code, line, text);
-    const std::uint32_t seconds = *map->ticks / 90000;  // whole ones, as the module counts them
-    document.StateOffset(static_cast<double>(seconds) -
-                         static_cast<double>(map->local->milliseconds) / 1000);
-    document.Replace(found, text, {});
 }
 
 }  // namespace quill::fix

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "quillcaption/quillcaption.h"
-#include "tools/fix/characters.h"
-#include "tools/fix/timing_reading.h"
+#include "tools/check/characters.h"
+#include "tools/check/meant_timing.h"
 
 namespace quill::fix {
 namespace {
@@ -21,21 +21,23 @@ bool HasTime(double delivered, const std::optional<std::int64_t>& stated, std::s
     return now == before && expected && std::abs(*expected - delivered) < kRounding;
 }
 
-std::string_view Written(std::string_view line, const WrittenTime& time) {
-    return line.substr(time.begin, time.end - time.begin);
+// Nothing when no times are read on the line.
+std::optional<check::MeantTiming> ReadTiming(std::string_view line) {
+    std::optional<check::MeantTiming> meant = check::ReadMeantTiming(line);
+    return meant && !meant->text.empty() ? meant : std::nullopt;
 }
 
 bool HasTimes(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
-    const std::optional<TimingReading> now = ReadTiming(line.text);
-    const std::optional<TimingReading> read = ReadTiming(line.original);
+    const std::optional<check::MeantTiming> now = ReadTiming(line.text);
+    const std::optional<check::MeantTiming> read = ReadTiming(line.original);
     if (!now || (!read && !(note.start && note.end))) {
         return false;
     }
-    const TimingReading before = read.value_or(*now);
+    const check::MeantTiming& before = read ? *read : *now;
     const std::string_view original = read ? line.original : line.text;
-    return HasTime(cue.start, note.start, Written(line.text, now->start),
-                   Written(original, before.start), oracle) &&
-           HasTime(cue.end, note.end, Written(line.text, now->end), Written(original, before.end),
+    return HasTime(cue.start, note.start, now->start_place.In(line.text),
+                   before.start_place.In(original), oracle) &&
+           HasTime(cue.end, note.end, now->end_place.In(line.text), before.end_place.In(original),
                    oracle);
 }
 
@@ -74,7 +76,7 @@ void Apply(check::CueCopy& cue, const Effect& effect) {
 
 // What the settings that were kept come to, with the stated effects of the others.
 bool HasSettings(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
-    const std::optional<TimingReading> reading = ReadTiming(line.original);
+    const std::optional<check::MeantTiming> reading = ReadTiming(line.original);
     const std::string written =
         reading ? std::string(line.original.substr(reading->settings_begin)) : "";
     const std::string kept = note.kept_settings.value_or(written);
@@ -158,7 +160,7 @@ bool HasText(const Document& outcome, std::size_t begin, std::size_t end, const 
 }  // namespace
 
 bool MayGo(const Document& outcome, const Line& gone) {
-    if (LooksBlank(gone.original)) {
+    if (gone.original.empty() || check::LooksBlank(gone.original)) {
         return true;
     }
     if (gone.note < 0) {

@@ -1,17 +1,24 @@
 #include "tools/fix/oracle.h"
 
-#include "tools/check/module_words.h"
+#include "tools/check/finding.h"
+#include "tools/check/header_check.h"
+#include "tools/check/sums.h"
+#include "tools/check/track_text.h"
 
 namespace quill::fix {
 
 Oracle::Oracle(const host::ModuleHandle& module, host::DiagnosticsCapture& capture)
     : module_(module), capture_(capture), parser_(module, capture, "WEBVTT\n\n") {}
 
-bool Oracle::ReadsMap(std::string_view line) {
-    check::LoneParser parser(module_, capture_, "WEBVTT\n");
-    const check::Verdict& verdict = parser.Ask(std::string(line) + "\n");
-    return line.substr(0, 15) == "X-TIMESTAMP-MAP" && verdict.fate == check::Fate::kInHeader &&
-           !check::Says(verdict.printed, check::words::kMap);
+const check::Code* Oracle::FaultOfMap(std::string_view line) {
+    const std::string first = "WEBVTT\n";
+    const std::string track = first + std::string(line) + "\n\n";
+    const check::ChunkPlan plan(track, std::nullopt);
+    check::HeaderCheck header(module_, capture_, track, plan);
+    check::Findings findings;
+    check::Sums sums;
+    header.Run(first.size(), findings, sums);
+    return findings.empty() ? nullptr : findings[0].code;
 }
 
 const check::Verdict& Oracle::Block(std::string_view block, bool is_open) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "tools/check/codes.h"
 #include "tools/check/lone_parser.h"
 
 namespace quill::fix {
@@ -22,8 +23,8 @@ class Oracle {
     std::optional<check::CueCopy> Settings(const std::string& settings);
     // What a player shows of lines of text; nothing when it gets no cue.
     std::optional<std::string> Shown(const std::string& lines);
-    // Whether it shifts the times by what the header line says.
-    bool ReadsMap(std::string_view line);
+    // What quill check finds about a map in the header; nullptr when it does what it says.
+    const check::Code* FaultOfMap(std::string_view line);
     // The cue that a block makes alone; an open one is ended by what a player feeds behind a track.
     // Valid until the next question.
     const check::Verdict& Block(std::string_view block, bool is_open = false);

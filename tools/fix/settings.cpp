@@ -5,7 +5,7 @@
 #include <optional>
 #include <set>
 
-#include "tools/fix/characters.h"
+#include "tools/check/characters.h"
 
 namespace quill::fix {
 namespace {
@@ -35,13 +35,13 @@ struct Item {
 };
 
 std::vector<Item> SplitSettings(std::string_view settings) {
-    const Looks looks(settings);
+    const check::PlainText looks(settings);
     const std::string& text = looks.text();
     std::vector<Item> items;
     std::size_t reached = 0;
     for (std::size_t at = text.find_first_not_of(' '); at < text.size();) {
         const std::size_t end = std::min(text.find(' ', at), text.size());
-        const std::size_t item_end = looks.End(end - 1);
+        const std::size_t item_end = looks.End(end);
         const std::string_view item = settings.substr(looks.Begin(at), item_end - looks.Begin(at));
         items.push_back({std::string(settings.substr(reached, looks.Begin(at) - reached)),
                          std::string(item), std::string(item)});
@@ -251,7 +251,7 @@ SettingsFix AsItWas(std::string_view settings) {
 
 }  // namespace
 
-SettingsFix FixSettings(std::string_view settings, const Selection& selection) {
+SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filter) {
     SettingsFix fix;
     std::vector<Item> items = SplitSettings(settings);
     JoinPieces(items);
@@ -276,7 +276,7 @@ SettingsFix FixSettings(std::string_view settings, const Selection& selection) {
             item.code = "no-setting";
         }
         const bool changes = item.dropped || item.text != item.written || item.glued || item.glues;
-        if (!changes || !selection.Wants(item.code)) {
+        if (!changes || !filter.Lets(check::CodeNamed(item.code))) {
             fix.text += (glued_before ? " " : as_written.before) + as_written.written;
             glued_before = false;
             fix.kept += as_written.written + " ";

@@ -26,7 +26,7 @@ struct SettingsFix {
 
 // Makes the changes that are wanted, to a list without spaces before it. Leaves the list alone when
 // one setting stands in it twice, as it would have to be known which is meant.
-SettingsFix FixSettings(std::string_view settings, const Selection& selection);
+SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filter);
 
 }  // namespace quill::fix
 

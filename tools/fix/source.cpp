@@ -15,7 +15,7 @@ constexpr std::size_t kLargestTrack = 64u << 20;
 }  // namespace
 
 Source ReadSource(const std::string& name, const std::string& encoding,
-                  const Selection& selection) {
+                  const check::CodeFilter& filter) {
     host::TrackReader reader(name, std::nullopt);
     Source source{reader.name(), reader.ReadAll(kLargestTrack, [] {}), "", {}};
     source.bytes.resize(static_cast<std::size_t>(reader.offset()));  // less a line end put to it
@@ -23,12 +23,12 @@ Source ReadSource(const std::string& name, const std::string& encoding,
     const auto note = [&source](const char* code, const std::string& words) {
         source.edits.push_back({1, &check::CodeNamed(code), words, "", ""});
     };
-    if (IsGzip(source.text) && selection.Wants("compressed")) {
+    if (IsGzip(source.text) && filter.Lets(check::CodeNamed("compressed"))) {
         source.text = Unpack(source.text, kLargestTrack, source.name);
         note("compressed", "unpacked");
     }
     const char* const utf16 = encoding.empty() ? FindUtf16(source.text) : nullptr;
-    if (utf16 != nullptr && selection.Wants("utf-16")) {
+    if (utf16 != nullptr && filter.Lets(check::CodeNamed("utf-16"))) {
         source.text = ToUtf8(source.text, utf16, source.name);
         note("utf-16", std::string("converted from ") + utf16);
     } else if (!encoding.empty()) {

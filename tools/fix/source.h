@@ -18,7 +18,8 @@ struct Source {
 
 // Reads it to its end. `encoding` is what it is written in, empty for UTF-8; UTF-16 and gzip are
 // seen without being told. Throws Failure when it cannot be read, or is not in that encoding.
-Source ReadSource(const std::string& name, const std::string& encoding, const Selection& selection);
+Source ReadSource(const std::string& name, const std::string& encoding,
+                  const check::CodeFilter& filter);
 
 }  // namespace quill::fix
 

@@ -8,16 +8,11 @@
 #include <vector>
 
 #include "tools/check/references.h"
-#include "tools/fix/characters.h"
+#include "tools/check/tag_reason.h"
 #include "tools/fix/fixer.h"
 
 namespace quill::fix {
 namespace {
-
-// The character as it may stand in a text.
-std::string Escaped(const std::string& character) {
-    return character == "&" ? "&amp;" : character == "<" ? "&lt;" : character;
-}
 
 constexpr std::string_view kTagEnds = " \t\f\n.>";
 
@@ -25,18 +20,18 @@ bool IsAlphanumeric(char c) {
     return std::isalnum(static_cast<unsigned char>(c)) != 0 && static_cast<unsigned char>(c) < 0x80;
 }
 
-std::string Lower(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) {
-        return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    });
-    return lower;
-}
-
 bool IsKnownTag(std::string_view name) {
     static constexpr std::array<std::string_view, 8> kTags = {"c",    "i",  "b", "u",
                                                               "ruby", "rt", "v", "lang"};
     return std::find(kTags.begin(), kTags.end(), name) != kTags.end();
+}
+
+// Tags of pages and of other formats, which nobody means to show.
+bool IsForeignTag(std::string_view name) {
+    static constexpr std::array<std::string_view, 22> kNames = {
+        "a",   "big", "blink", "br", "br/",   "center", "code",   "del",    "div", "em",  "font",
+        "img", "ins", "p",     "s",  "small", "span",   "strike", "strong", "sub", "sup", "tt"};
+    return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
 // A change to the text behind some place: bytes, what they become, what a player shows for them.
@@ -117,21 +112,40 @@ class Payload {
         const std::string character = check::CharacterOf(name);
         if (complete && (character.empty() ? rest[1] != '#' : check::IsOwn(name))) {
             done = end + 1;
-            return std::nullopt;
+            return name == "amp" ? Twice(rest) : std::nullopt;
         }
         if (complete && !character.empty()) {
             const char* const code = rest[1] == '#' ? "bare-ampersand" : "unknown-reference";
-            return Change{end + 1, Escaped(character), character, code};
+            return Change{end + 1, check::InText(character), character, code};
         }
         // Before another sign the module keeps what it has read.
         if (rest[1] != '#' && end < rest.size() && (rest[end] == '&' || rest[end] == '<')) {
             done = end;
             return std::nullopt;
         }
-        if (check::IsOwn(name)) {
-            return Change{end, std::string(rest.substr(0, end)) + ";", character, "bare-ampersand"};
+        if (!character.empty() && !complete) {
+            return Change{end, check::InText(character), character, "bare-ampersand"};
         }
         return Change{1, "&amp;", "&", "bare-ampersand"};
+    }
+
+    // A reference that was written as a text once more, or more often. Only a bracket may be shown
+    // as a reference on purpose.
+    static std::optional<Change> Twice(std::string_view rest) {
+        constexpr std::string_view kOnceMore = "amp;";
+        std::size_t begin = 1 + kOnceMore.size();
+        while (rest.substr(begin, kOnceMore.size()) == kOnceMore) {
+            begin += kOnceMore.size();
+        }
+        const std::size_t end = std::min(rest.find(';', begin), rest.size());
+        const std::string character = check::CharacterOf(rest.substr(begin, end - begin));
+        if (end < rest.size() && !character.empty() && character != "<" && character != ">") {
+            return Change{end + 1, check::InText(character), character, "escaped-twice"};
+        }
+        if (begin == 1 + kOnceMore.size()) {
+            return std::nullopt;
+        }
+        return Change{begin, "&amp;", "&", "escaped-twice"};
     }
 
     static std::optional<Change> Tag(std::string_view rest, std::size_t& done) {
@@ -159,7 +173,9 @@ class Payload {
         if (inner.find('\n') != std::string_view::npos) {
             return std::nullopt;
         }
-        return name[0] == '/' ? EndTag(inner) : is_known ? std::nullopt : StartTag(inner, name);
+        return name[0] == '/' ? EndTag(inner)
+               : is_known     ? std::nullopt
+                              : StartTag(inner, name, rest.substr(close));
     }
 
     static std::optional<Change> Bracket(std::string_view name) {
@@ -170,21 +186,29 @@ class Payload {
         if (IsKnownTag(inner.substr(1))) {
             return std::nullopt;
         }
-        std::string name = Lower(inner.substr(1));
+        std::string name = check::TagOfTrack(std::string(inner.substr(1)));
         name.erase(std::min(name.find_last_not_of(" \t") + 1, name.size()));
         return Change{inner.size() + 2, IsKnownTag(name) ? "</" + name + ">" : "", "",
                       "unknown-end-tag"};
     }
 
-    // Its text stays. A line break comes to be a space.
-    static std::optional<Change> StartTag(std::string_view inner, std::string_view name) {
-        const std::string lower = Lower(name);
-        if (IsKnownTag(lower)) {
+    // The text of a tag stays, and of what may be no tag at all the name, too. A line break comes
+    // to be a space.
+    static std::optional<Change> StartTag(std::string_view inner, std::string_view name,
+                                          std::string_view behind) {
+        const std::string known = check::TagOfTrack(std::string(name));
+        if (IsKnownTag(known)) {
             return Change{inner.size() + 2,
-                          "<" + lower + std::string(inner.substr(name.size())) + ">", "",
+                          "<" + known + std::string(inner.substr(name.size())) + ">", "",
                           "unknown-tag"};
         }
-        const char* const space = lower == "br" || lower == "br/" ? " " : "";
+        const std::string end = "</" + std::string(name) + ">";
+        if (!IsForeignTag(known) && inner.back() != '/' &&
+            inner.find('=') == std::string_view::npos &&
+            behind.find(end) == std::string_view::npos) {
+            return Change{1, "&lt;", "<", "unknown-tag"};
+        }
+        const char* const space = known == "br" || known == "br/" ? " " : "";
         return Change{inner.size() + 2, space, space, "unknown-tag"};
     }
 

@@ -1,11 +1,15 @@
 // Timing lines: their times, the arrow, and the spaces between.
 #include <algorithm>
 #include <string>
+#include <utility>
 
+#include "tools/check/characters.h"
+#include "tools/check/meant_timing.h"
+#include "tools/check/surroundings.h"
+#include "tools/console/escape.h"
 #include "tools/fix/blocks.h"
 #include "tools/fix/fixer.h"
 #include "tools/fix/settings.h"
-#include "tools/fix/timing_reading.h"
 
 namespace quill::fix {
 namespace {
@@ -14,40 +18,30 @@ bool IsSpaces(std::string_view text) {
     return text.find_first_not_of(' ') == std::string_view::npos;
 }
 
-// The usual times, and no settings.
-bool IsInOrder(std::string_view line, const TimingReading& reading) {
-    return reading.end.end == line.size() && reading.start.begin == 0 &&
-           line.substr(reading.start.end, reading.end.begin - reading.start.end) == " --> " &&
-           IsUsualTime(line.substr(0, reading.start.end)) &&
-           IsUsualTime(line.substr(reading.end.begin));
-}
-
 // A timing line that is written anew piece by piece. Pieces that are in order stay as they are.
-class Rewriting {
+class Rewriter {
   public:
-    Rewriting(const Workshop& shop, const Line& line, const TimingReading& reading)
-        : shop_(shop), line_(line), reading_(reading) {}
+    Rewriter(const Workshop& shop, const Line& line, const check::MeantTiming& meant)
+        : shop_(shop), line_(line), meant_(meant) {}
 
     // False when something would have to change that is not wanted.
     bool Run() {
-        AddSpaces(0, reading_.start.begin, "");
-        AddTime(reading_.start, "start-time", "start-time-comma", note_.start);
-        AddSpaces(reading_.start.end, reading_.arrow_begin, " ");
-        AddArrow();
-        AddSpaces(reading_.arrow_end, reading_.end.begin, " ");
-        AddTime(reading_.end, "end-time", "end-time-comma", note_.end);
-        AddSettings();
-        return fine_;
-    }
-
-    const std::string& text() const { return text_; }
-
-    void Apply(std::size_t index) {
-        for (const Edit& edit : edits_) {
-            shop_.document.Record(edit.line, edit.code->name, edit.before, edit.after);
+        const bool has_arrow = meant_.arrow_place.In(line_.text) == check::kArrow;
+        AddSpaces(0, meant_.start_place.begin, "");
+        AddTime(meant_.start_place, meant_.start, "start-time", "start-time-comma",
+                made_.note.start);
+        AddSpaces(meant_.start_place.end, meant_.arrow_place.begin, " ", !has_arrow);
+        if (!has_arrow) {
+            Record("wrong-arrow", meant_.arrow, check::kArrow);
         }
-        shop_.document.Replace(index, text_, note_);
+        made_.text += check::kArrow;
+        AddSpaces(meant_.arrow_place.end, meant_.end_place.begin, " ", !has_arrow);
+        AddTime(meant_.end_place, meant_.end, "end-time", "end-time-comma", made_.note.end);
+        AddSettings();
+        return is_wanted_;
     }
+
+    Rewriting& made() { return made_; }
 
   private:
     std::string_view Piece(std::size_t begin, std::size_t end) const {
@@ -55,84 +49,97 @@ class Rewriting {
     }
 
     void Record(const char* code, std::string_view before, std::string_view after) {
-        edits_.push_back(
+        made_.edits.push_back(
             {line_.number, &check::CodeNamed(code), "", std::string(before), std::string(after)});
-        fine_ = fine_ && shop_.Wants(code);
+        is_wanted_ = is_wanted_ && shop_.Wants(code);
     }
 
-    void AddSpaces(std::size_t begin, std::size_t end, std::string_view instead) {
+    // Spaces stay as they are; other blanks, and none where one is needed, become one.
+    void AddSpaces(std::size_t begin, std::size_t end, std::string_view instead,
+                   bool is_needed = false) {
         const std::string_view spaces = Piece(begin, end);
         if (IsSpaces(spaces)) {
-            text_ += spaces;
+            made_.text += spaces.empty() && is_needed ? instead : spaces;
         } else {
-            text_ += instead;
-            Record(end <= reading_.arrow_begin ? "start-time" : "end-time", spaces, instead);
+            made_.text += instead;
+            Record(end <= meant_.arrow_place.begin ? "start-time" : "end-time", spaces, instead);
         }
     }
 
-    void AddTime(const WrittenTime& time, const char* code, const char* comma_code,
-                 std::optional<std::int64_t>& stated) {
-        const std::string_view written = Piece(time.begin, time.end);
-        if (IsUsualTime(written) || shop_.oracle.Time(written)) {
-            text_ += written;
-            return;
+    void AddTime(const check::Place& place, const check::MeantTime& time, const char* code,
+                 const char* comma_code, std::optional<std::int64_t>& stated) {
+        const std::string_view written = place.In(line_.text);
+        if (written != time.text) {
+            Record(time.has_comma ? comma_code : code, written, time.text);
+            stated = time.milliseconds;
         }
-        const std::string canonical = time.Canonical();
-        Record(time.has_comma ? comma_code : code, written, canonical);
-        stated = time.milliseconds;
-        text_ += canonical;
-    }
-
-    void AddArrow() {
-        const std::string_view arrow = Piece(reading_.arrow_begin, reading_.arrow_end);
-        if (arrow != "-->") {
-            Record("wrong-arrow", arrow, "-->");
-        }
-        text_ += "-->";
+        made_.text += time.text;
     }
 
     // Without settings spaces may stand behind the end time, and nothing else.
     void AddSettings() {
-        const std::size_t begin = reading_.settings_begin;
+        const std::size_t begin = meant_.settings_begin;
         const bool has_settings = begin < line_.text.size();
-        const std::string_view spaces = Piece(reading_.end.end, begin);
+        const std::string_view spaces = Piece(meant_.end_place.end, begin);
         if (!IsSpaces(spaces) || (spaces.empty() && has_settings)) {
             Record("end-time", spaces, has_settings ? " " : "");
-            text_ += has_settings ? " " : "";
+            made_.text += has_settings ? " " : "";
         } else {
-            text_ += spaces;
+            made_.text += spaces;
         }
-        SettingsFix settings = FixSettings(line_.text.substr(begin), shop_.selection);
+        if (!has_settings) {
+            return;
+        }
+        SettingsFix settings = FixSettings(line_.text.substr(begin), shop_.filter);
         for (const SettingsFix::Change& change : settings.changes) {
             Record(change.code, change.before, change.after);
         }
         if (!settings.changes.empty()) {
-            note_.kept_settings = settings.kept;
-            note_.effects = std::move(settings.effects);
+            made_.note.kept_settings = settings.kept;
+            made_.note.effects = std::move(settings.effects);
         }
-        text_ += settings.text;
-        if (has_settings && settings.text.empty()) {
-            text_.erase(text_.find_last_not_of(' ') + 1);
+        made_.text += settings.text;
+        if (settings.text.empty()) {
+            made_.text.erase(made_.text.find_last_not_of(' ') + 1);
         }
     }
 
     const Workshop& shop_;
     const Line& line_;
-    const TimingReading& reading_;
-    std::string text_;
-    Note note_;
-    std::vector<Edit> edits_;
-    bool fine_ = true;
+    const check::MeantTiming& meant_;
+    Rewriting made_;
+    bool is_wanted_ = true;
 };
 
-// A timing line that is in order, or will be once it is fixed.
-bool WillDo(const Workshop& shop, const Line& line) {
-    const std::optional<TimingReading> reading = ReadTiming(line.text);
-    if (!reading || IsInOrder(line.text, *reading)) {
-        return reading.has_value();
+// Cheap for lines of text, which begin with letters.
+bool MayBeTiming(std::string_view text) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+    if (text.empty() || static_cast<unsigned char>(text[0]) < 0x80) {
+        return !text.empty() && text[0] >= '0' && text[0] <= '9';
     }
-    Rewriting rewriting(shop, line, *reading);
-    return rewriting.Run() && (!line.frozen || rewriting.text() == line.text);
+    const console::Character first = console::FirstCharacter(text);
+    return first.is_valid && check::LookAlikeOf(first.code_point) != nullptr;
+}
+
+// Marks a line that is a timing line, or will be once it is fixed. Within a block, where a text
+// may stand, it takes more to be one.
+void FindTiming(const Workshop& shop, Line& line, bool may_be_text) {
+    line.timing = check::IsUsualTiming(line.text);
+    if (line.timing || !MayBeTiming(line.text)) {
+        return;
+    }
+    const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(line.text);
+    if (!meant || !meant->is_certain ||
+        (may_be_text && !meant->has_thousandths && meant->arrow != check::kArrow)) {
+        return;
+    }
+    Rewriter rewriter(shop, line, *meant);
+    const bool is_wanted = rewriter.Run();
+    const bool changes = rewriter.made().text != line.text;
+    line.timing = is_wanted && !(line.frozen && changes);
+    if (line.timing && changes) {
+        shop.document.Plan(line, std::move(rewriter.made()));
+    }
 }
 
 }  // namespace
@@ -140,14 +147,18 @@ bool WillDo(const Workshop& shop, const Line& line) {
 void FindTimings(const Workshop& shop) {
     std::vector<Line>& lines = shop.document.lines();
     bool in_comment = false;
-    bool behind_blank = false;
-    for (std::size_t index = 1; index < lines.size(); ++index) {
+    std::size_t above = 1;  // lines of the block above this one; the first line is no timing line
+    for (std::size_t index = 1; index < lines.size(); ++index, ++above) {
         Line& line = lines[index];
-        const bool is_blank = IsEmptyToTheEye(line);
-        in_comment = !is_blank && (in_comment || (behind_blank && IsComment(line.text)));
-        behind_blank = is_blank;
-        line.timing = !in_comment && !is_blank && line.text.find('\0') == std::string_view::npos &&
-                      WillDo(shop, line);
+        if (IsEmptyToTheEye(line)) {
+            in_comment = false;
+            above = SIZE_MAX;
+            continue;
+        }
+        in_comment = in_comment || (above == 0 && check::IsCommentLine(line.text));
+        if (!in_comment && line.text.find('\0') == std::string_view::npos) {
+            FindTiming(shop, line, above > 1);
+        }
     }
 }
 
@@ -156,16 +167,8 @@ void FixTimings(const Workshop& shop) {
     for (Range block = NextBlock(lines, shop.document.HeaderEnd()); block.size() > 0;
          block = NextBlock(lines, block.end)) {
         const std::size_t index = TimingOf(lines, block);
-        if (index == block.end || lines[index].frozen) {
-            continue;
-        }
-        const std::optional<TimingReading> reading = ReadTiming(lines[index].text);
-        if (IsInOrder(lines[index].text, *reading)) {
-            continue;
-        }
-        Rewriting rewriting(shop, lines[index], *reading);
-        if (rewriting.Run() && rewriting.text() != lines[index].text) {
-            rewriting.Apply(index);
+        if (index < block.end && !lines[index].frozen) {
+            shop.document.Rewrite(index);
         }
     }
 }

@@ -51,8 +51,8 @@ const check::Finding* FindFixed(const Document& document, const check::Findings&
 }  // namespace
 
 TrackFixer::TrackFixer(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-                       const Selection& selection)
-    : module_(module), capture_(capture), selection_(selection), oracle_(module, capture) {}
+                       const check::CodeFilter& filter)
+    : module_(module), capture_(capture), filter_(filter), oracle_(module, capture) {}
 
 std::optional<std::string> TrackFixer::Fix(std::string_view track,
                                            std::unique_ptr<Document>& document) {
@@ -60,7 +60,7 @@ std::optional<std::string> TrackFixer::Fix(std::string_view track,
     std::set<std::uint32_t> frozen;
     for (;;) {
         document = std::make_unique<Document>(track, frozen);
-        FixAll({*document, oracle_, selection_});
+        FixAll({*document, oracle_, filter_});
         if (document->edits().empty()) {
             return std::nullopt;
         }

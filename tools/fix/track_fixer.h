@@ -27,7 +27,7 @@ class TrackFixer {
   public:
     // All that is given must outlive the fixer; the capture must collect.
     TrackFixer(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-               const Selection& selection);
+               const check::CodeFilter& filter);
 
     // The track must outlive the result.
     FixedTrack Run(std::string_view track);
@@ -41,7 +41,7 @@ class TrackFixer {
 
     const host::ModuleHandle& module_;
     host::DiagnosticsCapture& capture_;
-    const Selection& selection_;
+    const check::CodeFilter& filter_;
     Oracle oracle_;
 };
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <utility>
 
-#include "tools/fix/blocks.h"
+#include "tools/check/surroundings.h"
 #include "tools/fix/note_check.h"
 #include "tools/host/track_reader.h"
 
@@ -157,7 +157,7 @@ std::set<std::uint32_t> Verifier::Survey(const Document& outcome) {
                     broken_ = AtLine(lines[range.begin].number, *words);
                 }
             }
-        } else if (!after.same && !IsComment(lines[range.begin].text)) {
+        } else if (!after.same && !check::IsCommentLine(lines[range.begin].text)) {
             for (std::size_t index = range.begin; index < range.end; ++index) {
                 undelivered.insert(lines[index].number);
             }
