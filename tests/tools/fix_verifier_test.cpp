@@ -34,8 +34,9 @@ class VerifierTest : public testing::Test {
         const host::ModuleHandle module(QUILLCAPTION_BUILT_MODULE);
         const check::CodeFilter all;
         Oracle oracle(module, capture);
+        SettingsFixer settings(all);
         Document document(kTrack, {});
-        FindTimings({document, oracle, all});
+        FindTimings({document, oracle, settings, all});
         edit(document);
         document.Commit();
         Verifier verifier(module, capture, oracle, kTrack);

@@ -95,10 +95,23 @@ constexpr LookAlike kLookAlikes[] = {
     {0xFF1E, "fullwidth greater-than sign", ">"},
 };
 
-// Calls back with each character's bytes and what it looks like, which is null for most.
+// How many characters the text begins with that look like nothing else in any case.
+std::size_t CountUsual(std::string_view text) {
+    const auto* const found =
+        std::find_if_not(text.begin(), text.end(), [](char c) { return c > ' ' && c < '\x7F'; });
+    return static_cast<std::size_t>(found - text.begin());
+}
+
+// Calls back with each character's bytes, or those of many that look like nothing else, and what
+// it looks like, which is null for most.
 template <typename Callback>
 void ForEach(std::string_view text, Callback callback) {
     while (!text.empty()) {
+        if (const std::size_t usual = CountUsual(text); usual > 0) {
+            callback(text.substr(0, usual), nullptr);
+            text.remove_prefix(usual);
+            continue;
+        }
         const console::Character character = console::FirstCharacter(text);
         callback(text.substr(0, character.size),
                  character.is_valid ? LookAlikeOf(character.code_point) : nullptr);
@@ -147,14 +160,17 @@ std::string Plain(std::string_view text) {
 }
 
 PlainText::PlainText(std::string_view text) {
+    begins_.reserve(text.size() + 1);
+    ends_.reserve(text.size());
     std::size_t at = 0;
     ForEach(text, [&](std::string_view bytes, const LookAlike* known) {
         const std::string_view plain = known != nullptr ? known->plain : bytes;
-        const std::size_t end = at + bytes.size();
+        for (std::size_t index = 0; index < plain.size(); ++index) {
+            begins_.push_back(known != nullptr ? at : at + index);
+            ends_.push_back(known != nullptr ? at + bytes.size() : at + index + 1);
+        }
         text_ += plain;
-        begins_.resize(text_.size(), at);
-        ends_.resize(text_.size(), end);
-        at = end;
+        at += bytes.size();
     });
     begins_.push_back(at);
 }

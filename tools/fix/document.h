@@ -39,7 +39,9 @@ bool EndsHeader(std::string_view text);
 
 struct Line {
     // For the module, which cuts a line at its first zero byte and then counts no line feed.
-    bool IsBlank() const { return text.empty() || text.substr(0, 2).find('\0') < 2; }
+    bool IsBlank() const {
+        return text.empty() || text[0] == '\0' || (text.size() > 1 && text[1] == '\0');
+    }
 
     std::string_view text;      // without line end
     std::string_view original;  // the same as it was read; of an inserted line, nothing

@@ -48,10 +48,12 @@ class FoldedLines {
   public:
     explicit FoldedLines(bool all) : all_(all) {}
 
-    void Add(const std::string& kind, const std::string& line) {
-        const std::uint32_t count = ++counts_[kind];
+    // `line` makes the line; most are never asked for.
+    template <typename Line>
+    void Add(const char* kind, const check::Code& code, Line line) {
+        const std::uint32_t count = ++counts_[{kind, code.number}];
         if (all_ || count <= kMostOfACode) {
-            text_ += console::Escape(line, console::LineFeeds::kEscape) + "\n";
+            text_ += console::Escape(line(), console::LineFeeds::kEscape) + "\n";
         }
     }
 
@@ -59,7 +61,8 @@ class FoldedLines {
         for (const auto& [kind, count] : counts_) {
             if (!all_ && count > kMostOfACode) {
                 text_ += console::Escape(name, console::LineFeeds::kEscape) + ": and " +
-                         std::to_string(count - kMostOfACode) + " more " + kind + "\n";
+                         std::to_string(count - kMostOfACode) + " more ";
+                text_.append(kind.first).append(": [").append(kind.second).append("]\n");
             }
         }
         return text_;
@@ -67,7 +70,7 @@ class FoldedLines {
 
   private:
     bool all_;
-    std::map<std::string, std::uint32_t> counts_;
+    std::map<std::pair<std::string_view, std::string_view>, std::uint32_t> counts_;
     std::string text_;
 };
 
@@ -207,24 +210,29 @@ void FixCommand::Write(const std::string& track, const std::string& text, bool c
 
 std::string FixCommand::Describe(const Source& source, const FixedTrack& fixed) const {
     FoldedLines lines(all_);
-    const auto add_edits = [&](const std::vector<Edit>& edits) {
-        for (const Edit& edit : edits) {
-            lines.Add(std::string("fixed: [") + edit.code->number + "]",
-                      source.name + ":" + std::to_string(edit.line) + ": fixed: " + edit.Words() +
-                          " [" + edit.code->number + "]");
-        }
+    const auto add = [&](const Edit& edit) {
+        lines.Add("fixed", *edit.code, [&] {
+            return source.name + ":" + std::to_string(edit.line) + ": fixed: " + edit.Words() +
+                   " [" + edit.code->number + "]";
+        });
     };
-    add_edits(source.edits);
-    std::vector<Edit> edits = fixed.document->edits();
+    std::for_each(source.edits.begin(), source.edits.end(), add);
+    std::vector<const Edit*> edits;
+    for (const Edit& edit : fixed.document->edits()) {
+        edits.push_back(&edit);
+    }
     std::stable_sort(edits.begin(), edits.end(),
-                     [](const Edit& a, const Edit& b) { return a.line < b.line; });
-    add_edits(edits);
+                     [](const Edit* a, const Edit* b) { return a->line < b->line; });
+    for (const Edit* const edit : edits) {
+        add(*edit);
+    }
     for (const check::Finding& finding : fixed.left) {
         if (finding.code->severity != check::Severity::kRemark) {
-            lines.Add(std::string("left: [") + finding.code->number + "]",
-                      source.name + ":" + std::to_string(finding.line) +
-                          ": left: " + check::SeverityName(finding.code->severity) + ": " +
-                          finding.message + " [" + finding.code->number + "]; " + finding.hint());
+            lines.Add("left", *finding.code, [&] {
+                return source.name + ":" + std::to_string(finding.line) +
+                       ": left: " + check::SeverityName(finding.code->severity) + ": " +
+                       finding.message + " [" + finding.code->number + "]; " + finding.hint();
+            });
         }
     }
     return lines.Take(source.name);

@@ -5,6 +5,7 @@
 #include "tools/check/code_filter.h"
 #include "tools/fix/document.h"
 #include "tools/fix/oracle.h"
+#include "tools/fix/settings.h"
 
 namespace quill::fix {
 
@@ -12,6 +13,7 @@ namespace quill::fix {
 struct Workshop {
     Document& document;
     Oracle& oracle;
+    SettingsFixer& settings;
     const check::CodeFilter& filter;  // lets through what is to be fixed
 
     bool Wants(const char* code) const { return filter.Lets(check::CodeNamed(code)); }

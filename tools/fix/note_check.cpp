@@ -11,11 +11,15 @@
 namespace quill::fix {
 namespace {
 
+bool IsAt(double delivered, std::int64_t milliseconds) {
+    return std::abs(static_cast<double>(milliseconds) / 1000 - delivered) < kRounding;
+}
+
 // The time as stated or, when nothing is stated, the very text that it was.
 bool HasTime(double delivered, const std::optional<std::int64_t>& stated, std::string_view now,
              std::string_view before, Oracle& oracle) {
     if (stated) {
-        return std::abs(static_cast<double>(*stated) / 1000 - delivered) < kRounding;
+        return IsAt(delivered, *stated);
     }
     const std::optional<double> expected = oracle.Time(before);
     return now == before && expected && std::abs(*expected - delivered) < kRounding;
@@ -27,18 +31,18 @@ std::optional<check::MeantTiming> ReadTiming(std::string_view line) {
     return meant && !meant->text.empty() ? meant : std::nullopt;
 }
 
-bool HasTimes(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
-    const std::optional<check::MeantTiming> now = ReadTiming(line.text);
-    const std::optional<check::MeantTiming> read = ReadTiming(line.original);
-    if (!now || (!read && !(note.start && note.end))) {
-        return false;
+// `read` is the line as it was read, if there are times on it.
+bool HasTimes(const Line& line, const std::optional<check::MeantTiming>& read, const Note& note,
+              const check::CueCopy& cue, Oracle& oracle) {
+    if (note.start && note.end) {
+        return IsAt(cue.start, *note.start) && IsAt(cue.end, *note.end);
     }
-    const check::MeantTiming& before = read ? *read : *now;
-    const std::string_view original = read ? line.original : line.text;
-    return HasTime(cue.start, note.start, now->start_place.In(line.text),
-                   before.start_place.In(original), oracle) &&
-           HasTime(cue.end, note.end, now->end_place.In(line.text), before.end_place.In(original),
-                   oracle);
+    const std::optional<check::MeantTiming> now = ReadTiming(line.text);
+    return now && read &&
+           HasTime(cue.start, note.start, now->start_place.In(line.text),
+                   read->start_place.In(line.original), oracle) &&
+           HasTime(cue.end, note.end, now->end_place.In(line.text),
+                   read->end_place.In(line.original), oracle);
 }
 
 // The alignment decides the position, unless a setting does.
@@ -75,11 +79,11 @@ void Apply(check::CueCopy& cue, const Effect& effect) {
 }
 
 // What the settings that were kept come to, with the stated effects of the others.
-bool HasSettings(const Line& line, const Note& note, const check::CueCopy& cue, Oracle& oracle) {
-    const std::optional<check::MeantTiming> reading = ReadTiming(line.original);
-    const std::string written =
-        reading ? std::string(line.original.substr(reading->settings_begin)) : "";
-    const std::string kept = note.kept_settings.value_or(written);
+bool HasSettings(const Line& line, const std::optional<check::MeantTiming>& read, const Note& note,
+                 const check::CueCopy& cue, Oracle& oracle) {
+    const std::string kept = note.kept_settings ? *note.kept_settings
+                             : read ? std::string(line.original.substr(read->settings_begin))
+                                    : "";
     std::optional<check::CueCopy> expected = oracle.Settings(kept);
     if (!expected) {
         return false;
@@ -187,10 +191,11 @@ std::optional<std::string> CheckNotes(const Document& outcome, const Range& bloc
     }
     if (lines[timing].note >= 0) {
         const Note& note = outcome.note(lines[timing]);
-        if (!HasTimes(lines[timing], note, cue, oracle)) {
+        const std::optional<check::MeantTiming> read = ReadTiming(lines[timing].original);
+        if (!HasTimes(lines[timing], read, note, cue, oracle)) {
             return "the times would come otherwise";
         }
-        if (!HasSettings(lines[timing], note, cue, oracle)) {
+        if (!HasSettings(lines[timing], read, note, cue, oracle)) {
             return "the settings would come otherwise";
         }
     }

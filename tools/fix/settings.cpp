@@ -249,8 +249,6 @@ SettingsFix AsItWas(std::string_view settings) {
     return fix;
 }
 
-}  // namespace
-
 SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filter) {
     SettingsFix fix;
     std::vector<Item> items = SplitSettings(settings);
@@ -298,6 +296,16 @@ SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filt
     }
     fix.text.erase(0, fix.text.find_first_not_of(' '));
     return fix;
+}
+
+}  // namespace
+
+const SettingsFix& SettingsFixer::Of(std::string_view settings) {
+    const auto known = known_.find(settings);
+    if (known != known_.end()) {
+        return known->second;
+    }
+    return known_.emplace(settings, FixSettings(settings, filter_)).first->second;
 }
 
 }  // namespace quill::fix

@@ -2,11 +2,13 @@
 #ifndef TOOLS_FIX_SETTINGS_H_
 #define TOOLS_FIX_SETTINGS_H_
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tools/fix/fixer.h"
+#include "tools/check/code_filter.h"
 #include "tools/fix/note.h"
 
 namespace quill::fix {
@@ -24,9 +26,20 @@ struct SettingsFix {
     std::vector<Effect> effects;  // of those that are changed
 };
 
-// Makes the changes that are wanted, to a list without spaces before it. Leaves the list alone when
-// one setting stands in it twice, as it would have to be known which is meant.
-SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filter);
+// Fixes lists of settings. Most tracks have few, which are fixed once.
+class SettingsFixer {
+  public:
+    // The filter, which lets through what is to be fixed, must outlive the fixer.
+    explicit SettingsFixer(const check::CodeFilter& filter) : filter_(filter) {}
+
+    // For a list without spaces before it. Leaves the list alone when one setting stands in it
+    // twice, as it would have to be known which is meant. Valid as long as the fixer.
+    const SettingsFix& Of(std::string_view settings);
+
+  private:
+    const check::CodeFilter& filter_;
+    std::map<std::string, SettingsFix, std::less<>> known_;
+};
 
 }  // namespace quill::fix
 

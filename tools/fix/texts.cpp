@@ -257,6 +257,10 @@ class Payload {
     bool has_text_ = false;  // above the line
 };
 
+bool HasMarkup(std::string_view text) {
+    return text.find('<') != std::string_view::npos || text.find('&') != std::string_view::npos;
+}
+
 }  // namespace
 
 void FixTexts(const Workshop& shop) {
@@ -267,7 +271,7 @@ void FixTexts(const Workshop& shop) {
         bool has_markup = false;
         bool is_free = timing < block.end;
         for (std::size_t index = timing + 1; index < block.end; ++index) {
-            has_markup = has_markup || lines[index].text.find_first_of("&<") != std::string::npos;
+            has_markup = has_markup || HasMarkup(lines[index].text);
             is_free = is_free && !lines[index].frozen;
         }
         if (has_markup && is_free) {

@@ -7,6 +7,7 @@
 #include "tools/check/meant_timing.h"
 #include "tools/check/surroundings.h"
 #include "tools/console/escape.h"
+#include "tools/console/text.h"
 #include "tools/fix/blocks.h"
 #include "tools/fix/fixer.h"
 #include "tools/fix/settings.h"
@@ -90,13 +91,13 @@ class Rewriter {
         if (!has_settings) {
             return;
         }
-        SettingsFix settings = FixSettings(line_.text.substr(begin), shop_.filter);
+        const SettingsFix& settings = shop_.settings.Of(line_.text.substr(begin));
         for (const SettingsFix::Change& change : settings.changes) {
             Record(change.code, change.before, change.after);
         }
         if (!settings.changes.empty()) {
             made_.note.kept_settings = settings.kept;
-            made_.note.effects = std::move(settings.effects);
+            made_.note.effects = settings.effects;
         }
         made_.text += settings.text;
         if (settings.text.empty()) {
@@ -113,9 +114,10 @@ class Rewriter {
 
 // Cheap for lines of text, which begin with letters.
 bool MayBeTiming(std::string_view text) {
+    constexpr std::size_t kShortest = 7;  // "0:1>0:2"
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    if (text.empty() || static_cast<unsigned char>(text[0]) < 0x80) {
-        return !text.empty() && text[0] >= '0' && text[0] <= '9';
+    if (text.size() < kShortest || static_cast<unsigned char>(text[0]) < 0x80) {
+        return text.size() >= kShortest && console::IsDigit(text[0]);
     }
     const console::Character first = console::FirstCharacter(text);
     return first.is_valid && check::LookAlikeOf(first.code_point) != nullptr;

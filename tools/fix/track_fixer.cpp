@@ -52,7 +52,11 @@ const check::Finding* FindFixed(const Document& document, const check::Findings&
 
 TrackFixer::TrackFixer(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                        const check::CodeFilter& filter)
-    : module_(module), capture_(capture), filter_(filter), oracle_(module, capture) {}
+    : module_(module),
+      capture_(capture),
+      filter_(filter),
+      oracle_(module, capture),
+      settings_(filter) {}
 
 std::optional<std::string> TrackFixer::Fix(std::string_view track,
                                            std::unique_ptr<Document>& document) {
@@ -60,7 +64,7 @@ std::optional<std::string> TrackFixer::Fix(std::string_view track,
     std::set<std::uint32_t> frozen;
     for (;;) {
         document = std::make_unique<Document>(track, frozen);
-        FixAll({*document, oracle_, filter_});
+        FixAll({*document, oracle_, settings_, filter_});
         if (document->edits().empty()) {
             return std::nullopt;
         }

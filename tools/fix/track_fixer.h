@@ -43,6 +43,7 @@ class TrackFixer {
     host::DiagnosticsCapture& capture_;
     const check::CodeFilter& filter_;
     Oracle oracle_;
+    SettingsFixer settings_;
 };
 
 }  // namespace quill::fix
