@@ -10,6 +10,7 @@
 #include <new>
 #include <numeric>
 
+#include "guard/access_watch.h"
 #include "guard/report.h"
 #include "guard/rules.h"
 
@@ -53,11 +54,11 @@ void count_cues(WEBVTT_EVENT_T /*event*/, void* tag, void* info) {
 Line line_of(const Call& call, const Finding& finding) {
     const MistakeText& text = text_of(finding.mistake);
     Line line;
-    line << text.code << " at call " << call.number << ", " << name_of(call.function) << ", ";
+    line << text.code << " at call " << call.number << ", " << name_of(call.function);
     if (call.parser != nullptr) {
-        line << "parser " << call.parser->number;
-    } else {
-        line << "handle ";
+        line << ", parser " << call.parser->number;
+    } else if (call.function != Function::kCreate) {
+        line << ", handle ";
         line.hexadecimal(call.handle);
     }
     line << ", thread " << call.thread << ": " << text.sentence;
@@ -93,6 +94,9 @@ Guard& Guard::instance() {
 void Guard::load() {
     m_settings = read_settings();
     m_module.load(m_settings.module_path);
+    m_pages.open();
+    AccessWatch::keep(m_pages);
+    UncaughtWatch::keep();
     pthread_atfork([] { instance().before_fork(); }, [] { instance().after_fork_in_parent(); },
                    [] { instance().after_fork_in_child(); });
 }
@@ -119,6 +123,9 @@ void Guard::unload() {
         tell(unloading);
     }
     sum_up();
+    UncaughtWatch::end();
+    AccessWatch::end();
+    m_pages.close();
     m_parsers.live().clear();
     m_settings = Settings();
     m_module.unload();
@@ -126,6 +133,7 @@ void Guard::unload() {
 
 void Guard::begin(Call& call) {
     const KeptErrno kept;
+    UncaughtWatch::note_caught();
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         call.number = ++m_calls;
@@ -218,18 +226,27 @@ void Guard::on_event(WEBVTT_EVENT_T event, void* tag, void* info) {
 }
 
 void Guard::deliver(WEBVTT_EVENT_T event, Parser& parser, void* info) {
+    const auto* const delivered = static_cast<const WebvttDataInfo*>(info);
     WebvttEventNotify notify = nullptr;
     void* tag = nullptr;
+    unsigned long number = 0;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        m_cues += static_cast<const WebvttDataInfo*>(info)->u4CueCount;
+        m_cues += delivered->u4CueCount;
         if (CallInProgress* const call = m_in_progress.latest_of(own_thread())) {
             call->is_in_callback = true;
+            number = call->number;
         }
         notify = parser.notify;
         tag = parser.tag;
     }
-    notify(event, tag, info);
+    {
+        const HandedOut copy(m_pages, *delivered, number, parser.number);
+        if (delivered->prCueList != nullptr) {
+            AccessWatch::renew();
+        }
+        notify(event, tag, copy.info() != nullptr ? copy.info() : info);
+    }
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (CallInProgress* const call = m_in_progress.latest_of(own_thread())) {
         call->is_in_callback = false;
@@ -237,6 +254,9 @@ void Guard::deliver(WEBVTT_EVENT_T event, Parser& parser, void* info) {
 }
 
 void Guard::tell(Call& call) {
+    if (call.found.empty()) {
+        return;
+    }
     Findings told;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -263,7 +283,10 @@ void Guard::tell(Call& call) {
     }
 }
 
-void Guard::sum_up() const {
+void Guard::sum_up() {
+    for (const Mistake mistake : {Mistake::kRecordChanged, Mistake::kRecordKept}) {
+        m_mistakes[static_cast<std::size_t>(mistake)] = AccessWatch::found(mistake);
+    }
     const unsigned long all = std::accumulate(m_mistakes.begin(), m_mistakes.end(), 0UL);
     if (all == 0 && !m_settings.always_sums_up) {
         return;
@@ -288,6 +311,7 @@ void Guard::after_fork_in_child() {
     const long forked = own_thread();
     own_number = 0;
     m_in_progress.keep_only(forked, own_thread());
+    m_pages.open();
     m_mutex.unlock();
 }
 

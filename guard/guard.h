@@ -5,9 +5,11 @@
 #include <mutex>
 
 #include "guard/calls_in_progress.h"
+#include "guard/delivery_pages.h"
 #include "guard/loaded_module.h"
 #include "guard/parser_table.h"
 #include "guard/settings.h"
+#include "guard/uncaught.h"
 
 namespace guard {
 
@@ -32,6 +34,7 @@ class Guard {
                 pass_on(m_module.methods());
             } catch (...) {
                 call.has_thrown = true;
+                UncaughtWatch::note_leaving(call);
                 end(call);
                 throw;
             }
@@ -63,10 +66,11 @@ class Guard {
 
     /// Tells what was found so far.
     void tell(Call& call);
-    void sum_up() const;
+    void sum_up();
 
     Settings m_settings;
     LoadedModule m_module;
+    DeliveryPages m_pages;  ///< has a lock of its own
 
     std::mutex m_mutex;  ///< for all below
     ParserTable m_parsers;

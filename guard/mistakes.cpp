@@ -62,7 +62,7 @@ const MistakeText& text_of(Mistake mistake) {
          "feed smaller chunks, and do less in the callback"},
         {"H122", "a record that is being delivered is written to, or freed",
          "copy what is to be changed; the module frees the records itself"},
-        {"H123", "a record is used after its callback has returned",
+        {"H123", "a record is used after its callback has returned; it was delivered by this call",
          "copy in the callback what is kept, texts included, and free nothing of it"},
     }};
     return kTexts[static_cast<std::size_t>(mistake)];

@@ -10,6 +10,8 @@ namespace guard {
 template <std::size_t kCapacity>
 class Text {
   public:
+    Text() { m_bytes[0] = '\0'; }
+
     Text& operator<<(const char* text) {
         while (*text != '\0') {
             add(*text++);
@@ -61,7 +63,7 @@ class Text {
     }
 
     std::size_t m_size = 0;
-    char m_bytes[kCapacity + 1] = {};
+    char m_bytes[kCapacity + 1];
 };
 
 /// What a finding adds to its mistake's sentence.
