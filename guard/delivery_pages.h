@@ -44,6 +44,9 @@ class DeliveryPages {
     /// takes no lock.
     const DeliveredPages* find(const void* address) const;
 
+    /// For a fork, which must not find it locked.
+    std::mutex& mutex() { return m_mutex; }
+
   private:
     static constexpr std::size_t kSegments = 4;
     static constexpr std::size_t kSegmentPages = 64;

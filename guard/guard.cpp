@@ -97,7 +97,7 @@ void Guard::load() {
     m_pages.open();
     AccessWatch::keep(m_pages);
     UncaughtWatch::keep();
-    pthread_atfork([] { instance().before_fork(); }, [] { instance().after_fork_in_parent(); },
+    pthread_atfork([] { instance().before_fork(); }, [] { instance().after_fork(); },
                    [] { instance().after_fork_in_child(); });
 }
 
@@ -307,12 +307,22 @@ void Guard::sum_up() {
     write_line(all != 0 ? line << ")" : line);
 }
 
+void Guard::before_fork() {
+    m_mutex.lock();
+    m_pages.mutex().lock();
+}
+
+void Guard::after_fork() {
+    m_pages.mutex().unlock();
+    m_mutex.unlock();
+}
+
 void Guard::after_fork_in_child() {
     const long forked = own_thread();
     own_number = 0;
     m_in_progress.keep_only(forked, own_thread());
     m_pages.open();
-    m_mutex.unlock();
+    after_fork();
 }
 
 }  // namespace guard

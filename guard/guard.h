@@ -49,8 +49,8 @@ class Guard {
     void register_callback(Call& call, const WebvttModuleMethods& module);
 
     // A process that forks: the child has the thread that forked and no other.
-    void before_fork() { m_mutex.lock(); }
-    void after_fork_in_parent() { m_mutex.unlock(); }
+    void before_fork();
+    void after_fork();
     void after_fork_in_child();
 
   private:

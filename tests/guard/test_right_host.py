@@ -1,7 +1,8 @@
 """A right host: through the guard it prints, says and returns what it does without.
 
 GUARD is the guard's file, QUILLCAPTION_MODULE the module's, GUARD_HOST the example host,
-GUARD_EMULATOR what runs programs of the target, if anything, GUARD_SOURCE the top folder.
+GUARD_ODD_HOST the one of odd_host.c, GUARD_EMULATOR what runs programs of the target, if anything, GUARD_SOURCE the top folder,
+GUARD_SANITIZE the sanitizers of the build, if any.
 """
 
 import os
@@ -13,7 +14,8 @@ import unittest
 
 GUARD = os.environ["GUARD"]
 MODULE = os.environ["QUILLCAPTION_MODULE"]
-HOST = [*os.environ["GUARD_EMULATOR"].split(), os.environ["GUARD_HOST"]]
+EMULATOR = os.environ["GUARD_EMULATOR"].split()
+HOST = [*EMULATOR, os.environ["GUARD_HOST"]]
 SAMPLES = sorted((pathlib.Path(os.environ["GUARD_SOURCE"]) / "samples").glob("*.vtt"))
 
 
@@ -38,6 +40,18 @@ class RightHostTest(unittest.TestCase):
         code, output, said = play(GUARD, track, QUILLCAPTION_GUARD_SUMMARY="always")
         self.assertEqual((code, output), play(MODULE, track)[:2])
         self.assertEqual(said, "quillcaption-guard: 9 calls, 1 parser, 5 cues, 0 mistakes\n")
+
+
+    def test_odd_hosts_are_right_too(self):
+        done = subprocess.run([*EMULATOR, os.environ["GUARD_ODD_HOST"], GUARD], check=False,
+                              timeout=60, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        self.assertEqual((done.returncode, done.stderr), (0, b""))
+
+
+    @unittest.skipIf(EMULATOR or "address" in os.environ["GUARD_SANITIZE"],
+                     "emulators and sanitizers want nothing loaded before them")
+    def test_names_that_all_can_see_do_not_lead_the_module_back_to_the_guard(self):
+        self.assertEqual(play(GUARD, SAMPLES[0], LD_PRELOAD=GUARD), play(MODULE, SAMPLES[0]))
 
 
 class SettingsTest(unittest.TestCase):
