@@ -12,7 +12,7 @@
 namespace webvtt {
 namespace {
 
-constexpr std::size_t kShortestItem = 3;
+constexpr std::size_t kShortestRegionItem = 3;
 
 Immortal<WebvttString> setting_header("Region:");
 Immortal<WebvttString> setting_id("id");
@@ -58,7 +58,7 @@ void RegionMetaDataHeader::vParse(const char* pcLine) {
 }
 
 bool RegionMetaDataHeader::fgParseSettingItem(const WebvttString& item) {
-    if (item.text.size() < kShortestItem) {
+    if (item.text.size() < kShortestRegionItem) {
         return false;
     }
     const Split setting = split_first(item.text, '=');

@@ -19,7 +19,6 @@ NOT_RUN = [
     ("scripts/empty-machine", "makes a Debian to build and test in"),
     ("fuzz/run", HOURS),
     ("tests/mutation/run", HOURS),
-    ("scripts/coverage", HOURS),
     ("bench/", "the figures belong to the machine; bench.gate holds the ratios"),
     ("build/i386/bench/", "the figures belong to the machine; bench.memory holds the limits"),
     ("cmake -S . -B build/profile", "builds, for a profile that people read"),

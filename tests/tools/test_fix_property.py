@@ -10,14 +10,14 @@ import shutil
 import sys
 import unittest
 
-from quill_runner import EMULATOR, QuillTest
+from quill_runner import EMULATOR, SANITIZED, QuillTest
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, os.pardir)
 sys.path.insert(1, os.path.join(ROOT, "tests", "model"))
 from generate import Generator  # pylint: disable=wrong-import-position
 
 # An emulator takes ten times as long; a part of the tracks will do there.
-COUNT = 100 if EMULATOR else 1200
+COUNT = 100 if EMULATOR or SANITIZED else 1200
 # Of a hundred generated tracks, damaged beyond what anybody writes, at most two may be given up.
 GIVEN_UP = 2
 

@@ -98,8 +98,12 @@ JobPool::JobPool(std::size_t most_processes, MakeWorker make)
     : most_processes_(most_processes), make_(std::move(make)) {}
 
 JobPool::~JobPool() {
-    for (const Process& process : processes_) {
-        kill(process.number, SIGKILL);
+    for (Process& process : processes_) {
+        if (process.job == nullptr) {
+            process.requests = console::Descriptor();  // which it takes for the end of its work
+        } else {
+            kill(process.number, SIGKILL);
+        }
         waitpid(process.number, nullptr, 0);
     }
 }

@@ -1,0 +1,33 @@
+// The command line as a whole, of which each subcommand has its part.
+#ifndef TOOLS_CONSOLE_PROGRAM_H_
+#define TOOLS_CONSOLE_PROGRAM_H_
+
+#include <memory>
+#include <string>
+
+#include "tools/console/arguments.h"
+#include "tools/console/output.h"
+
+namespace quill::console {
+
+class Program {
+  public:
+    Program(const std::string& name, const std::string& what, const std::string& version);
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+    ~Program();
+
+    // For the subcommands to add themselves to.
+    CLI::App& app() { return *app_; }
+
+    // False when help or the version was asked for, which is written then. Throws Failure for a
+    // mistake of the user's.
+    bool Parse(int argc, char** argv, Output& output);
+
+  private:
+    std::unique_ptr<CLI::App> app_;
+};
+
+}  // namespace quill::console
+
+#endif  // TOOLS_CONSOLE_PROGRAM_H_
