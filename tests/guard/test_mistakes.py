@@ -5,6 +5,7 @@ GUARD_SOURCE the top folder, GUARD_EMULATOR what runs programs of the target, if
 GUARD_SANITIZE the sanitizers of the build, if any.
 """
 
+import ast
 import os
 import pathlib
 import re
@@ -51,6 +52,17 @@ class MistakesTest(unittest.TestCase):
         codes = re.findall(r'"(H\d+)"', table)
         self.assertEqual(codes, [f"H{number}" for number in range(101, 101 + len(codes))])
         self.assertEqual(sorted({path.stem[:4] for path in HOSTS}), codes)
+
+    def test_the_page_says_what_the_guard_says(self):
+        source = (SOURCE / "guard/mistakes.cpp").read_text().split("kTexts = {{")[1].split("}};")[0]
+        # Texts in C and in Python look the same.
+        source = source.replace('{"H', '("H').replace("},\n", "),\n")
+        said = {code: [sentence, way_out] for code, sentence, way_out in ast.literal_eval(f"[{source}]")}
+        page = (SOURCE / "docs/guard.md").read_text()
+        table = re.findall(r"^\| \[(H\d+)\]\(\.\./examples/mistakes/(\w+)\.c\) \| (.*) \| (.*) \|$",
+                           page, re.MULTILINE)
+        self.assertEqual({row[0]: list(row[2:]) for row in table}, said)
+        self.assertEqual([row[1][:4] for row in table], [row[0] for row in table])
 
     def test_each_is_found_at_its_call(self):
         for path in HOSTS:
