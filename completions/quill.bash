@@ -5,7 +5,7 @@ _quill_subcommands='check conform cues fix inspect'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
-    [check]='--help --files-from --format --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --module --quiet'
+    [check]='--help --files-from --format --color --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --module --quiet'
     [conform]='--help --list --only --failed-only --cases --timeout --format'
     [cues]='--help --format --chunk --pts --module --quiet'
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
@@ -18,7 +18,9 @@ _quill_value() {
     local word=$3 values=
     case $1:$2 in
         cues:--format) values='text json srt' ;;
+        check:--format) values='text json github sarif' ;;
         *:--format) values='text json' ;;
+        check:--color) values='auto always never' ;;
         check:--fail-on) values='lost changed remark never' ;;
         *:--module | *:--files-from | fix:--output | fix:-o | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | conform:--timeout | *:--only | fix:--skip | fix:--from) ;;

@@ -30,7 +30,8 @@ printf '%s\\n' "${COMPREPLY[@]}"
 OFFERS = [
     (["quill", "cu"], ["cues"]),
     (["quill", "c"], ["check", "conform", "cues"]),
-    (["quill", "check", "--format", ""], ["json", "text"]),
+    (["quill", "check", "--format", ""], ["github", "json", "sarif", "text"]),
+    (["quill", "check", "--color", "a"], ["always", "auto"]),
     (["quill", "check", "--fail-on", ""], ["changed", "lost", "never", "remark"]),
     (["quill", "check", "--fail-on", "remark", "an"], ["another.so"]),
     (["quill", "conform", "--cases", "an"], ["another.so"]),

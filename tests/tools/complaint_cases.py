@@ -11,7 +11,7 @@ FOLDER = os.path.join(os.path.dirname(os.path.abspath(__file__)), "complaints")
 Case = collections.namedtuple("Case", "name options track findings fixed left shows")
 
 ESCAPE = re.compile(r"\\x([0-9a-f]{2})|\\u([0-9A-F]{4})")
-FINDING = re.compile(r"-> (\d+) (Q\d{3}) (lost|changed|remark) ([^|]*?)(?: \| (.*))?")
+FINDING = re.compile(r"-> (\d+(?::\d+)?) (Q\d{3}) (lost|changed|remark) ([^|]*?)(?: \| (.*))?")
 
 
 def read_all():

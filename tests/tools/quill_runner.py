@@ -33,6 +33,11 @@ def broken(fault):
     return dict(os.environ, BROKEN_MODULE_WRAPS=MODULE, BROKEN_MODULE_FAULT=fault)
 
 
+def place(finding):
+    """Where a finding that came as json is, as text has it: line, or line and column."""
+    return ":".join(str(finding[key]) for key in ("line", "column") if key in finding)
+
+
 def command(*arguments, quill=QUILL):
     return EMULATOR + [quill] + [str(argument) for argument in arguments]
 

@@ -4,7 +4,7 @@ import json
 import re
 import unittest
 
-from quill_runner import QuillTest, fixture
+from quill_runner import QuillTest, fixture, place
 
 TIMES = b"00:01.000 --> 00:02.000"
 GOOD = b"\n00:03.000 --> 00:04.000\nThis cue is in order.\n"
@@ -12,33 +12,33 @@ GOOD = b"\n00:03.000 --> 00:04.000\nThis cue is in order.\n"
 # Blocks behind "WEBVTT" and a blank line, and the findings without their hints.
 OWN_FAULTS = (
     (b"00:01 --> 00:02.000\nx\n",
-     '3: lost: invalid start time "00:01": it has no milliseconds [Q101]'),
+     '3:1: lost: invalid start time "00:01": it has no milliseconds [Q101]'),
     (b"00:01.00 --> 00:02.000\nx\n",
-     '3: lost: invalid start time "00:01.00": it has 2 digits behind the point, not three [Q101]'),
-    (b"--> 00:02.000\nx\n", '3: lost: invalid start time "": there is none [Q101]'),
-    (b"id\n00:61.000 --> 00:02.000\nx\n", '4: lost: invalid start time "00:61.000": its seconds are 61, and go up to 59 [Q101]'),
+     '3:1: lost: invalid start time "00:01.00": it has 2 digits behind the point, not three [Q101]'),
+    (b"--> 00:02.000\nx\n", '3:1: lost: invalid start time "": there is none [Q101]'),
+    (b"id\n00:61.000 --> 00:02.000\nx\n", '4:1: lost: invalid start time "00:61.000": its seconds are 61, and go up to 59 [Q101]'),
     (b"00:01.000\t--> 00:02.000\nx\n",
-     '3: lost: invalid start time "00:01.000\\x09": U+0009 (tab) stands in it [Q101]'),
+     '3:1: lost: invalid start time "00:01.000\\x09": U+0009 (tab) stands in it [Q101]'),
     (b"00:00:01,000 --> 00:00:02,000\nx\n",
-     '3: lost: start time "00:00:01,000" with a decimal comma [Q102]'),
+     '3:1: lost: start time "00:00:01,000" with a decimal comma [Q102]'),
     (b"id\n00:01.000 --> 1\nx\n",
-     '4: lost: invalid end time "1": it has no milliseconds [Q103]'),
-    (b"00:01.000 -->\nx\n", '3: lost: invalid end time "": there is none [Q103]'),
-    (b"00:01.000 --> 00:02,000\nx\n", '3: lost: end time "00:02,000" with a decimal comma [Q104]'),
+     '4:15: lost: invalid end time "1": it has no milliseconds [Q103]'),
+    (b"00:01.000 -->\nx\n", '3:14: lost: invalid end time "": there is none [Q103]'),
+    (b"00:01.000 --> 00:02,000\nx\n", '3:15: lost: end time "00:02,000" with a decimal comma [Q104]'),
     (b"one\ntwo\n", '3: lost: no timing line in the block "one" [Q105]'),
     (b"one\n", '3: lost: a line on its own, "one" [Q106]'),
     (b"one\ntwo\n" + TIMES + b"\nx\n", "5: lost: the timing line is line 3 of its block [Q107]"),
     (b"id\n" + TIMES + b"\n", "4: lost: no text below the timing line [Q108]"),
-    (TIMES + b"\none\n<font size=1>x\n", '5: lost: unknown start tag "<font>" [Q109]'),
-    (TIMES + b"\none\ntwo <> three\n", '5: lost: a "<" that begins no tag [Q110]'),
-    (TIMES + b" line:, size:50%\nx\n", '3: lost: no number in the setting "line:," [Q111]'),
+    (TIMES + b"\none\n<font size=1>x\n", '5:1: lost: unknown start tag "<font>" [Q109]'),
+    (TIMES + b"\none\ntwo <> three\n", '5:5: lost: a "<" that begins no tag [Q110]'),
+    (TIMES + b" line:, size:50%\nx\n", '3:25: lost: no number in the setting "line:," [Q111]'),
     (b"id\x00\n", "3: lost: a zero byte hides a line end [Q112]"),
     (b"X-TIMESTAMP-MAP=LOCAL:00:00.000,MPEGTS:0\n",
      "3: lost: a map header behind the header [Q114]"),
     (b"id\n00:01.000 -> 00:02.000\nx\n",
-     '4: lost: "->" stands between the times [Q115]'),
+     '4:11: lost: "->" stands between the times [Q115]'),
     ("00:01.000 –> 00:02.000\nx\n".encode(),
-     '3: lost: "–>" stands between the times [Q115]'),
+     '3:11: lost: "–>" stands between the times [Q115]'),
 )
 
 # Delivered cues: the settings, the text, and the findings.
@@ -46,38 +46,38 @@ REMARKS = (
     (b"", b"x", ()),
     (b" align:start  position:10%,end line:-1 size:50% vertical:rl", b"x &amp; <b>y</b>", ()),
     (b" align:middle position:50% size:100% line:100", b"x", ()),
-    (b" align:center", b"x", ['3: changed: "align:center" is taken for start [Q408]']),
-    (b" align:START", b"x", ['3: changed: "align:START" is taken for start [Q408]']),
+    (b" align:center", b"x", ['3:25: changed: "align:center" is taken for start [Q408]']),
+    (b" align:START", b"x", ['3:25: changed: "align:START" is taken for start [Q408]']),
     (b" line:85%,center", b"x",
-     ['3: remark: "center" in "line:85%,center" is taken for start [Q409]']),
-    (b" position:10%,", b"x", ['3: remark: "" in "position:10%," is taken for start [Q409]']),
-    (b" vertical:LR", b"x", ['3: changed: "vertical:LR" is dropped [Q410]']),
-    (b" size:50", b"x", ['3: changed: "size:50" is dropped [Q406]']),
-    (b" line:101%", b"x", ['3: changed: "line:101%" is dropped [Q407]']),
-    (b" position:101%", b"x", ['3: changed: "position:101%" is dropped [Q407]']),
-    (b" position:ten", b"x", ['3: changed: "position:ten" is dropped [Q406]']),
-    (b" size:256%", b"x", ['3: changed: "size:256%" is delivered as 0 [Q305]']),
-    (b" line:-2.50", b"x", ['3: changed: "line:-2.50" is delivered as -2 [Q411]']),
+     ['3:25: remark: "center" in "line:85%,center" is taken for start [Q409]']),
+    (b" position:10%,", b"x", ['3:25: remark: "" in "position:10%," is taken for start [Q409]']),
+    (b" vertical:LR", b"x", ['3:25: changed: "vertical:LR" is dropped [Q410]']),
+    (b" size:50", b"x", ['3:25: changed: "size:50" is dropped [Q406]']),
+    (b" line:101%", b"x", ['3:25: changed: "line:101%" is dropped [Q407]']),
+    (b" position:101%", b"x", ['3:25: changed: "position:101%" is dropped [Q407]']),
+    (b" position:ten", b"x", ['3:25: changed: "position:ten" is dropped [Q406]']),
+    (b" size:256%", b"x", ['3:25: changed: "size:256%" is delivered as 0 [Q305]']),
+    (b" line:-2.50", b"x", ['3:25: changed: "line:-2.50" is delivered as -2 [Q411]']),
     (b" line:2.0", b"x", ()),
     (b" line:2147483647", b"x", ()),
     (b" line:2147483648", b"x",
-     ['3: changed: "line:2147483648" is delivered as -2147483648 [Q305]']),
+     ['3:25: changed: "line:2147483648" is delivered as -2147483648 [Q305]']),
     (b" line:-2147483648", b"x",
-     ['3: changed: "line:-2147483648" is delivered as 2147483647 [Q305]']),
-    (b" region:a", b"x", ['3: changed: "region:a" is not delivered [Q412]']),
-    (b" a:", b"x", ['3: changed: "a:" is dropped [Q403]']),
-    (b" size:", b"x", ['3: changed: "size:" is dropped [Q404]']),
-    (b" size", b"x", ['3: changed: "size" is no setting [Q405]']),
-    (b"", b"one\nAT&T & you", ['5: changed: "&T" is lost [Q303]', '5: changed: "&" is lost [Q303]']),
-    (b"", b"&copy; &lt;&amp", ['4: remark: "&copy;" is shown as it is [Q413]',
-                               '4: changed: "&amp" is lost [Q303]']),
-    (b"", b"one<i", ['4: changed: the tag "<i\\x0a" is not closed [Q304]']),
-    (b"", b"</x>x\n</b >", ['4: remark: unknown end tag "</x>" [Q414]',
-                          '5: remark: unknown end tag "</b >" [Q414]']),
-    (b"", b"<1>one<00:01.500>", ['4: remark: invalid time tag "<1>" [Q415]']),
-    (b"", b"<c.a\nb>x</c>", ['4: changed: a line ends inside the tag "<c.a\\x0ab>" [Q416]']),
-    (b"", b"one\ncaf\xe9", ['5: remark: not UTF-8: "caf\\xe9" [Q417]']),
-    (b"", b"one\x00two\n", ['4: changed: a zero byte hides the line\'s rest, "two" [Q302]']),
+     ['3:25: changed: "line:-2147483648" is delivered as 2147483647 [Q305]']),
+    (b" region:a", b"x", ['3:25: changed: "region:a" is not delivered [Q412]']),
+    (b" a:", b"x", ['3:25: changed: "a:" is dropped [Q403]']),
+    (b" size:", b"x", ['3:25: changed: "size:" is dropped [Q404]']),
+    (b" size", b"x", ['3:25: changed: "size" is no setting [Q405]']),
+    (b"", b"one\nAT&T & you", ['5:3: changed: "&T" is lost [Q303]', '5:6: changed: "&" is lost [Q303]']),
+    (b"", b"&copy; &lt;&amp", ['4:1: remark: "&copy;" is shown as it is [Q413]',
+                               '4:12: changed: "&amp" is lost [Q303]']),
+    (b"", b"one<i", ['4:4: changed: the tag "<i\\x0a" is not closed [Q304]']),
+    (b"", b"</x>x\n</b >", ['4:1: remark: unknown end tag "</x>" [Q414]',
+                          '5:1: remark: unknown end tag "</b >" [Q414]']),
+    (b"", b"<1>one<00:01.500>", ['4:1: remark: invalid time tag "<1>" [Q415]']),
+    (b"", b"<c.a\nb>x</c>", ['4:1: changed: a line ends inside the tag "<c.a\\x0ab>" [Q416]']),
+    (b"", b"one\ncaf\xe9", ['5:4: remark: not UTF-8: "caf\\xe9" [Q417]']),
+    (b"", b"one\x00two\n", ['4:4: changed: a zero byte hides the line\'s rest, "two" [Q302]']),
 )
 
 REJECTED = (
@@ -125,7 +125,7 @@ class Check(QuillTest):
             if "sums" in line:
                 sums[line["track"]] = line["sums"]
             else:
-                found[line["track"]].append(f"{line['line']}: {line['severity']}: "
+                found[line["track"]].append(f"{place(line)}: {line['severity']}: "
                                             f"{line['message']} [{line['code']}]")
         in_text = [re.fullmatch(r"(.* \[Q\d+\]); .*", line).group(1) for line in text.splitlines()]
         self.assertEqual([f"{path}:{line}" for path in paths for line in found[path]], in_text)
@@ -147,8 +147,8 @@ class Check(QuillTest):
                                   for block, _ in OWN_FAULTS])
         for (block, expected), (lines, sums) in zip(OWN_FAULTS, results):
             with self.subTest(block):
-                number, rest = expected.split(":", 1)
-                self.assertEqual(lines, [f"{int(number) + 3}:{rest}"])
+                number, rest = re.fullmatch(r"(\d+)(.*)", expected).groups()
+                self.assertEqual(lines, [f"{int(number) + 3}{rest}"])
                 self.assertEqual(sums["cues_delivered"], 1)
 
     def test_remarks(self):
@@ -201,8 +201,8 @@ class Check(QuillTest):
                                   "--chunk", len(start))
             with self.subTest(start):
                 self.assertEqual([one for one in lines if "Q307" in one],
-                                 [f"{line}: changed: the cue at 00:00:03.000 is made of remains; "
-                                  "its chunk begins here [Q307]"])
+                                 [f"{line}: changed: the cue at 00:00:03.000 is made of remains of "
+                                  "the chunk that line 3 ended; its chunk begins here [Q307]"])
 
     def test_odd_times_that_are_in_order(self):
         lines, sums = self.check(b"WEBVTT\n\n12::34.567 --> 13:00.000\nx\n\n100:00:00.000 --> 100:00:01.000\nx\n\n")
@@ -220,8 +220,7 @@ class Check(QuillTest):
         lines, sums = self.check(track)
         self.assertEqual(lines, [
             '2: lost: "X-TIMESTAMP-MAP=MPEGTS:9" made the module throw [Q121]',
-            "4: lost: the cue at 00:00:03.000 is lost with its chunk, which the map header ended "
-            "[Q204]"])
+            "4: lost: the cue at 00:00:03.000 is lost with its chunk, which line 2 ended [Q204]"])
         self.assertEqual(sums["header_lines"], {"used": 0, "ignored": 1})
         lines, sums = self.check(track, "--chunk", 32)  # the blank line begins the next chunk
         self.assertEqual((len(lines), sums["cues_delivered"]), (1, 1))

@@ -54,7 +54,7 @@ class Screen(QuillTest):
         self.assertEqual(self.of(REMARK + LOST, "--chunk", "99", "--quiet"), found[:2])
 
     def test_findings_of_one_code_fold(self):
-        one = '{}: changed: "align:center" ' + TAKEN
+        one = '{}:31: changed: "align:center" ' + TAKEN
         three = [one.format(3), one.format(6), one.format(9)]
         for count, rest in ((3, []), (4, ["1 more like these, line 12"]),
                             (800, ["797 more like these, lines 12 to 2400"])):

@@ -2,16 +2,27 @@
 
 import collections
 import json
+import re
 import unittest
 
 from complaint_cases import read_all, to_bytes
-from quill_runner import QuillTest
+from quill_runner import QuillTest, place
+
+
+# The first byte that is not UTF-8, and what hides the text.
+OTHER_COLUMNS = ("Q417", "Q302")
 
 
 class Complaints(QuillTest):
-    def setUp(self):
-        super().setUp()
-        self.cases = read_all()
+    cases = read_all()
+    found_once = {}
+
+    def found(self):
+        """What is found in each of the cases, by name."""
+        if not self.found_once:
+            self.found_once.update(self.findings([(case.name, case.options, case.track)
+                                                  for case in self.cases]))
+        return self.found_once
 
     def findings(self, tracks):
         """What is found in each of the named tracks, which come with their options: by name."""
@@ -29,15 +40,39 @@ class Complaints(QuillTest):
         return found
 
     def compare(self, expected, lines):
-        got = [f"{line['line']} {line['code']} {line['severity']} {line['message']} | "
+        got = [f"{place(line)} {line['code']} {line['severity']} {line['message']} | "
                f"{line['hint']}" for line in lines]
         wanted = ["{} {} {} {} | {}".format(*finding) for finding in expected]
         self.assertEqual(len(got), len(wanted), f"got {got}, not {wanted}")
         for line, (number, code, severity, message, fix) in zip(lines, expected):
-            self.assertEqual((str(line["line"]), line["code"], line["severity"]),
+            self.assertEqual((place(line), line["code"], line["severity"]),
                              (number, code, severity), got)
             self.assertIn(message, line["message"])
             self.assertIn(fix, line["hint"])
+
+    def test_a_column_is_that_of_what_is_quoted(self):
+        found = self.found()
+        count = 0
+        for case in self.cases:
+            # A byte that is no part of UTF-8 is a character too.
+            lines = re.split("\r\n|\n|\r", case.track.decode(errors="surrogateescape"))
+            for finding in found[case.name]:
+                # As far as it is written as it stands: a tag may go on, and what cannot be seen is
+                # escaped.
+                quoted = re.findall(r'"([^\\]+?)(?:>|\\|\.\.\.|"(?=[ ,;:.]|$))', finding["message"])
+                if "column" in finding and quoted and finding["code"] not in OTHER_COLUMNS:
+                    there = lines[finding["line"] - 1][finding["column"] - 1:]
+                    count += 1
+                    with self.subTest(case.name, there=there, quoted=quoted):
+                        self.assertTrue(there.startswith(tuple(quoted)))
+        self.assertGreater(count, 100)
+
+    def test_a_cause_is_the_line_that_is_named(self):
+        found = self.found()
+        causes = [finding for one in found.values() for finding in one if "cause_line" in finding]
+        for finding in causes:
+            self.assertRegex(finding["message"], rf"line {finding['cause_line']}\b")
+        self.assertGreater(len(causes), 5)
 
     def test_there_are_many(self):
         self.assertGreaterEqual(len(self.cases), 120)
@@ -45,7 +80,7 @@ class Complaints(QuillTest):
         self.assertEqual(len(set(names)), len(names))
 
     def test_each_is_answered(self):
-        found = self.findings([(case.name, case.options, case.track) for case in self.cases])
+        found = self.found()
         for case in self.cases:
             with self.subTest(case.name):
                 self.compare(case.findings, found[case.name])

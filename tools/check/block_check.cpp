@@ -159,9 +159,13 @@ ByteClass BlockCheck::JudgeComment(Findings& findings) {
 // Strays are named by the line in which their chunk begins.
 void BlockCheck::ReportStrays(std::size_t chunk) {
     for (const PlayedCue& stray : matcher_.TakeStrays(chunk)) {
+        const std::uint32_t cause = stray.chunk == 0 ? 0 : neighbours_.CulpritIn(stray.chunk - 1);
+        const std::string of =
+            cause == 0 ? "" : " of the chunk that line " + std::to_string(cause) + " ended";
         report_.Say(Finding(line_counter_.LineOf(plan_.Begin(stray.chunk)), "remains",
                             "the cue at " + console::FormatTime(stray.start, '.') +
-                                " is made of remains; its chunk begins here"));
+                                " is made of remains" + of + "; its chunk begins here")
+                        .Because(cause));
     }
 }
 

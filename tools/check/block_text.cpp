@@ -59,4 +59,16 @@ std::string BlockText::Payload() const {
     return payload;
 }
 
+BlockPlace BlockText::PlaceInPayload(std::size_t byte) const {
+    BlockPlace place = {TimingIndex() + 1, byte};
+    for (; place.line + 1 < size(); ++place.line) {
+        const std::size_t bytes = text(place.line).size() + (line(place.line).is_cut() ? 0 : 1);
+        if (place.byte < bytes) {
+            break;
+        }
+        place.byte -= bytes;
+    }
+    return place;
+}
+
 }  // namespace quill::check

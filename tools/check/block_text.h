@@ -20,6 +20,12 @@ struct TimingLine {
     std::string_view settings;
 };
 
+// A byte of a block.
+struct BlockPlace {
+    std::size_t line;  // of the block
+    std::size_t byte;  // of the line's text; npos for the line as a whole
+};
+
 class BlockText {
   public:
     // Takes the place of the block before. The track must outlive what is asked of this one.
@@ -46,6 +52,8 @@ class BlockText {
     TimingLine Timing() const;
     // The lines below, each with a line feed, as the module reads them.
     std::string Payload() const;
+    // Where a byte of the payload stands.
+    BlockPlace PlaceInPayload(std::size_t byte) const;
 
   private:
     bool HasArrow(std::size_t index) const;

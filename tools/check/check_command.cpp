@@ -21,7 +21,7 @@ namespace {
 constexpr std::uint32_t kMostJobs = 256;
 
 constexpr char kFooter[] = R"(A finding is one line, which editors can jump to:
-  track.vtt:12: lost: invalid start time "abc" [Q101]; write MM:SS.mmm or HH:MM:SS.mmm
+  track.vtt:12:1: lost: invalid start time "abc" [Q101]; write MM:SS.mmm or HH:MM:SS.mmm
 Severities:
   lost     a cue, or the whole track, does not arrive: for its own fault (Q1..), or because it
            shares a chunk with something else (Q2..)
@@ -30,6 +30,8 @@ Severities:
 Of one code the first three are shown, and those that a chunk takes with it as one; --all shows
 each. The sums follow, and for several tracks their total. A track without a finding prints
 nothing. In json every line is an object, no finding is left out, and "sums" ends each track.
+github makes annotations of the findings in a workflow there, and sarif one document in the format
+SARIF 2.1.0, which has every finding too.
 
 Examples:
   quill check track.vtt
@@ -46,18 +48,13 @@ Exit codes:
   3  the module cannot be loaded)";
 
 std::optional<Severity> ParseFailOn(const std::string& name) {
-    if (name == "never") {
-        return std::nullopt;
-    }
-    for (const Severity severity : {Severity::kLost, Severity::kChanged, Severity::kRemark}) {
-        if (name == SeverityName(severity)) {
-            return severity;
-        }
-    }
-    console::RejectArgument("--fail-on takes lost, changed, remark or never, not \"" + name + "\"");
+    static constexpr std::optional<Severity> kLevels[] = {Severity::kLost, Severity::kChanged,
+                                                          Severity::kRemark, std::nullopt};
+    return kLevels[console::ParseChoice("--fail-on", {"lost", "changed", "remark", "never"}, name)];
 }
 
-bool WantsColour() {
+// Where nobody chose, colours are for people who have not said that they want none.
+bool IsForColours() {
     const char* const no_colour = std::getenv("NO_COLOR");
     return isatty(STDOUT_FILENO) == 1 && (no_colour == nullptr || *no_colour == '\0');
 }
@@ -68,7 +65,23 @@ CheckCommand::CheckCommand(CLI::App& app)
     : Command(app, "check", "Say what becomes of every block of a track") {
     console::CommandLine& line = command_line();
     console::AddTrackArguments(line, tracks_, "The tracks to check");
-    console::AddTextOrJson(line, in_json_, "How findings are printed");
+    line.AddOption(
+        "--format", "FORMAT",
+        [this](const std::string& name) {
+            format_ = static_cast<Format>(
+                console::ParseChoice("--format", {"text", "json", "github", "sarif"}, name));
+        },
+        "How findings are printed: text (default), json, github or\n"
+        "sarif");
+    line.AddOption(
+        "--color", "WHEN",
+        [this](const std::string& name) {
+            const std::size_t when =
+                console::ParseChoice("--color", {"auto", "always", "never"}, name);
+            in_colour_ = when == 0 ? std::nullopt : std::optional(when == 1);
+        },
+        "Whether text has colours: auto (default: on a terminal,\n"
+        "unless NO_COLOR is set), always or never");
     line.AddOption(
         "--chunk", "BYTES",
         [this](const std::string& text) {
@@ -126,9 +139,11 @@ void CheckCommand::AddCodeOptions() {
 }
 
 console::ExitCode CheckCommand::Run(console::Output& output) {
-    const std::unique_ptr<Report> report =
-        in_json_ ? MakeJsonReport() : MakeTextReport(WantsColour());
+    const std::unique_ptr<Report> report = MakeReport();
     if (only_codes_) {
+        if (format_ != Format::kText && format_ != Format::kJson) {
+            throw console::Failure(console::kExitUsage, "--codes has the formats text and json");
+        }
         std::for_each(Codes(), Codes() + CodeCount(),
                       [&](const Code& code) { output.Write(report->Format(code)); });
         return console::kExitDone;
@@ -151,6 +166,20 @@ console::ExitCode CheckCommand::Run(console::Output& output) {
         }
         return error.code();
     }
+}
+
+std::unique_ptr<Report> CheckCommand::MakeReport() const {
+    switch (format_) {
+        case Format::kJson:
+            return MakeJsonReport();
+        case Format::kGithub:
+            return MakeGithubReport();
+        case Format::kSarif:
+            return MakeSarifReport();
+        case Format::kText:
+            break;
+    }
+    return MakeTextReport(in_colour_.value_or(IsForColours()));
 }
 
 console::ExitCode CheckCommand::ExplainCode(console::Output& output) const {
@@ -181,11 +210,14 @@ console::ExitCode CheckCommand::CheckTracks(const CheckOptions& options,
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
     const host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kDrop);
     const host::ModuleHandle module(path);
+    const Report& report = *options.printing.report;
+    output.Write(report.Beginning());
     TrackRun run(options, output);
     run.Run(module, tracks_, jobs_.value_or(std::max(std::thread::hardware_concurrency(), 1u)));
     if (!quiet_ && run.total().tracks + run.total().failed > 1) {
-        output.Write(options.printing.report->Format(run.total(), in_full_));
+        output.Write(report.Format(run.total(), in_full_));
     }
+    output.Write(report.Ending(run.code() == console::kExitDone));
     return run.code() == console::kExitDone && Fails(run.total().sums) ? console::kExitTrack
                                                                        : run.code();
 }

@@ -3,6 +3,7 @@
 #define TOOLS_CHECK_CHECK_COMMAND_H_
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -22,14 +23,18 @@ class CheckCommand : public console::Command {
     console::ExitCode Run(console::Output& output) override;
 
   private:
+    enum class Format { kText, kJson, kGithub, kSarif };
+
     void AddCodeOptions();
+    std::unique_ptr<Report> MakeReport() const;
     console::ExitCode ExplainCode(console::Output& output) const;
     CheckOptions Options(const Report& report) const;
     console::ExitCode CheckTracks(const CheckOptions& options, console::Output& output) const;
     bool Fails(const Sums& sums) const;
 
     console::TrackArguments tracks_;
-    bool in_json_ = false;
+    Format format_ = Format::kText;
+    std::optional<bool> in_colour_;
     bool only_codes_ = false;
     bool all_ = false;
     bool in_full_ = false;

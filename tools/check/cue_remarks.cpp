@@ -30,18 +30,21 @@ void ExamineTimes(const BlockText& block, const TimingLine& timing, const CueCop
                   Findings& findings) {
     constexpr double kSecondsPerHour = 3600;
     const std::uint32_t line = block.number(block.TimingIndex());
+    const std::string_view text = block.text(block.TimingIndex());
     for (const auto& [written, delivered] :
          {std::pair(timing.start, cue.start), std::pair(timing.end, cue.end)}) {
         if (WrittenHours(written) * kSecondsPerHour > delivered) {
-            findings.emplace_back(
-                line, "hours-wrap",
-                Quoted(written) + " is delivered as " + console::FormatTime(delivered, '.'));
+            findings.push_back(
+                Finding(line, "hours-wrap",
+                        Quoted(written) + " is delivered as " + console::FormatTime(delivered, '.'))
+                    .At(text, written));
         }
     }
     if (cue.end <= cue.start) {
-        findings.emplace_back(line, "end-before-start",
-                              "ends at " + console::FormatTime(cue.end, '.') + ", and starts at " +
-                                  console::FormatTime(cue.start, '.'));
+        findings.push_back(Finding(line, "end-before-start",
+                                   "ends at " + console::FormatTime(cue.end, '.') +
+                                       ", and starts at " + console::FormatTime(cue.start, '.'))
+                               .At(text, timing.end));
     }
 }
 
@@ -55,14 +58,18 @@ void ExamineLines(const BlockText& block, Findings& findings) {
     for (std::size_t index = 0; index < block.size(); ++index) {
         const Line& line = block.line(index);
         if (line.is_cut()) {
-            findings.emplace_back(block.number(index), "zero-byte",
-                                  "a zero byte hides the line's rest, " +
-                                      Quoted(line.all.substr(line.text.size() + 1)));
+            findings.push_back(Finding(block.number(index), "zero-byte",
+                                       "a zero byte hides the line's rest, " +
+                                           Quoted(line.all.substr(line.text.size() + 1)))
+                                   .At(line.all, line.text.size()));
         }
-        if (!said && index > block.TimingIndex() && !IsPlain(line.text) &&
-            !console::IsUtf8(line.text)) {
-            findings.emplace_back(block.number(index), "not-utf-8",
-                                  "not UTF-8: " + Quoted(line.text));
+        const std::size_t foreign = said || index <= block.TimingIndex() || IsPlain(line.text)
+                                        ? std::string_view::npos
+                                        : console::FindInvalid(line.text);
+        if (foreign != std::string_view::npos) {
+            findings.push_back(
+                Finding(block.number(index), "not-utf-8", "not UTF-8: " + Quoted(line.text))
+                    .At(line.text, foreign));
             said = true;
         }
     }
@@ -96,7 +103,8 @@ void CueRemarks::Examine(const BlockText& block, const Verdict& verdict, Finding
     }
     ExamineTimes(block, timing, verdict.cue, findings);
     order_.Examine(verdict.cue, block.number(block.TimingIndex()), findings);
-    settings_.Examine(timing.settings, block.number(block.TimingIndex()), findings);
+    settings_.Examine(block.text(block.TimingIndex()), timing.settings,
+                      block.number(block.TimingIndex()), findings);
     ExamineLines(block, findings);
     lines_.Examine(block, findings);
     if (ShowsNothing(verdict.cue.text)) {
@@ -104,8 +112,7 @@ void CueRemarks::Examine(const BlockText& block, const Verdict& verdict, Finding
                               "the cue shows nothing");
     }
     if (HasMarkup(block)) {
-        text_.Examine(block.Payload(), block.number(block.TimingIndex() + 1), verdict.printed,
-                      findings);
+        text_.Examine(block, verdict.printed, findings);
     }
 }
 

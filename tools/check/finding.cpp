@@ -1,8 +1,7 @@
 #include "tools/check/finding.h"
 
-#include <cstddef>
-
 #include "tools/check/characters.h"
+#include "tools/console/escape.h"
 
 namespace quill::check {
 
@@ -20,6 +19,24 @@ std::string QuotedUpTo(std::size_t most_bytes, std::string_view text) {
 }
 
 }  // namespace
+
+Finding Finding::At(std::string_view text, std::size_t byte) const {
+    Finding finding = *this;
+    if (byte > text.size()) {  // what was looked for is not there
+        return finding;
+    }
+    finding.column = 1;
+    for (text = text.substr(0, byte); !text.empty(); ++finding.column) {
+        text.remove_prefix(console::FirstCharacter(text).size);
+    }
+    return finding;
+}
+
+Finding Finding::Because(std::uint32_t other_line) const {
+    Finding finding = *this;
+    finding.cause_line = other_line;
+    return finding;
+}
 
 std::string Quoted(std::string_view text) {
     constexpr std::size_t kFewWords = 40;

@@ -2,6 +2,7 @@
 #ifndef TOOLS_CHECK_FINDING_H_
 #define TOOLS_CHECK_FINDING_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,8 +20,18 @@ struct Finding {
     // What the author can do here.
     std::string hint() const { return fix.empty() ? code->hint : fix; }
 
+    // The same about the character at that byte of its line, which `text` begins with.
+    Finding At(std::string_view text, std::size_t byte) const;
+    // About `piece`, which is a part of `text`.
+    Finding At(std::string_view text, std::string_view piece) const {
+        return At(text, static_cast<std::size_t>(piece.data() - text.data()));
+    }
+    // The same, brought about by what stands on another line.
+    Finding Because(std::uint32_t other_line) const;
+
     std::uint32_t line;            // of the track, from 1
-    std::uint32_t cause_line = 0;  // on which that stands for which this was lost; 0 if on none
+    std::uint32_t column = 0;      // of a character on it, from 1; 0 for the line as a whole
+    std::uint32_t cause_line = 0;  // on which that stands which brought this about; 0 if on none
     const Code* code;
     std::string message;  // what happened here; safe to print
     std::string fix;      // safe to print; empty when that of the code does

@@ -95,13 +95,16 @@ void HeaderCheck::ExamineSignature(Findings& findings) {
     const std::string_view text = LineAt(track_, 0).text;
     if (const std::size_t map = FindMap(text); map != std::string_view::npos) {
         const std::string meant = ReadMeantMap(text.substr(map)).text;
-        findings.emplace_back(
-            1, "map-on-first-line", "a map header stands on the first line",
+        const std::string fix =
             meant.empty() ? ""
-                          : "put it on a line of its own below the first, " + QuotedWhole(meant));
+                          : "put it on a line of its own below the first, " + QuotedWhole(meant);
+        findings.push_back(
+            Finding(1, "map-on-first-line", "a map header stands on the first line", fix)
+                .At(text, map));
     }
-    if (text.find(kArrow) != std::string_view::npos) {
-        findings.emplace_back(1, "times-on-first-line", "the first line holds a timing line");
+    if (const std::size_t arrow = text.find(kArrow); arrow != std::string_view::npos) {
+        findings.push_back(Finding(1, "times-on-first-line", "the first line holds a timing line")
+                               .At(text, arrow));
     }
 }
 
@@ -138,7 +141,7 @@ HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdic
     }
     map_ = line;
     if (verdict.fate == Fate::kThrew) {
-        throwing_chunks_.push_back(ChunkOf(line));
+        throwing_maps_.emplace(ChunkOf(line), line_);
         findings.emplace_back(line_, "map-throws", Quoted(line.text) + " made the module throw");
         return Use::kIgnored;
     }
@@ -170,10 +173,11 @@ void HeaderCheck::ExamineShift(const Line& line, Findings& findings) {
         return;
     }
     if (meant.mpeg_time == UINT32_MAX) {
-        findings.emplace_back(
-            line_, "map-number",
-            "MPEGTS:" + std::to_string(meant.mpeg_time) + " counts as none, and no time is mapped",
-            "write " + QuotedWhole(MapWithTicks(meant, meant.mpeg_time - 1)));
+        findings.push_back(Finding(line_, "map-number",
+                                   "MPEGTS:" + std::to_string(meant.mpeg_time) +
+                                       " counts as none, and no time is mapped",
+                                   "write " + QuotedWhole(MapWithTicks(meant, meant.mpeg_time - 1)))
+                               .At(line.text, line.text.find("MPEGTS:")));
         return;
     }
     findings.emplace_back(line_, "map-number",

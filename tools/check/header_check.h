@@ -4,10 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "tools/check/finding.h"
 #include "tools/check/lone_parser.h"
@@ -17,6 +17,9 @@
 #include "tools/host/module_handle.h"
 
 namespace quill::check {
+
+// The chunks in which a map header makes the module throw, with its line.
+using ThrowingMaps = std::map<std::size_t, std::uint32_t>;
 
 class HeaderCheck {
   public:
@@ -30,8 +33,7 @@ class HeaderCheck {
     // Where the header ends, and the number of the line there.
     std::size_t end() const { return end_; }
     std::uint32_t end_line() const { return line_; }
-    // The chunks in which a map header makes the module throw.
-    const std::vector<std::size_t>& throwing_chunks() const { return throwing_chunks_; }
+    const ThrowingMaps& throwing_maps() const { return throwing_maps_; }
 
   private:
     enum class Use { kUsed, kIgnored, kLost };
@@ -62,7 +64,7 @@ class HeaderCheck {
     std::uint32_t looks_blank_ = 0;  // the last line that does; none is 0
     std::string blank_characters_;   // that it holds
     std::optional<Line> map_;        // the first one of its chunk
-    std::vector<std::size_t> throwing_chunks_;
+    ThrowingMaps throwing_maps_;
 };
 
 }  // namespace quill::check

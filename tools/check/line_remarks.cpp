@@ -32,12 +32,15 @@ void ExamineOverrides(std::string_view text, std::uint32_t line, Findings& findi
          at = text.find('\\', at + 1)) {
         if (at > 0 && text[at - 1] == '{') {
             const std::size_t end = std::min(text.find('}', at), text.size() - 1);
-            findings.emplace_back(line, "foreign-code",
-                                  Quoted(text.substr(at - 1, end - at + 2)) + " is shown as text");
+            findings.push_back(
+                Finding(line, "foreign-code",
+                        Quoted(text.substr(at - 1, end - at + 2)) + " is shown as text")
+                    .At(text, at - 1));
         } else if (text.substr(at, 2) == "\\N" || text.substr(at, 2) == "\\n") {
-            findings.emplace_back(line, "foreign-code",
-                                  Quoted(text.substr(at, 2)) + " is shown as text",
-                                  "write a line end for it");
+            findings.push_back(Finding(line, "foreign-code",
+                                       Quoted(text.substr(at, 2)) + " is shown as text",
+                                       "write a line end for it")
+                                   .At(text, at));
         }
     }
 }
@@ -51,12 +54,13 @@ void ExamineEncoding(std::string_view text, std::uint32_t line, Findings& findin
         const char fourth = text[at + 3];
         if ((second == '\x82' || second == '\x83') && text[at + 2] == '\xC2') {
             const std::string meant = {static_cast<char>(second == '\x82' ? 0xC2 : 0xC3), fourth};
-            findings.emplace_back(
-                line, "encoded-twice",
-                Quoted(text.substr(at, 4)) + " looks like UTF-8 that was encoded twice",
-                "write " + Quoted(meant) +
-                    ", or save the track once more as "
-                    "what it was, Latin-1");
+            findings.push_back(
+                Finding(line, "encoded-twice",
+                        Quoted(text.substr(at, 4)) + " looks like UTF-8 that was encoded twice",
+                        "write " + Quoted(meant) +
+                            ", or save the track once more as "
+                            "what it was, Latin-1")
+                    .At(text, at));
             return;
         }
     }

@@ -17,31 +17,44 @@ namespace quill::check {
 namespace {
 
 constexpr std::string_view kPageComment = "<!--";
+constexpr std::size_t kNone = std::string_view::npos;
+
+Finding WrongArrow(std::string_view text, std::uint32_t line, std::string_view arrow,
+                   const std::string& fix) {
+    const std::string between = arrow.empty() ? "nothing" : Quoted(arrow);
+    return Finding(line, "wrong-arrow", between + " stands between the times", fix)
+        .At(text, arrow.empty() ? kNone : text.find(arrow));
+}
 
 Finding InvalidTime(const BlockText& block, const std::string& which, std::string_view time,
                     LoneParser& asked) {
     const std::string_view text = block.text(block.TimingIndex());
     const std::uint32_t line = block.number(block.TimingIndex());
     const std::string fix = WriteInstead(text, asked);
-    if (text.find(kPageComment) != std::string_view::npos) {
-        return {line, "page-comment", "a page comment is taken for a timing line"};
+    if (const std::size_t comment = text.find(kPageComment); comment != kNone) {
+        return Finding(line, "page-comment", "a page comment is taken for a timing line")
+            .At(text, comment);
     }
     if (block.TimingIndex() == 0 && block.size() > 1 && IsTimingLine(block.text(1), asked)) {
         return {line, "identifier-arrow",
                 "the identifier " + Quoted(text) + " is taken for the timing line"};
     }
     if (const auto meant = ReadMeantTiming(text); meant && meant->arrow != kArrow) {
-        return {line, "wrong-arrow", Quoted(meant->arrow) + " stands between the times", fix};
+        return WrongArrow(text, line, meant->arrow, fix);
     }
+    const std::size_t arrow = text.find(kArrow);
+    const std::size_t at = text.find(time, which == "end" ? arrow + kArrow.size() : 0);
     const MeantTime meant = ReadMeantTime(time);
     if (meant.has_comma) {
-        return {line, which + "-time-comma",
-                which + " time " + Quoted(time) + " with a decimal comma", fix};
+        return Finding(line, which + "-time-comma",
+                       which + " time " + Quoted(time) + " with a decimal comma", fix)
+            .At(text, at);
     }
-    return {line, which + "-time",
-            "invalid " + which + " time " + Quoted(time) +
-                (meant.complaint.empty() ? "" : ": " + meant.complaint),
-            fix};
+    return Finding(line, which + "-time",
+                   "invalid " + which + " time " + Quoted(time) +
+                       (meant.complaint.empty() ? "" : ": " + meant.complaint),
+                   fix)
+        .At(text, at);
 }
 
 Finding LineSetting(const BlockText& block) {
@@ -51,8 +64,9 @@ Finding LineSetting(const BlockText& block) {
         settings.remove_prefix(at);
         settings = settings.substr(0, settings.find(' '));
     }
-    return {block.number(block.TimingIndex()), "line-setting",
-            "no number in the setting " + Quoted(settings)};
+    return Finding(block.number(block.TimingIndex()), "line-setting",
+                   "no number in the setting " + Quoted(settings))
+        .At(block.text(block.TimingIndex()), settings);
 }
 
 Finding NoText(const BlockText& block, const Surroundings& around) {
@@ -123,9 +137,8 @@ Finding NoTimes(const BlockText& block, const Surroundings& around, LoneParser& 
     for (std::size_t index = 0; index < block.size(); ++index) {
         const std::optional<MeantTiming> meant = ReadMeantTiming(block.text(index));
         if (meant && meant->arrow != kArrow) {
-            const std::string between = meant->arrow.empty() ? "nothing" : Quoted(meant->arrow);
-            return {block.number(index), "wrong-arrow", between + " stands between the times",
-                    WriteInstead(block.text(index), asked)};
+            return WrongArrow(block.text(index), block.number(index), meant->arrow,
+                              WriteInstead(block.text(index), asked));
         }
     }
     if (IsLikeMap(block.text(0))) {

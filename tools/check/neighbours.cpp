@@ -1,6 +1,7 @@
 #include "tools/check/neighbours.h"
 
 #include <string>
+#include <utility>
 
 #include "tools/console/cue_time.h"
 
@@ -8,7 +9,7 @@ namespace quill::check {
 namespace {
 
 const char* CodeOf(const EarlyEnd& early_end) {
-    if (early_end.in_header) {
+    if (early_end.header_line != 0) {
         return "behind-map";
     }
     switch (early_end.fate) {
@@ -36,8 +37,17 @@ void Neighbours::Note(const Block& block, const Verdict& verdict, std::uint32_t 
     const EarlyEnd* const early_end = play_.FindEarlyEnd(chunk, chunk);
     if (early_end != nullptr && early_end->fate == verdict.fate &&
         !(culprit_ && culprit_->chunk == chunk)) {
-        culprit_ = {chunk, line};
+        culprit_before_ = std::exchange(culprit_, Culprit{chunk, line});
     }
+}
+
+std::uint32_t Neighbours::CulpritIn(std::size_t chunk) const {
+    for (const std::optional<Culprit>& culprit : {culprit_, culprit_before_}) {
+        if (culprit && culprit->chunk == chunk) {
+            return culprit->line;
+        }
+    }
+    return 0;
 }
 
 Finding Neighbours::Explain(const Block& block, const Verdict& verdict) const {
@@ -45,17 +55,17 @@ Finding Neighbours::Explain(const Block& block, const Verdict& verdict) const {
     const std::size_t first = plan_.IndexOf(block.begin);
     const std::size_t last = plan_.IndexOf(block.completed);
     if (const EarlyEnd* const early_end = play_.FindEarlyEnd(first, last)) {
-        const bool known = culprit_ && culprit_->chunk == early_end->chunk;
-        const std::string by = early_end->in_header ? "the map header"
-                               : known              ? "line " + std::to_string(culprit_->line)
-                                                    : "something before it";
-        Finding finding(block.first_line, CodeOf(*early_end),
-                        cue + " is lost with its chunk, which " + by + " ended");
-        finding.cause_line = known ? culprit_->line : 0;
-        return finding;
+        const std::uint32_t line =
+            early_end->header_line != 0 ? early_end->header_line : CulpritIn(early_end->chunk);
+        const std::string by = line != 0 ? "line " + std::to_string(line) : "something before it";
+        return Finding(block.first_line, CodeOf(*early_end),
+                       cue + " is lost with its chunk, which " + by + " ended")
+            .Because(line);
     }
     if (first <= play_.header_chunk && !play_.early_ends.empty()) {
-        return {block.first_line, "taken-for-header", cue + " is taken for a part of the header"};
+        return Finding(block.first_line, "taken-for-header",
+                       cue + " is taken for a part of the header")
+            .Because(play_.early_ends[0].header_line);
     }
     if (HasSkippedLineFeed(block_before_, block.completed)) {
         return {block.first_line, "skipped-line-feed",

@@ -26,6 +26,9 @@ class Neighbours {
     // For a block that the verdict says is delivered, and that was not. Ask before Note.
     Finding Explain(const Block& block, const Verdict& verdict) const;
 
+    // The line that gave the chunk up; 0 for none. Known for the last two that were given up.
+    std::uint32_t CulpritIn(std::size_t chunk) const;
+
   private:
     struct Culprit {
         std::size_t chunk;
@@ -40,6 +43,7 @@ class Neighbours {
     std::size_t carriage_return_;     // the first one
     std::size_t block_before_ = 0;    // where it begins
     std::optional<Culprit> culprit_;  // the last one
+    std::optional<Culprit> culprit_before_;
 };
 
 }  // namespace quill::check

@@ -25,8 +25,9 @@ std::uint64_t Identity(const CueCopy& cue) {
 bool OrderRemarks::IsRepeated(const CueCopy& cue, std::uint32_t line, Findings& findings) {
     const auto [seen, is_new] = lines_.emplace(Identity(cue), line);
     if (!is_new) {
-        findings.emplace_back(line, "repeated",
-                              "the same cue as on line " + std::to_string(seen->second));
+        findings.push_back(
+            Finding(line, "repeated", "the same cue as on line " + std::to_string(seen->second))
+                .Because(seen->second));
     }
     return !is_new;
 }
@@ -43,14 +44,16 @@ void OrderRemarks::Examine(const CueCopy& cue, std::uint32_t line, Findings& fin
         return;
     }
     if (last_.line != 0 && cue.start < last_.start) {
-        findings.emplace_back(
-            line, "out-of-order",
-            "the cue starts before the cue above it, on line " + std::to_string(last_.line));
+        findings.push_back(
+            Finding(line, "out-of-order",
+                    "the cue starts before the cue above it, on line " + std::to_string(last_.line))
+                .Because(last_.line));
     } else if (longest_.line != 0 && same_place && cue.start < longest_.end) {
-        findings.emplace_back(line, "overlap",
-                              "the cue starts at " + console::FormatTime(cue.start, '.') +
-                                  ", and the cue on line " + std::to_string(longest_.line) +
-                                  " ends at " + console::FormatTime(longest_.end, '.'));
+        findings.push_back(Finding(line, "overlap",
+                                   "the cue starts at " + console::FormatTime(cue.start, '.') +
+                                       ", and the cue on line " + std::to_string(longest_.line) +
+                                       " ends at " + console::FormatTime(longest_.end, '.'))
+                               .Because(longest_.line));
     }
     last_ = now;
     if (longest_.line == 0 || now.end >= longest_.end) {

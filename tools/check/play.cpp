@@ -32,12 +32,12 @@ class Player::Taker : public host::CueSink {
 };
 
 Player::Player(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-               std::string_view track, const ChunkPlan& plan,
-               const std::vector<std::size_t>& throwing_chunks, std::uint32_t video_pts)
+               std::string_view track, const ChunkPlan& plan, const ThrowingMaps& throwing_maps,
+               std::uint32_t video_pts)
     : capture_(capture),
       track_(track),
       plan_(plan),
-      throwing_chunks_(throwing_chunks),
+      throwing_maps_(throwing_maps),
       parser_(module, capture) {
     parser_.SetVideoPts(video_pts);
     capture_.Forget();
@@ -71,18 +71,18 @@ void Player::Feed(std::string_view bytes, std::size_t chunk) {
 
 void Player::NoteEnd(std::optional<int> result, std::size_t chunk, std::size_t cues_before) {
     const bool was_in_header = in_header_;
-    in_header_ = in_header_ && (result ? *result == WEBVTT_RESULT_HEADER
-                                       : std::binary_search(throwing_chunks_.begin(),
-                                                            throwing_chunks_.end(), chunk));
+    const auto map = throwing_maps_.find(chunk);
+    const bool has_map = map != throwing_maps_.end();
+    in_header_ = in_header_ && (result ? *result == WEBVTT_RESULT_HEADER : has_map);
     if (was_in_header) {
         play_.header_chunk = chunk;
     }
     if (!result) {
-        play_.early_ends.push_back({chunk, Fate::kThrew, in_header_});
+        play_.early_ends.push_back({chunk, Fate::kThrew, in_header_ ? map->second : 0});
     } else if (*result == WEBVTT_RESULT_ERROR) {
-        play_.early_ends.push_back({chunk, Fate::kRefused, false});
+        play_.early_ends.push_back({chunk, Fate::kRefused, 0});
     } else if (play_.cues.size() == cues_before && !in_header_ && EndsByError()) {
-        play_.early_ends.push_back({chunk, Fate::kError, false});
+        play_.early_ends.push_back({chunk, Fate::kError, 0});
     }
     capture_.Forget();
 }

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/check/header_check.h"
 #include "tools/check/lone_parser.h"
 #include "tools/check/track_report.h"
 #include "tools/check/track_text.h"
@@ -30,8 +31,8 @@ struct PlayedCue {
 // A chunk that the module gave up before its end.
 struct EarlyEnd {
     std::size_t chunk;
-    Fate fate;  // kError, kRefused or kThrew
-    bool in_header;
+    Fate fate;                  // kError, kRefused or kThrew
+    std::uint32_t header_line;  // of the map that made the module throw; 0 when a block did
 };
 
 struct Play {
@@ -45,11 +46,10 @@ struct Play {
 
 class Player {
   public:
-    // `throwing_chunks` are those in which a map header makes the module throw. All that is given
-    // must outlive the player.
+    // All that is given must outlive the player.
     Player(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-           std::string_view track, const ChunkPlan& plan,
-           const std::vector<std::size_t>& throwing_chunks, std::uint32_t video_pts);
+           std::string_view track, const ChunkPlan& plan, const ThrowingMaps& throwing_maps,
+           std::uint32_t video_pts);
 
     // Shows on the way how far it has come.
     Play Run(TrackReport& report);
@@ -65,7 +65,7 @@ class Player {
     host::DiagnosticsCapture& capture_;
     std::string_view track_;
     const ChunkPlan& plan_;
-    const std::vector<std::size_t>& throwing_chunks_;
+    const ThrowingMaps& throwing_maps_;
     host::ParserHandle parser_;
     Play play_;
     bool in_header_ = true;

@@ -62,6 +62,9 @@ class JsonReport : public Report {
     std::string Format(const std::string& track, const Fold& fold) const override {
         const Finding& finding = fold.finding;
         Json object = {{"track", track}, {"line", finding.line}};
+        if (finding.column != 0) {
+            object["column"] = finding.column;
+        }
         if (finding.cause_line != 0) {
             object["cause_line"] = finding.cause_line;
         }

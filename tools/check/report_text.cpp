@@ -7,6 +7,9 @@
 namespace quill::check {
 namespace {
 
+constexpr char kPlain[] = "\x1B[0m";
+constexpr char kBold[] = "\x1B[1m";
+
 const char* ColourOf(Severity severity) {
     switch (severity) {
         case Severity::kLost:
@@ -66,6 +69,25 @@ std::string InFull(const Sums& sums) {
            "  bytes: " + Bytes(sums) + "\n";
 }
 
+struct Piece {
+    std::size_t begin;
+    std::size_t end;
+};
+
+// What stands in quotation marks from there on, with them; the text's end when there is nothing.
+// Marks can stand within what is quoted, so one that closes has no letter behind it.
+Piece NextQuoted(const std::string& text, std::size_t from) {
+    const std::size_t begin = text.find('"', from);
+    for (std::size_t at = begin; at != std::string::npos; at = text.find('"', at + 1)) {
+        const bool closes = at + 1 == text.size() ||
+                            std::string_view(" ,;:.").find(text[at + 1]) != std::string_view::npos;
+        if (at != begin && closes) {
+            return {begin, at + 1};
+        }
+    }
+    return {text.size(), text.size()};
+}
+
 // "line 11", "lines 11 to 4711"
 std::string Lines(const LineRange& range) {
     return range.first == range.last
@@ -80,19 +102,13 @@ class TextReport : public Report {
     bool Folds() const override { return true; }
 
     std::string Format(const std::string& track, const Fold& fold) const override {
-        const Code& code = *fold.finding.code;
-        const std::string more = std::to_string(fold.others.count) + " more ";
-        std::string text = Name(track) + ":" + std::to_string(fold.finding.line) + ": " +
-                           Coloured(code.severity) + ": ";
-        if (fold.kind == Fold::Kind::kRest) {
-            return text + "and " + more + "like these, " + Lines(fold.others) + " [" + code.number +
-                   "]; --all shows each\n";
+        const Finding& finding = fold.finding;
+        std::string text = Name(track) + ":" + std::to_string(finding.line) + ":";
+        if (fold.kind == Fold::Kind::kFinding && finding.column != 0) {
+            text += std::to_string(finding.column) + ":";
         }
-        text += fold.finding.message;
-        if (fold.others.count > 0) {
-            text += ", and " + more + "behind it, " + Lines(fold.others);
-        }
-        return text + " [" + code.number + "]; " + fold.finding.hint() + "\n";
+        return text + " " + Coloured(finding.code->severity) + ": " + Emphasised(InWords(fold)) +
+               " [" + finding.code->number + "]; " + Emphasised(Advice(fold)) + "\n";
     }
 
     std::string Format(const Code& code) const override {
@@ -121,8 +137,6 @@ class TextReport : public Report {
                (in_full ? InFull(total.sums) : InOneLine(total.sums));
     }
 
-    std::string FormatFailure(const std::string&, const std::string&) const override { return ""; }
-
   private:
     static std::string Name(const std::string& track) {
         return console::Escape(track, console::LineFeeds::kEscape);
@@ -130,13 +144,55 @@ class TextReport : public Report {
 
     std::string Coloured(Severity severity) const {
         const char* const name = SeverityName(severity);
-        return in_colour_ ? ColourOf(severity) + std::string(name) + "\x1B[0m" : name;
+        return in_colour_ ? ColourOf(severity) + std::string(name) + kPlain : name;
+    }
+
+    // With what stands in quotation marks in bold.
+    std::string Emphasised(const std::string& text) const {
+        if (!in_colour_) {
+            return text;
+        }
+        std::string emphasised;
+        std::size_t done = 0;
+        for (Piece piece = NextQuoted(text, 0); piece.begin < text.size();
+             piece = NextQuoted(text, done)) {
+            emphasised += text.substr(done, piece.begin - done) + kBold +
+                          text.substr(piece.begin, piece.end - piece.begin) + kPlain;
+            done = piece.end;
+        }
+        return emphasised + text.substr(done);
     }
 
     bool in_colour_;
 };
 
 }  // namespace
+
+const char* LevelOf(Severity severity, const char* less) {
+    switch (severity) {
+        case Severity::kLost:
+            return "error";
+        case Severity::kChanged:
+            return "warning";
+        case Severity::kRemark:
+            break;
+    }
+    return less;
+}
+
+std::string InWords(const Fold& fold) {
+    const std::string more = std::to_string(fold.others.count) + " more ";
+    if (fold.kind == Fold::Kind::kRest) {
+        return "and " + more + "like these, " + Lines(fold.others);
+    }
+    return fold.others.count == 0
+               ? fold.finding.message
+               : fold.finding.message + ", and " + more + "behind it, " + Lines(fold.others);
+}
+
+std::string Advice(const Fold& fold) {
+    return fold.kind == Fold::Kind::kRest ? "--all shows each" : fold.finding.hint();
+}
 
 std::unique_ptr<Report> MakeTextReport(bool in_colour) {
     return std::make_unique<TextReport>(in_colour);

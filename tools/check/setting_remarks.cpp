@@ -175,11 +175,13 @@ const Verdict& SettingRemarks::AskCueWith(const std::string& settings) {
     return parser_.Ask("00:00.000 --> 00:01.000 " + settings + "\nx\n\n");
 }
 
-void SettingRemarks::Examine(std::string_view settings, std::uint32_t line, Findings& findings) {
+void SettingRemarks::Examine(std::string_view text, std::string_view settings, std::uint32_t line,
+                             Findings& findings) {
     std::string torn;  // a name and its colon, behind which the value may be the next item
     while (!settings.empty()) {
         const std::size_t end = std::min(settings.find(' '), settings.size());
-        const std::string item(settings.substr(0, end));
+        const std::string_view piece = settings.substr(0, end);
+        const std::string item(piece);
         settings.remove_prefix(std::min(end + 1, settings.size()));
         if (item.empty()) {
             continue;
@@ -192,7 +194,7 @@ void SettingRemarks::Examine(std::string_view settings, std::uint32_t line, Find
         torn = item.back() == ':' ? item : "";
         for (Finding finding : AnswerFor(item)) {
             finding.line = line;
-            findings.push_back(finding);
+            findings.push_back(finding.At(text, piece));
         }
     }
 }

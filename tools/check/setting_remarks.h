@@ -19,8 +19,9 @@ class SettingRemarks {
     // The parser must outlive this. What it was asked before is asked no more.
     explicit SettingRemarks(LoneParser& parser);
 
-    // Of the part of a timing line behind the end time.
-    void Examine(std::string_view settings, std::uint32_t line, Findings& findings);
+    // `settings` is the part of a timing line behind the end time.
+    void Examine(std::string_view text, std::string_view settings, std::uint32_t line,
+                 Findings& findings);
 
   private:
     const Findings& AnswerFor(const std::string& item);

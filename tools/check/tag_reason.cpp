@@ -9,8 +9,8 @@
 namespace quill::check {
 namespace {
 
-// The line of the block on which the tag begins.
-std::size_t TagLine(const BlockText& block, std::string_view name) {
+// Where the tag begins.
+BlockPlace TagPlace(const BlockText& block, std::string_view name) {
     const std::string tag = "<" + std::string(name.substr(0, name.find('\n')));
     for (std::size_t index = block.TimingIndex() + 1; index < block.size(); ++index) {
         const std::size_t at = block.text(index).find(tag);
@@ -20,10 +20,10 @@ std::size_t TagLine(const BlockText& block, std::string_view name) {
         const std::string_view behind = block.text(index).substr(at + tag.size());
         if (behind.empty() ||
             std::string_view(">. \t\f").find(behind[0]) != std::string_view::npos) {
-            return index;
+            return {index, at};
         }
     }
-    return std::min(block.TimingIndex() + 1, block.size() - 1);
+    return {std::min(block.TimingIndex() + 1, block.size() - 1), std::string_view::npos};
 }
 
 bool IsTag(const std::string& name, LoneParser& asked) {
@@ -48,21 +48,22 @@ std::string TagOfTrack(std::string name) {
 }
 
 Finding UnknownTag(const BlockText& block, std::string_view name, LoneParser& asked) {
-    const std::uint32_t line = block.number(TagLine(block, name));
+    const BlockPlace place = TagPlace(block, name);
+    const std::uint32_t line = block.number(place.line);
+    const std::string_view text = block.text(place.line);
     if (name.empty()) {
-        return {line, "unnamed-tag", "a \"<\" that begins no tag"};
+        return Finding(line, "unnamed-tag", "a \"<\" that begins no tag").At(text, place.byte);
     }
     const std::string tag(name);
-    const std::string message = "unknown start tag " + Quoted("<" + tag + ">");
     const std::string known = TagOfTrack(tag);
+    std::string fix;
     if (known == "br" || known == "br/") {
-        return {line, "unknown-tag", message, "write a line end for it"};
+        fix = "write a line end for it";
+    } else if (known != tag && IsTag(known, asked)) {
+        fix = "write \"<" + known + ">\", and \"</" + known + ">\" where it ends";
     }
-    if (known != tag && IsTag(known, asked)) {
-        return {line, "unknown-tag", message,
-                "write \"<" + known + ">\", and \"</" + known + ">\" where it ends"};
-    }
-    return {line, "unknown-tag", message};
+    return Finding(line, "unknown-tag", "unknown start tag " + Quoted("<" + tag + ">"), fix)
+        .At(text, place.byte);
 }
 
 }  // namespace quill::check

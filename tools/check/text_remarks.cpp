@@ -43,51 +43,53 @@ struct Dropped {
     std::set<std::string_view> time_tags;
 };
 
-// Returns how many bytes of `rest`, which begins with "<", have been dealt with.
-std::size_t ExamineTag(std::string_view rest, std::uint32_t line, const Dropped& dropped,
-                       Findings& findings) {
+// Returns how many bytes of `rest`, which begins with "<", have been dealt with. What is found gets
+// its place from TextRemarks::Examine.
+std::size_t ExamineTag(std::string_view rest, const Dropped& dropped, Findings& findings) {
     const std::size_t close = rest.find('>');
     if (close == std::string_view::npos) {
-        findings.emplace_back(line, "open-tag", "the tag " + Quoted(rest) + " is not closed");
+        findings.emplace_back(0, "open-tag", "the tag " + Quoted(rest) + " is not closed");
         return rest.size();
     }
     const std::string_view tag = rest.substr(0, close + 1);
     const std::string_view inner = rest.substr(1, close - 1);
     if (const std::size_t line_end = LineEndInClasses(tag); line_end != 0) {
-        findings.emplace_back(line, "tag-line-end", "a line ends inside the tag " + Quoted(tag));
+        findings.emplace_back(0, "tag-line-end", "a line ends inside the tag " + Quoted(tag));
         return line_end + 1;
     }
     if (inner.substr(0, 1) == "/" && dropped.end_tags.count(inner.substr(1)) > 0) {
-        findings.emplace_back(line, "unknown-end-tag", "unknown end tag " + Quoted(tag));
+        findings.emplace_back(0, "unknown-end-tag", "unknown end tag " + Quoted(tag));
     } else if (dropped.time_tags.count(inner) > 0) {
-        findings.emplace_back(line, "time-tag", "invalid time tag " + Quoted(tag));
+        findings.emplace_back(0, "time-tag", "invalid time tag " + Quoted(tag));
     }
     return tag.size();
 }
 
 }  // namespace
 
-void TextRemarks::Examine(std::string_view payload, std::uint32_t line, const std::string& printed,
-                          Findings& findings) {
+void TextRemarks::Examine(const BlockText& block, const std::string& printed, Findings& findings) {
     const Dropped dropped = {DroppedTags(printed, words::kEndTag),
                              DroppedTags(printed, words::kTimeTag)};
+    const std::string payload = block.Payload();
     std::size_t at = payload.find_first_of("&<");
     while (at < payload.size()) {
-        line += static_cast<std::uint32_t>(
-            std::count(payload.begin(), payload.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
-        payload.remove_prefix(at);
-        const std::size_t done = payload[0] == '<' ? ExamineTag(payload, line, dropped, findings)
-                                                   : ExamineReference(payload, line, findings);
-        at = payload.find_first_of("&<", done);
+        const std::string_view rest = std::string_view(payload).substr(at);
+        Findings found;
+        const std::size_t done =
+            rest[0] == '<' ? ExamineTag(rest, dropped, found) : ExamineReference(rest, found);
+        const BlockPlace place = block.PlaceInPayload(at);
+        for (Finding& finding : found) {
+            finding.line = block.number(place.line);
+            findings.push_back(finding.At(block.text(place.line), place.byte));
+        }
+        at = payload.find_first_of("&<", at + done);
     }
 }
 
-std::size_t TextRemarks::ExamineReference(std::string_view rest, std::uint32_t line,
-                                          Findings& findings) {
+std::size_t TextRemarks::ExamineReference(std::string_view rest, Findings& findings) {
     if (const std::size_t size = NumberedSize(rest)) {
         const std::string_view reference = rest.substr(0, size);
-        findings.emplace_back(line, "bare-ampersand",
-                              "the \"&\" of " + Quoted(reference) + " is lost",
+        findings.emplace_back(0, "bare-ampersand", "the \"&\" of " + Quoted(reference) + " is lost",
                               WriteNumbered(reference));
         return size;
     }
@@ -102,16 +104,16 @@ std::size_t TextRemarks::ExamineReference(std::string_view rest, std::uint32_t l
     const std::string_view with_end = rest.substr(0, end + 1);
     switch (AnswerFor(std::string(with_end))) {
         case Reference::kLost:
-            findings.emplace_back(line, "bare-ampersand", Quoted("&" + name) + " is lost",
+            findings.emplace_back(0, "bare-ampersand", Quoted("&" + name) + " is lost",
                                   WriteLost(name));
             break;
         case Reference::kUnknown:
-            findings.emplace_back(line, "unknown-reference",
-                                  Quoted(with_end) + " is shown as it is", WriteUnknown(name));
+            findings.emplace_back(0, "unknown-reference", Quoted(with_end) + " is shown as it is",
+                                  WriteUnknown(name));
             break;
         case Reference::kFine:
             if (name == "amp") {
-                ExamineTwice(rest, line, findings);
+                ExamineTwice(rest, findings);
             }
             break;
     }
@@ -119,7 +121,7 @@ std::size_t TextRemarks::ExamineReference(std::string_view rest, std::uint32_t l
 }
 
 // Whether "&amp;" and what is behind it were meant for one reference.
-void TextRemarks::ExamineTwice(std::string_view rest, std::uint32_t line, Findings& findings) {
+void TextRemarks::ExamineTwice(std::string_view rest, Findings& findings) {
     constexpr std::size_t kAmpersand = 5;
     const std::string behind =
         "&" + std::string(rest.substr(std::min(kAmpersand, rest.size()), 12));
@@ -138,7 +140,7 @@ void TextRemarks::ExamineTwice(std::string_view rest, std::uint32_t line, Findin
     }
     if (!fix.empty()) {
         const std::string shown = behind.substr(0, size);
-        findings.emplace_back(line, "escaped-twice",
+        findings.emplace_back(0, "escaped-twice",
                               Quoted("&amp;" + shown.substr(1)) + " is shown as " + Quoted(shown),
                               fix);
     }

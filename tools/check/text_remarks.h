@@ -7,6 +7,7 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "tools/check/block_text.h"
 #include "tools/check/finding.h"
 #include "tools/check/lone_parser.h"
 
@@ -19,17 +20,15 @@ class TextRemarks {
     // The parser must outlive this.
     explicit TextRemarks(LoneParser& parser) : parser_(parser) {}
 
-    // `payload` is the text of a delivered cue, whose first line has that number, and `printed`
-    // what the module said about the cue.
-    void Examine(std::string_view payload, std::uint32_t line, const std::string& printed,
-                 Findings& findings);
+    // The block is that of a delivered cue, and `printed` what the module said about it.
+    void Examine(const BlockText& block, const std::string& printed, Findings& findings);
 
   private:
     enum class Reference { kFine, kUnknown, kLost };
 
     Reference AnswerFor(const std::string& reference);
-    std::size_t ExamineReference(std::string_view rest, std::uint32_t line, Findings& findings);
-    void ExamineTwice(std::string_view rest, std::uint32_t line, Findings& findings);
+    std::size_t ExamineReference(std::string_view rest, Findings& findings);
+    void ExamineTwice(std::string_view rest, Findings& findings);
     // What to write for a reference that is lost, and for one that is not known.
     std::string WriteLost(const std::string& name);
     std::string WriteUnknown(std::string name);

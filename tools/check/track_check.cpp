@@ -34,7 +34,7 @@ void TrackCheck::Run(std::size_t size) {
     header.Run(begin, findings, report_.sums());
     report_.Say(findings);
 
-    Player player(module_, capture_, track_, plan_, header.throwing_chunks(), video_pts_);
+    Player player(module_, capture_, track_, plan_, header.throwing_maps(), video_pts_);
     const Play play = player.Run(report_);
     BlockCheck blocks(module_, capture_, track_, plan_, play, report_);
     blocks.Run(header.end(), header.end_line());

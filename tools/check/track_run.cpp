@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "tools/check/track_worker.h"
 #include "tools/console/cue_time.h"
@@ -33,7 +34,8 @@ std::optional<std::uint64_t> CountTracks(const console::TrackArguments& argument
 TrackRun::TrackRun(const CheckOptions& options, console::Output& output)
     : options_(options),
       output_(output),
-      progress_(options.shows_progress, console::kProgressPause) {}
+      progress_(options.shows_progress, console::kProgressPause),
+      joint_(options.printing.report->Joint().size()) {}
 
 void TrackRun::Run(const host::ModuleHandle& module, const console::TrackArguments& tracks,
                    std::size_t processes) {
@@ -58,7 +60,10 @@ std::optional<std::string> TrackRun::NextOf(console::TrackList& tracks) {
 
 void TrackRun::Write(std::string_view bytes) {
     progress_.Wipe();
-    output_.Write(bytes);
+    if (!bytes.empty()) {
+        bytes.remove_prefix(std::exchange(joint_, 0));
+        output_.Write(bytes);
+    }
 }
 
 void TrackRun::Show(std::string_view line) {
@@ -89,7 +94,7 @@ void TrackRun::Fail(console::ExitCode code, const std::string& track, const std:
     code_ = std::max(code_, code);
     ++total_.failed;
     if (!track.empty()) {
-        output_.Write(options_.printing.report->FormatFailure(track, message));
+        Write(options_.printing.report->FormatFailure(track, message));
     }
 }
 

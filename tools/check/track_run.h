@@ -49,6 +49,7 @@ class TrackRun : public host::JobSink {
     const CheckOptions& options_;
     console::Output& output_;
     console::Progress progress_;
+    std::size_t joint_;  // to be left out of what is written next
     Clock::time_point start_ = Clock::now();
     std::optional<std::uint64_t> count_;  // of all tracks, where that is known
     Total total_;

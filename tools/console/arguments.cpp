@@ -1,6 +1,7 @@
 #include "tools/console/arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <charconv>
 
 namespace quill::console {
@@ -78,14 +79,26 @@ void AddModuleArguments(CommandLine& line, ModuleArguments& arguments) {
                  "errors, and warnings about lost cues, are still said");
 }
 
-void AddTextOrJson(CommandLine& line, bool& as_json, const std::string& what) {
-    const auto choose = [&as_json](const std::string& name) {
-        if (name != "text" && name != "json") {
-            RejectArgument("--format takes text or json, not \"" + name + "\"");
+std::size_t ParseChoice(const std::string& option, const std::vector<std::string>& choices,
+                        const std::string& text) {
+    const auto chosen = std::find(choices.begin(), choices.end(), text);
+    if (chosen == choices.end()) {
+        std::string list = choices.front();
+        for (std::size_t index = 1; index < choices.size(); ++index) {
+            list += (index + 1 < choices.size() ? ", " : " or ") + choices[index];
         }
-        as_json = name == "json";
-    };
-    line.AddOption("--format", "FORMAT", choose, what + ": text (default) or json");
+        RejectArgument(option + " takes " + list + ", not \"" + text + "\"");
+    }
+    return static_cast<std::size_t>(chosen - choices.begin());
+}
+
+void AddTextOrJson(CommandLine& line, bool& as_json, const std::string& what) {
+    line.AddOption(
+        "--format", "FORMAT",
+        [&as_json](const std::string& name) {
+            as_json = ParseChoice("--format", {"text", "json"}, name) == 1;
+        },
+        what + ": text (default) or json");
 }
 
 }  // namespace quill::console

@@ -2,6 +2,7 @@
 #ifndef TOOLS_CONSOLE_ARGUMENTS_H_
 #define TOOLS_CONSOLE_ARGUMENTS_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -53,6 +54,11 @@ class CommandLine {
 // takes `what` ("a whole number of bytes") in that range.
 std::uint32_t ParseWholeNumber(const std::string& option, const std::string& what,
                                const std::string& text, std::uint32_t least, std::uint32_t most);
+
+// The place of the text among the choices, of which there are two or more. Rejects others, saying
+// what `option` takes.
+std::size_t ParseChoice(const std::string& option, const std::vector<std::string>& choices,
+                        const std::string& text);
 
 // Adds --module.
 void AddModuleOption(CommandLine& line, std::string& path);

@@ -76,6 +76,12 @@ std::string Escape(std::string_view text, LineFeeds line_feeds) {
     return out;
 }
 
+std::string PercentCode(char byte) {
+    static constexpr char kDigits[] = "0123456789ABCDEF";
+    const auto value = static_cast<unsigned char>(byte);
+    return {'%', kDigits[value >> 4], kDigits[value & 0x0Fu]};
+}
+
 Character FirstCharacter(std::string_view text) {
     unsigned code_point = 0;
     const std::size_t length = DecodeFirst(text, code_point);
@@ -101,15 +107,16 @@ std::string Utf8(char32_t code_point) {
     return {lead(0xF0, 18), tail(12), tail(6), tail(0)};
 }
 
-bool IsUtf8(std::string_view text) {
-    while (!text.empty()) {
-        const Character character = FirstCharacter(text);
+std::size_t FindInvalid(std::string_view text) {
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const Character character = FirstCharacter(text.substr(at));
         if (!character.is_valid) {
-            return false;
+            return at;
         }
-        text.remove_prefix(character.size);
+        at += character.size;
     }
-    return true;
+    return std::string_view::npos;
 }
 
 }  // namespace quill::console

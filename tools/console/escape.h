@@ -16,6 +16,9 @@ enum class LineFeeds { kKeep, kEscape };
 // for reading back.
 std::string Escape(std::string_view text, LineFeeds line_feeds);
 
+// The byte as references to places have it: "%3A".
+std::string PercentCode(char byte);
+
 struct Character {
     char32_t code_point;
     std::size_t size;  // in bytes
@@ -28,8 +31,8 @@ Character FirstCharacter(std::string_view text);
 // The UTF-8 of a code point, which must be one of Unicode's characters.
 std::string Utf8(char32_t code_point);
 
-// Whether the text is valid UTF-8, control characters or not.
-bool IsUtf8(std::string_view text);
+// The first byte that is no part of valid UTF-8; npos when there is none.
+std::size_t FindInvalid(std::string_view text);
 
 }  // namespace quill::console
 

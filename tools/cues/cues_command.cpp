@@ -33,16 +33,8 @@ Exit codes:
   3  the module cannot be loaded)";
 
 CueFormatter ParseFormat(const std::string& name) {
-    if (name == "text") {
-        return FormatAsText;
-    }
-    if (name == "json") {
-        return FormatAsJson;
-    }
-    if (name == "srt") {
-        return FormatAsSrt;
-    }
-    console::RejectArgument("--format takes text, json or srt, not \"" + name + "\"");
+    static constexpr CueFormatter kFormatters[] = {FormatAsText, FormatAsJson, FormatAsSrt};
+    return kFormatters[console::ParseChoice("--format", {"text", "json", "srt"}, name)];
 }
 
 std::uint32_t ParseChunkSize(const std::string& text) {
