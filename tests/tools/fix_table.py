@@ -46,14 +46,14 @@ start(b"00:01:000", b"00:01:000", "", "3:Q101")
 start(b"00.00.01", b"00.00.01", "", "3:Q101")
 start(b"-00:01.000", b"-00:01.000", "", "3:Q101")
 cue(b"Hello", b"Hello", "", "3:Q106")
-cue(b"00:01.000 --> 00:02.000\n\nNOTE no text", b"00:01.000 --> 00:02.000\n\nNOTE no text", "",
-    "3:Q108")
+cue(b"00:01.000 --> 00:02.000\n\n7", b"00:01.000 --> 00:02.000\n\n7", "", "3:Q108")
 
 # The first line.
 row(b"\xef\xbb\xbf" + GOOD, GOOD, "1:Q131")
 row(b"\xef\xbb\xbf\xef\xbb\xbf" + GOOD, GOOD, "1:Q132")
 for encoding, mark in (("utf-16-le", b"\xff\xfe"), ("utf-16-be", b"\xfe\xff"), ("utf-16-le", b""),
-                       ("utf-16-be", b"")):
+                       ("utf-16-be", b""), ("utf-32-le", b"\xff\xfe\0\0"),
+                       ("utf-32-be", b"\0\0\xfe\xff"), ("utf-32-le", b""), ("utf-32-be", b"")):
     text = GOOD.decode() + "00:03.000 --> 00:04.000\n\u00e9\u20ac\U0001f600\n\n"
     row(mark + text.encode(encoding), text.encode(), "1:Q133")
 row(gzip.compress(GOOD), GOOD, "1:Q136")
@@ -68,6 +68,7 @@ row(SUBRIP, b"WEBVTT\n\n" + SUBRIP.replace(b",", b"."), "1:Q134 2:Q102 2:Q104")
 row(b"\r\n" + SUBRIP.replace(b"\n", b"\r\n"),
     b"WEBVTT\r\n\r\n" + SUBRIP.replace(b",", b".").replace(b"\n", b"\r\n"), "1:Q134 3:Q102 3:Q104")
 row(GOOD[8:], GOOD, "1:Q134")
+row(GOOD[10:], GOOD[:8] + GOOD[10:], "1:Q149")
 row(b"0:00:01.000,0:00:02.000\nHi\n\n", b"WEBVTT\n\n0:00:01.000 --> 0:00:02.000\nHi\n\n",
     "1:Q134 1:Q115")
 row(b"WEBVTT 00:01,000 --> 00:02.000 align:center\nHi\n\n",
@@ -124,7 +125,9 @@ for before, after, code in (
     settings(before, after, "3:" + code)
 timing(b"00:01.000 --> 00:02.000 line:,end", b"00:01.000 --> 00:02.000", "3:Q111")
 settings(b"size:40% line:- align:left", b"size:40% align:left", "3:Q111")
-settings(b"align:end\tsize:50%", b"align:end size:50%", "3:Q405 3:Q405")
+settings(b"align:end\tsize:50%", b"align:end size:50%", "3:Q408 3:Q408")
+settings(b"align:end,size:50%;line:0", b"align:end size:50% line:0", "3:Q408 3:Q408 3:Q408")
+settings(b"size:50%,position:10%,start", b"size:50% position:10%,start", "3:Q406 3:Q406")
 settings(b"align:center size:40% position:10%", b"align:middle size:40% position:10%", "3:Q408")
 for kept, left in ((b"align:center align:left", "3:Q408"), (b"align: x", "3:Q404 3:Q405"),
                    (b"size:half", "3:Q406"), (b"colour:red", "3:Q403"), (b"region:a", "3:Q412"),
@@ -145,6 +148,25 @@ row(GOOD[:-1], GOOD, "5:Q418")
 row(GOOD[:-2], GOOD, "5:Q418")
 row(GOOD.replace(b"\n", b"\r\n")[:-4], GOOD.replace(b"\n", b"\r\n"), "5:Q418")
 row(GOOD.replace(b"\n", b"\r")[:-1], GOOD.replace(b"\n", b"\r"), "5:Q418")
+
+row(GOOD.replace(b"\n", b"\r\r\n"), GOOD.replace(b"\n", b"\r\n"),
+    " ".join(f"{line}:Q118" for line in (1, 3, 5, 7, 9, 11)))
+row(GOOD.replace(b"\nHi", b"\r\r\nHi") + GOOD[8:], GOOD.replace(b"\nHi", b"\r\nHi") + GOOD[8:],
+    "4:Q118")
+row(GOOD.replace(b"\n", b"\r").replace(b"\r\r1", b"\r\r\n1"),
+    GOOD.replace(b"\n", b"\r").replace(b"\r\r1", b"\r\r\n1"), "")
+
+# Blocks that make no cue.
+cue(b"00:01.000 --> 00:02.000\n\nNOTE no text", b"NOTE 00:01.000 -> 00:02.000\n\nNOTE no text",
+    "3:Q108")
+cue(b"7\n00:01,000 --> 00:02.000\n\n8\n00:03.000 --> 00:04.000\nHi",
+    b"NOTE 7\n00:01,000 -> 00:02.000\n\n8\n00:03.000 --> 00:04.000\nHi", "3:Q108")
+cue(b"<!-- kept -->\n\n00:01.000 --> 00:02.000\nHi",
+    b"NOTE kept \n\n00:01.000 --> 00:02.000\nHi", "3:Q124")
+row(GOOD + GOOD, GOOD + GOOD[7:], "7:Q120")
+row(GOOD + b"\xef\xbb\xbf" + GOOD, GOOD + GOOD[7:], "7:Q120")
+TITLED = GOOD + b"WEBVTT\nKind: captions" + GOOD[6:]
+row(TITLED, TITLED, "", "7:Q120")
 
 # Timing lines that are shown as text.
 cue(b"1\n00:01.000 --> 00:02.000\nHi\n2\n00:03.000 --> 00:04.000\nyou\n3\n00:05,000 --> 00:06.000\nx",

@@ -7,9 +7,11 @@
 #include <string>
 
 #include "tools/check/characters.h"
+#include "tools/check/loss_reason.h"
 #include "tools/check/meant_map.h"
 #include "tools/check/meant_timing.h"
 #include "tools/check/surroundings.h"
+#include "tools/console/text.h"
 #include "tools/fix/fixer.h"
 
 namespace quill::fix {
@@ -244,6 +246,50 @@ void FixBlankLines(const Workshop& shop) {
     SplitCues(shop);
     JoinTexts(shop);
     JoinIdentifiers(shop);
+}
+
+// "<!-- as pages have them -->", which costs the cues behind it.
+bool IsPageComment(std::string_view line) {
+    const std::size_t arrow = line.find(check::kArrow);
+    return console::BeginsWith(line, "<!-- ") && arrow > 4 && arrow != std::string_view::npos &&
+           line.find_first_not_of(" \t", arrow + check::kArrow.size()) == std::string_view::npos;
+}
+
+// A cue without a text costs those behind it, and shows nothing either way: it becomes a comment,
+// in which nothing of it is lost. The first line of a track that was put behind another one, and
+// nothing else of it, is not needed.
+void FixEmptyBlocks(const Workshop& shop) {
+    Document& document = shop.document;
+    std::vector<Line>& lines = document.lines();
+    Range block = NextBlock(lines, document.HeaderEnd());
+    while (block.size() > 0) {
+        const Range next = NextBlock(lines, block.end);
+        const Line& first = lines[block.begin];
+        const bool is_free = !first.frozen && !lines[block.end - 1].frozen;
+        const bool is_last = next.size() == 0 || BlockBeginsAt(lines, next.begin);
+        if (is_free && is_last && TimingOf(lines, block) + 1 == block.end &&
+            shop.Wants("no-text")) {
+            document.Record(first.number, "no-text", "made a comment, as it has no text");
+            for (std::size_t index = block.begin; index < block.end; ++index) {
+                document.Replace(
+                    index, (index == block.begin ? "NOTE " : "") + WithoutArrows(lines[index].text),
+                    {});
+                lines[index].timing = false;
+            }
+        } else if (is_free && block.size() == 1 && IsPageComment(first.text) &&
+                   shop.Wants("page-comment")) {
+            const std::string text =
+                "NOTE" + std::string(first.text.substr(4, first.text.rfind(check::kArrow) - 4));
+            document.Record(first.number, "page-comment", first.text, text);
+            document.Replace(block.begin, text, {});
+        } else if (is_free && block.size() == 1 && check::IsSignature(first.text) &&
+                   shop.Wants("second-track")) {
+            document.Record(first.number, "second-track", first.text, "");
+            document.Drop(block.begin);
+        }
+        block = next;
+    }
+    document.Commit();
 }
 
 // What stands behind the tenth line becomes a cue of its own with the same times and settings.

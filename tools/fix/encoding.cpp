@@ -8,11 +8,13 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "tools/console/descriptor.h"
 #include "tools/console/escape.h"
 #include "tools/console/failure.h"
+#include "tools/console/text.h"
 
 namespace quill::fix {
 namespace {
@@ -23,7 +25,8 @@ using namespace std::string_view_literals;
     throw console::Failure(console::kExitUsage, name + ": " + words);
 }
 
-// The C library's converter. UTF-16 is not left to it: on a small board it may know none.
+// The C library's converter. UTF-16 and UTF-32 are not left to it: on a small board it may know
+// none.
 class Converter {
   public:
     Converter(const std::string& to, const std::string& from)
@@ -61,25 +64,32 @@ class Converter {
     iconv_t converter_;
 };
 
-std::optional<std::string> FromUtf16(std::string_view bytes, bool big) {
-    if (bytes.size() % 2 != 0) {
+// The units of a text in UTF-16 or UTF-32 have 2 bytes or 4.
+std::optional<std::string> FromUnits(std::string_view bytes, std::size_t size, bool big) {
+    if (bytes.size() % size != 0) {
         return std::nullopt;
     }
     const auto unit = [&](std::size_t at) {
-        const auto first = static_cast<unsigned char>(bytes[at + (big ? 0 : 1)]);
-        const auto second = static_cast<unsigned char>(bytes[at + (big ? 1 : 0)]);
-        return static_cast<std::uint32_t>(first << 8 | second);
+        std::uint32_t value = 0;
+        for (std::size_t index = 0; index < size; ++index) {
+            const char byte = bytes[at + (big ? index : size - 1 - index)];
+            value = value << 8 | static_cast<unsigned char>(byte);
+        }
+        return value;
     };
     std::string text;
-    for (std::size_t at = 0; at < bytes.size(); at += 2) {
+    for (std::size_t at = 0; at < bytes.size(); at += size) {
         std::uint32_t code_point = unit(at);
         if (code_point >= 0xD800 && code_point < 0xE000) {
-            const std::uint32_t low = at + 2 < bytes.size() ? unit(at + 2) : 0;
+            const std::uint32_t low = size == 2 && at + 2 < bytes.size() ? unit(at + 2) : 0;
             if (code_point >= 0xDC00 || low < 0xDC00 || low >= 0xE000) {
                 return std::nullopt;
             }
             code_point = 0x10000 + ((code_point - 0xD800) << 10) + (low - 0xDC00);
             at += 2;
+        }
+        if (code_point > 0x10FFFF) {
+            return std::nullopt;
         }
         if (code_point != 0xFEFF || at > 0) {
             text += console::Utf8(code_point);
@@ -126,18 +136,26 @@ std::string ReadFromBegin(const console::Descriptor& file) {
 
 }  // namespace
 
-const char* FindUtf16(std::string_view bytes) {
-    const std::string_view begin = bytes.substr(0, 2);
-    if (begin == "\xFF\xFE"sv || bytes.substr(0, 4) == "W\0E\0"sv) {
-        return "UTF-16LE";
+const char* FindUnicode(std::string_view bytes) {
+    static constexpr std::pair<std::string_view, const char*> kBeginnings[] = {
+        {"\xFF\xFE\0\0"sv, "UTF-32LE"}, {"W\0\0\0"sv, "UTF-32LE"},  {"\0\0\xFE\xFF"sv, "UTF-32BE"},
+        {"\0\0\0W"sv, "UTF-32BE"},      {"\xFF\xFE"sv, "UTF-16LE"}, {"W\0E\0"sv, "UTF-16LE"},
+        {"\xFE\xFF"sv, "UTF-16BE"},     {"\0W\0E"sv, "UTF-16BE"},
+    };
+    for (const auto& [beginning, name] : kBeginnings) {
+        if (console::BeginsWith(bytes, beginning)) {
+            return name;
+        }
     }
-    return begin == "\xFE\xFF"sv || bytes.substr(0, 4) == "\0W\0E"sv ? "UTF-16BE" : nullptr;
+    return nullptr;
 }
 
 std::string ToUtf8(std::string_view bytes, const std::string& encoding, const std::string& name) {
-    const bool big = encoding == "UTF-16BE";
+    const bool is_unicode = encoding.size() == 8 && console::BeginsWith(encoding, "UTF-") &&
+                            (encoding[4] == '1' || encoding[4] == '3');
     const std::optional<std::string> text =
-        big || encoding == "UTF-16LE" ? FromUtf16(bytes, big) : ByLibrary(bytes, encoding, name);
+        is_unicode ? FromUnits(bytes, encoding[4] == '1' ? 2 : 4, encoding[6] == 'B')
+                   : ByLibrary(bytes, encoding, name);
     if (!text) {
         Fail(name, "it is not in the encoding " + encoding + "; --from names another one");
     }

@@ -8,13 +8,13 @@
 
 namespace quill::fix {
 
-// Of a text in UTF-16, as its byte order mark or its first two characters show: "UTF-16LE" or
-// "UTF-16BE"; nullptr for another text.
-const char* FindUtf16(std::string_view bytes);
+// Of a text in UTF-16 or UTF-32, as its byte order mark or the letters of its signature show:
+// "UTF-16LE", "UTF-32BE" and so on; nullptr for another text.
+const char* FindUnicode(std::string_view bytes);
 
-// The text in UTF-8, without the byte order mark of UTF-16. Throws Failure, in which `name` is the
-// file, when the text is not in that encoding, or the encoding is not known to the C library.
-// What has been converted gives the same bytes when it is converted back.
+// The text in UTF-8, without the byte order mark of UTF-16 and UTF-32. Throws Failure, in which
+// `name` is the file, when the text is not in that encoding, or the encoding is not known to the C
+// library. What has been converted gives the same bytes when it is converted back.
 std::string ToUtf8(std::string_view bytes, const std::string& encoding, const std::string& name);
 
 bool IsGzip(std::string_view bytes);

@@ -1,9 +1,10 @@
-// The first line: byte order marks, and the signature that a track begins with.
+// The first line: byte order marks, line ends, and the signature that a track begins with.
 #include <algorithm>
 #include <cctype>
 #include <optional>
 
 #include "tools/check/characters.h"
+#include "tools/check/file_kind.h"
 #include "tools/check/loss_reason.h"
 #include "tools/check/meant_timing.h"
 #include "tools/console/escape.h"
@@ -131,6 +132,31 @@ void FixMarks(const Workshop& shop) {
     }
 }
 
+// CR CR LF is what becomes of CR LF when each line feed gets a carriage return once more. With
+// lines that end in a carriage return alone it would have to be known which are which.
+void FixReturns(const Workshop& shop) {
+    std::vector<Line>& lines = shop.document.lines();
+    const auto is_rest = [&lines](std::size_t index) {
+        return index > 0 && index < lines.size() && lines[index].text.empty() &&
+               lines[index].end == "\r\n" && lines[index - 1].end == "\r" && !lines[index].frozen &&
+               !lines[index - 1].frozen;
+    };
+    for (std::size_t index = 0; index < lines.size(); ++index) {
+        if (lines[index].end == "\r" && !is_rest(index + 1) && !lines[index].frozen) {
+            return;
+        }
+    }
+    for (std::size_t index = 1; index < lines.size() && shop.Wants("two-returns"); ++index) {
+        if (is_rest(index)) {
+            lines[index - 1].end = lines[index].end;
+            shop.document.Record(lines[index - 1].number, "two-returns",
+                                 "a carriage return removed from its end");
+            shop.document.Remove(index);
+        }
+    }
+    shop.document.Commit();
+}
+
 bool FixFirstLine(const Workshop& shop) {
     Document& document = shop.document;
     std::vector<Line>& lines = document.lines();
@@ -141,8 +167,11 @@ bool FixFirstLine(const Workshop& shop) {
     if (!IsSignature(lines[0].text)) {
         StraightenSignature(shop, first);
     }
-    if (!IsSignature(lines[0].text) && BeginsWithCue(lines, first) && shop.Wants("subrip")) {
-        document.Record(1, "subrip", "", kSignature);
+    const bool is_none = !IsSignature(lines[0].text) && BeginsWithCue(lines, first);
+    const check::Code* const code =
+        is_none ? check::ExplainRejection(document.Text()).code : nullptr;
+    if (is_none && shop.filter.Lets(*code)) {
+        document.Record(1, code->name, "", kSignature);
         document.InsertAbove(0, std::string(kSignature));
         if (first == 0) {
             document.InsertAbove(0);

@@ -4,6 +4,7 @@ namespace quill::fix {
 
 void FixAll(const Workshop& shop) {
     FixMarks(shop);
+    FixReturns(shop);
     // Of what is rejected nothing else could be held to what a player gets.
     if (!FixFirstLine(shop)) {
         return;
@@ -11,6 +12,7 @@ void FixAll(const Workshop& shop) {
     FindTimings(shop);
     FixMap(shop);
     FixBlankLines(shop);
+    FixEmptyBlocks(shop);
     FixTimings(shop);
     FixTexts(shop);
     FixComments(shop);

@@ -25,6 +25,7 @@ void FixAll(const Workshop& shop);
 // The single families, in the order in which they are made. Each leaves alone what it would have
 // to guess. In first_line.cpp:
 void FixMarks(const Workshop& shop);
+void FixReturns(const Workshop& shop);
 // False when the first line is none that makes a track.
 bool FixFirstLine(const Workshop& shop);
 
@@ -34,8 +35,9 @@ void FindTimings(const Workshop& shop);
 // In map.cpp:
 void FixMap(const Workshop& shop);
 
-// In blocks.cpp: where blocks begin and end.
+// In blocks.cpp: where blocks begin and end, and blocks that make no cue.
 void FixBlankLines(const Workshop& shop);
+void FixEmptyBlocks(const Workshop& shop);
 
 // In timings.cpp: of the blocks that are cues now.
 void FixTimings(const Workshop& shop);

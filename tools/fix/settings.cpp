@@ -30,9 +30,29 @@ struct Item {
     std::string written;         // as it was, with the pieces that were put to it
     const char* code = nullptr;  // of the change to it
     bool dropped = false;
-    bool glued = false;  // to the item before, by a blank that is no space
+    bool glued = false;  // to the item before, by a comma or a blank that is no space
     bool glues = false;  // the one behind
 };
+
+// Where a comma or a semicolon divides a setting from one that begins there; npos for none.
+std::size_t NextSetting(const std::string& text, std::size_t at) {
+    for (at = text.find_first_of(",;", at); at < text.size();
+         at = text.find_first_of(",;", at + 1)) {
+        const std::size_t end = text.find_first_of(":=", at);
+        if (end < text.size() && IsName(text.substr(at + 1, end - at - 1))) {
+            return at;
+        }
+    }
+    return std::string::npos;
+}
+
+// What quill check finds about several settings in one item.
+const char* GlueCode(const std::string& first) {
+    const std::string name = Lower(first.substr(0, first.find(':')));
+    return name == "align"      ? "align-keyword"
+           : name == "vertical" ? "vertical-keyword"
+                                : "setting-value";
+}
 
 std::vector<Item> SplitSettings(std::string_view settings) {
     const check::PlainText looks(settings);
@@ -40,13 +60,13 @@ std::vector<Item> SplitSettings(std::string_view settings) {
     std::vector<Item> items;
     std::size_t reached = 0;
     for (std::size_t at = text.find_first_not_of(' '); at < text.size();) {
-        const std::size_t end = std::min(text.find(' ', at), text.size());
+        const std::size_t end = std::min({text.find(' ', at), NextSetting(text, at), text.size()});
         const std::size_t item_end = looks.End(end);
         const std::string_view item = settings.substr(looks.Begin(at), item_end - looks.Begin(at));
         items.push_back({std::string(settings.substr(reached, looks.Begin(at) - reached)),
                          std::string(item), std::string(item)});
         reached = item_end;
-        at = std::min(text.find_first_not_of(' ', end), text.size());
+        at = std::min(text.find_first_not_of(' ', end + (text[end] == ' ' ? 0 : 1)), text.size());
     }
     for (std::size_t index = 1; index < items.size(); ++index) {
         items[index].glued = items[index].before.back() != ' ';
@@ -257,6 +277,7 @@ SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filt
         return AsItWas(settings);
     }
     bool glued_before = false;
+    const char* glue = nullptr;
     for (Item& item : items) {
         const Item as_written = item;
         FixItem(item);
@@ -269,9 +290,10 @@ SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filt
             item.text = item.written;
             item.code = nullptr;
         }
-        // Another blank than a space makes one item of two.
-        if (item.code == nullptr && (item.glued || item.glues)) {
-            item.code = "no-setting";
+        // Several items are read as one, which the first names.
+        if (item.glued || item.glues) {
+            glue = item.glued && glue != nullptr ? glue : GlueCode(item.text);
+            item.code = glue;
         }
         const bool changes = item.dropped || item.text != item.written || item.glued || item.glues;
         if (!changes || !filter.Lets(check::CodeNamed(item.code))) {

@@ -27,10 +27,10 @@ Source ReadSource(const std::string& name, const std::string& encoding,
         source.text = Unpack(source.text, kLargestTrack, source.name);
         note("compressed", "unpacked");
     }
-    const char* const utf16 = encoding.empty() ? FindUtf16(source.text) : nullptr;
-    if (utf16 != nullptr && filter.Lets(check::CodeNamed("utf-16"))) {
-        source.text = ToUtf8(source.text, utf16, source.name);
-        note("utf-16", std::string("converted from ") + utf16);
+    const char* const unicode = encoding.empty() ? FindUnicode(source.text) : nullptr;
+    if (unicode != nullptr && filter.Lets(check::CodeNamed("utf-16"))) {
+        source.text = ToUtf8(source.text, unicode, source.name);
+        note("utf-16", std::string("converted from ") + unicode);
     } else if (!encoding.empty()) {
         std::string text = ToUtf8(source.text, encoding, source.name);
         if (text != source.text) {

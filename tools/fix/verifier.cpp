@@ -116,6 +116,35 @@ void Verifier::FindBefore(After& block, const Document& outcome, std::size_t& ne
     }
 }
 
+// Whether a fix that made the block what it is meant to make a cue of it.
+bool Verifier::IsMeantForCue(const Document& outcome, const Range& block) {
+    return std::any_of(
+        outcome.lines().begin() + static_cast<std::ptrdiff_t>(block.begin),
+        outcome.lines().begin() + static_cast<std::ptrdiff_t>(block.end),
+        [](const Line& line) { return line.timing || line.inserted || line.note >= 0; });
+}
+
+// Whether a line of the block stood in one that gave a cue.
+bool Verifier::CostsCue(const Document& outcome, const Range& block) {
+    const std::uint32_t begin = outcome.lines()[block.begin].number;
+    const std::uint32_t end = outcome.lines()[block.end - 1].number;
+    auto before =
+        std::partition_point(befores_.begin(), befores_.end(), [begin](const Before& one) {
+            return one.block.first_line + one.block.line_count <= begin;
+        });
+    for (; before != befores_.end() && before->block.first_line <= end; ++before) {
+        if (Ask(*before).fate == check::Fate::kDelivered) {
+            return true;
+        }
+    }
+    return false;
+}
+
+const check::Verdict& Verifier::Ask(const Before& before) {
+    return oracle_.Block(track_.substr(before.block.begin, before.block.end - before.block.begin),
+                         before.block.is_open);
+}
+
 std::set<std::uint32_t> Verifier::Survey(const Document& outcome) {
     const std::vector<Line>& lines = outcome.lines();
     std::set<std::uint32_t> undelivered;
@@ -157,7 +186,8 @@ std::set<std::uint32_t> Verifier::Survey(const Document& outcome) {
                     broken_ = AtLine(lines[range.begin].number, *words);
                 }
             }
-        } else if (!after.same && !check::IsCommentLine(lines[range.begin].text)) {
+        } else if (!after.same && !check::IsCommentLine(lines[range.begin].text) &&
+                   (IsMeantForCue(outcome, range) || CostsCue(outcome, range))) {
             for (std::size_t index = range.begin; index < range.end; ++index) {
                 undelivered.insert(lines[index].number);
             }
@@ -207,9 +237,7 @@ std::optional<std::string> Verifier::AccountForBefore(const Whole& whole, const 
             }
             alone = same->cue;
         } else {
-            const check::Verdict& verdict = oracle_.Block(
-                track_.substr(before.block.begin, before.block.end - before.block.begin),
-                before.block.is_open);
+            const check::Verdict& verdict = Ask(before);
             if (verdict.fate != check::Fate::kDelivered) {
                 continue;
             }

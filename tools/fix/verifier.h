@@ -59,6 +59,9 @@ class Verifier {
     void FindBefore(After& block, const Document& outcome, std::size_t& next);
     std::optional<std::string> AccountForBefore(const Whole& whole, const Document& outcome);
     std::optional<std::string> AccountForAfter(const Whole& whole);
+    static bool IsMeantForCue(const Document& outcome, const Range& block);
+    bool CostsCue(const Document& outcome, const Range& block);
+    const check::Verdict& Ask(const Before& before);
     bool KeepText(const Before& before, const Document& outcome);
 
     const host::ModuleHandle& module_;
