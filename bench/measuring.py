@@ -83,6 +83,20 @@ class Build:
         count, fed = self.count("dialogue", "--style", style, "--only", subject, "--size", size)
         return count / fed["bytes"], count / fed["cues"], fed
 
+    def count_bytes_of_shapes(self, divisor):
+        """What a byte of each shape costs, at a part of its n: {shape: instructions}. What the
+        module prints is not counted, and its calls are counted apart. i386 only."""
+        with tempfile.TemporaryDirectory() as folder:
+            dump = Path(folder) / "out"
+            done = run(["valgrind", "--tool=callgrind", f"--callgrind-out-file={dump}",
+                        f"--toggle-collect={MEASURED}", f"--dump-after={MEASURED}",
+                        self.programs / "shape", "--all", divisor])
+            shapes = [line.split("\t") for line in done.stdout.splitlines()]
+            counts = [int(re.search(r"^totals: (\d+)$", Path(f"{dump}.{number}").read_text("utf-8"),
+                                    re.M).group(1)) for number in range(1, 2 * len(shapes) + 1)]
+        return {name: (whole - calls) / int(size) for (size, name), whole, calls
+                in zip(shapes, counts[::2], counts[1::2])}
+
     def _count_i386(self, program, arguments):
         done = run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
                     f"--toggle-collect={MEASURED}", self.programs / program, *arguments])

@@ -243,6 +243,13 @@ const Shape* find_shape(std::string_view name) {
     return found != kShapes.end() ? &*found : nullptr;
 }
 
+Play empty_calls_of(const Play& play) {
+    Play calls = play;
+    calls.text = std::string((play.text.size() + play.chunk_size - 1) / play.chunk_size, 'x');
+    calls.chunk_size = 1;
+    return calls;
+}
+
 Tally play_shape(const support::Methods& methods, const Play& play) {
     std::list<Player> players;
     for (unsigned parser = 0; parser < play.parsers; ++parser) {

@@ -41,6 +41,9 @@ const std::vector<Shape>& shapes();
 /// Null when there is no such shape.
 const Shape* find_shape(std::string_view name);
 
+/// The same calls, each with one letter in it: what they cost by themselves.
+Play empty_calls_of(const Play& play);
+
 /// Plays with parsers of its own, released at the end.
 Tally play_shape(const support::Methods& methods, const Play& play);
 

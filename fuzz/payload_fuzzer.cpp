@@ -117,7 +117,8 @@ void check_both_ways(std::string_view payload) {
     const Parsed without_tree = outcome_of([&block] {
         std::string joined;
         Cue cue;
-        FUZZ_CHECK(cue.fgParseForText({block.data(), block.size()}, true, joined));
+        FUZZ_CHECK(
+            throw_unless_read(cue.eParseForText({block.data(), block.size()}, true, joined)));
         FUZZ_CHECK(cue.pRootNode == nullptr && cue.vecApplicableClasses.empty());
         return std::string(cue.strPlainText());
     });

@@ -18,4 +18,22 @@ BadAllocException::BadAllocException(const std::string& text, const std::excepti
 
 BadAllocException::~BadAllocException() = default;
 
+bool throw_unless_read(Outcome outcome) {
+    switch (outcome) {
+        case Outcome::kDone:
+            return true;
+        case Outcome::kRejected:
+            return false;
+        case Outcome::kEmptyInput:
+            throw InvalidArgumentException("Input pcLine is empty", nullptr);
+        case Outcome::kNoNode:
+            throw BadAllocException("create new Node Failed\n", nullptr);
+        case Outcome::kNoRecord:
+            throw BadAllocException("Create WebvttCue Node failed", nullptr);
+        case Outcome::kNoCarried:
+            break;
+    }
+    throw BadAllocException("Create Unused Buffer failed", nullptr);
+}
+
 }  // namespace webvtt

@@ -1,7 +1,9 @@
-// The exceptions that the parser throws of its own accord.
+// The errors that the parser finds of its own accord, as values and as exceptions.
 //
-// They are thrown by value where required input is missing or an allocation failed, and caught by
-// reference in the parse driver only, which turns them into a printed line and a result code.
+// What a track can bring about, and what never leaves the module, is told by value on its way to
+// the parse driver, which turns it into a printed line and a result code: throwing costs tens of
+// thousands of instructions, and a track may hold a bad block for every twenty bytes. The
+// operations of the classes throw, which is what their callers are promised.
 #pragma once
 
 #include <exception>
@@ -50,5 +52,20 @@ class BadAllocException : public std::bad_alloc {
     const std::exception* cause;
     std::string message;
 };
+
+/// What became of a block, or of a part of one.
+enum class Outcome {
+    kDone,
+    kRejected,    ///< not valid, or nothing to do
+    kEmptyInput,  ///< a cue without a payload, or a bad start time
+    kNoNode,      ///< a start tag that is not known
+    kNoRecord,    ///< memory ran out
+    kNoCarried    ///< likewise
+};
+
+/// True when it was done and false when it was rejected.
+/// @throws InvalidArgumentException kEmptyInput
+/// @throws BadAllocException        the others
+bool throw_unless_read(Outcome outcome);
 
 }  // namespace webvtt

@@ -6,7 +6,6 @@
 #include "cue/cue.h"
 
 #include "base/diagnostics.h"
-#include "base/errors.h"
 #include "base/text.h"
 #include "base/usual_timestamp.h"
 #include "base/value_parsers.h"
@@ -26,32 +25,27 @@ bool is_usual_arrow(const char* c, const char* end) {
 }  // namespace
 
 bool Cue::fgParse(const char* pcLine, unsigned size) {
-    if (size == 0 || pcLine == nullptr) {
-        throw InvalidArgumentException("Input pcLine is empty", nullptr);
-    }
     std::string_view payload;
-    if (!fgParseHead(pcLine, &payload)) {
-        return false;
-    }
-    fgParseCuePayload(payload.data(), static_cast<unsigned>(payload.size()));
-    return true;
+    return throw_unless_read(size == 0 || pcLine == nullptr ? Outcome::kEmptyInput
+                                                            : eParseHead(pcLine, &payload)) &&
+           fgParseCuePayload(payload.data(), static_cast<unsigned>(payload.size()));
 }
 
-bool Cue::fgParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined) {
+Outcome Cue::eParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined) {
     m_for_text = true;
     std::string_view payload;
-    if (!fgParseHead(block, &payload)) {
-        return false;
+    const Outcome head = eParseHead(block, &payload);
+    if (head != Outcome::kDone) {
+        return head;
     }
     if (payload.empty()) {
-        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+        return Outcome::kEmptyInput;
     }
     if (fgMayHaveMarkup) {
-        vReadPayloadText(payload, joined);
-    } else {
-        m_plain_text = payload;  // where it lies: nothing is copied but into the record
+        return eReadPayloadText(payload, joined);
     }
-    return true;
+    m_plain_text = payload;  // where it lies: nothing is copied but into the record
+    return Outcome::kDone;
 }
 
 /// Parses the timing line that nearly every block begins with, in place:
@@ -87,19 +81,19 @@ inline bool Cue::fgParseUsualHead(std::string_view block, std::string_view* pstr
 }
 
 /// Parses all but the payload, which it finds.
-bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
+Outcome Cue::eParseHead(std::string_view block, std::string_view* pstrPayload) {
     Split line{{}, block, true};
     Split times{{}, {}, false};
     // The first line is the identifier unless it has an arrow. The second one is the timing line,
     // whatever it looks like.
     for (const char* const number : {"1st", "2nd"}) {
         if (fgParseUsualHead(line.tail, pstrPayload)) {
-            return true;
+            return Outcome::kDone;
         }
         line = split_line(line.tail);
         if (line.head.empty() || !line.found) {
             print_error("Invalid Input String of %s Line, return FALSE", number);
-            return false;
+            return Outcome::kRejected;
         }
         times = split_first(line.head, kArrow);
         if (times.found) {
@@ -107,12 +101,12 @@ bool Cue::fgParseHead(std::string_view block, std::string_view* pstrPayload) {
         }
     }
     std::string_view left;
-    if (!fgParseTimes(times, left)) {
+    const Outcome outcome = eParseTimes(times, left);
+    if (outcome == Outcome::kRejected) {
         print_error("Parse Cue Time and Settings Failed");
-        return false;
     }
     *pstrPayload = line.tail;
-    return true;
+    return outcome;
 }
 
 bool Cue::fgParseCueTimeAndSettings(WebvttString& line) {
@@ -126,31 +120,31 @@ bool Cue::fgParseCueTimeAndSettings(WebvttString& line) {
             text.resize(left.size());
         }
     } cutter{line.text, line.text};
-    return fgParseTimes(split_first(line.text, kArrow), cutter.left);
+    return throw_unless_read(eParseTimes(split_first(line.text, kArrow), cutter.left));
 }
 
 /// @param times the timing line, cut at its first arrow
 /// @param left  is set to what is left of the line, when there was an arrow
-bool Cue::fgParseTimes(const Split& times, std::string_view& left) {
+Outcome Cue::eParseTimes(const Split& times, std::string_view& left) {
     if (!times.found) {
-        return false;
+        return Outcome::kRejected;
     }
     left = trim_spaces(times.tail);
     const std::string_view start = trim_spaces(times.head);
     if (!parse_timestamp(start, dStartTime)) {
-        // This throws while a bad end time only fails. Hosts tell the two apart by what is printed
+        // An error of another kind than a bad end time. Hosts tell the two apart by what is printed
         // and by which cues are missing after it, so both stay as they are.
         print_error("Invalid Start Time Stamp <%.*s>", WEBVTT_PRINTABLE(start));
-        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+        return Outcome::kEmptyInput;
     }
     const Split rest = split_first(left, ' ');
     left = rest.tail;
     if (!parse_timestamp(rest.head, dEndTime)) {
         print_error("Invalid End Time Stamp <%.*s>", WEBVTT_PRINTABLE(rest.head));
-        return false;
+        return Outcome::kRejected;
     }
     vParseSettings(left);
-    return true;
+    return Outcome::kDone;
 }
 
 }  // namespace webvtt

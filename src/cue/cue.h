@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/errors.h"
 #include "base/text.h"
 #include "base/webvtt_string.h"
 #include "cue/cue_types.h"
@@ -44,15 +45,16 @@ class Cue {
 
     /// The same for a host, which gets no more of the payload than its text: no tree is built and
     /// no class name kept, so tags cost no memory however many there are and however deep they
-    /// nest. The text is strPlainText(); results and errors are those of fgParse. The cue must be
-    /// new: settings that are not given are not looked at.
+    /// nest. The text is strPlainText(). The results are those of fgParse, and so are the errors,
+    /// but its own exceptions are told by value. The cue must be new: settings that are not given
+    /// are not looked at.
     /// @param block           need not be zero-terminated; must outlive the cue
     /// @param fgMayHaveMarkup false when there is no "<" and no "&" in the block
     /// @param joined          takes the text of a payload with markup; must outlive the cue. The
     ///                        caller's, so that its storage serves one cue after the other.
-    bool fgParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined);
+    Outcome eParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined);
 
-    /// After fgParseForText: the text that strGetCueContent gives after fgParse. It lies in the
+    /// After eParseForText: the text that strGetCueContent gives after fgParse. It lies in the
     /// block or in the joined text.
     std::string_view strPlainText() const { return m_plain_text; }
 
@@ -170,10 +172,10 @@ class Cue {
     bool fgPositionAlignSet = false;  ///< and it named its alignment
 
   private:
-    bool fgParseHead(std::string_view block, std::string_view* pstrPayload);
+    Outcome eParseHead(std::string_view block, std::string_view* pstrPayload);
     bool fgParseUsualHead(std::string_view block, std::string_view* pstrPayload);
-    bool fgParseTimes(const Split& times, std::string_view& left);
-    void vReadPayloadText(std::string_view payload, std::string& joined);
+    Outcome eParseTimes(const Split& times, std::string_view& left);
+    Outcome eReadPayloadText(std::string_view payload, std::string& joined);
     void vParseSettings(std::string_view& settings);
     void vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon);
     void vDeriveSettings();

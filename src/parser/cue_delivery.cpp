@@ -22,11 +22,12 @@ std::uint8_t to_byte(double percent) {
     return static_cast<std::uint8_t>(saturating_cast<std::uint32_t>(percent) & 0xFFu);
 }
 
-/// A record with its text right behind it. It is never destroyed: its memory is the arena's.
+/// A record with its text right behind it; null when memory ran out. It is never destroyed: its
+/// memory is the arena's.
 WebvttCueNode* make_record(RecordArena& arena, std::string_view text) {
     void* const memory = arena.pvTake(sizeof(WebvttCueNode) + text.size() + 1);
     if (memory == nullptr) {
-        throw BadAllocException("Create WebvttCue Node failed", nullptr);
+        return nullptr;
     }
     auto* const record = new (memory) WebvttCueNode;
     record->pcText = reinterpret_cast<char*>(record + 1);
@@ -38,29 +39,35 @@ WebvttCueNode* make_record(RecordArena& arena, std::string_view text) {
 
 void WebVTTParser::vAppendNewCue(const Cue* prCue) {
     // A cue that was parsed for its text has no tree, and none is walked.
-    const bool has_tree = prCue->pRootNode != nullptr;
-    const WebvttString content = has_tree ? prCue->strGetCueContent() : WebvttString();
-    WebvttCueNode* const record =
-        make_record(m_records, has_tree ? std::string_view(content.text) : prCue->strPlainText());
+    throw_unless_read(prCue->pRootNode != nullptr
+                          ? eAppendCue(*prCue, prCue->strGetCueContent().text)
+                          : eAppendCue(*prCue, prCue->strPlainText()));
+}
 
+Outcome WebVTTParser::eAppendCue(const Cue& cue, std::string_view text) {
+    WebvttCueNode* const record = make_record(m_records, text);
+    if (record == nullptr) {
+        return Outcome::kNoRecord;
+    }
     double offset = 0.0;
     if (prTimeStampHeader != nullptr && prTimeStampHeader->fgIsValid()) {
         offset = whole_seconds(prTimeStampHeader->u4MpegTs) - prTimeStampHeader->dLocalTime;
     }
     const double video = whole_seconds(u4VideoPts);
     // In this order: a sum of doubles depends on it in the last bit.
-    record->dStartTime = (offset + prCue->dStartTime) - video;
-    record->dEndTime = (offset + prCue->dEndTime) - video;
-    record->i4Line = saturating_cast<std::int32_t>(prCue->dLine);
+    record->dStartTime = (offset + cue.dStartTime) - video;
+    record->dEndTime = (offset + cue.dEndTime) - video;
+    record->i4Line = saturating_cast<std::int32_t>(cue.dLine);
     record->fgReserved = 0;
-    record->u1Size = to_byte(prCue->dSize);
-    record->fgSnapToLines = prCue->fgSnapToLines ? 1 : 0;
-    record->u1Position = to_byte(prCue->dPosition);
-    record->eTextAlign = prCue->eTextAlign;
-    record->eVertical = prCue->eVertical;
+    record->u1Size = to_byte(cue.dSize);
+    record->fgSnapToLines = cue.fgSnapToLines ? 1 : 0;
+    record->u1Position = to_byte(cue.dPosition);
+    record->eTextAlign = cue.eTextAlign;
+    record->eVertical = cue.eVertical;
 
     prResultTail->prNext = record;
     prResultTail = record;
+    return Outcome::kDone;
 }
 
 void WebVTTParser::vGetParseResult() {

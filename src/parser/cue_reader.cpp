@@ -14,26 +14,37 @@ constexpr unsigned kMostLines = 10;
 }  // namespace
 
 int WebVTTParser::ersltParseCue() {
+    int result = 0;
+    throw_unless_read(eParseCue(&result));
+    return result;
+}
+
+/// As ersltParseCue, which throws what is an error here.
+/// @param result is that of ersltParseCue, unless there was an error
+Outcome WebVTTParser::eParseCue(int* result) {
     bool may_have_markup = true;
     switch (eReadBlock(&may_have_markup)) {
         case Block_Result::kFailed:
-            return WEBVTT_RESULT_ERROR;
+            *result = WEBVTT_RESULT_ERROR;
+            return Outcome::kRejected;
         case Block_Result::kIncomplete:
-            fgCarryTail();
-            return 0;
+            *result = 0;
+            return eCarryTail();
         case Block_Result::kComplete:
+            *result = 1;
             break;
     }
     const Block_Guard guard{*this};
     Cue cue;
-    if (cue.fgParseForText(m_block.strText(), may_have_markup, m_joined_text)) {
+    Outcome outcome = cue.eParseForText(m_block.strText(), may_have_markup, m_joined_text);
+    if (outcome == Outcome::kDone) {
         ++u4ParsedCueCount;
-        vAppendNewCue(&cue);
-    } else {
+        outcome = eAppendCue(cue, cue.strPlainText());
+    } else if (outcome == Outcome::kRejected) {
         print_error("Cue Parse Failed!!!!!!!!!!!!!!!!!!!!!!!!!!!!!");
         ++u4FailedCueCount;
     }
-    return 1;
+    return outcome;
 }
 
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.

@@ -53,15 +53,15 @@ void WebVTTParser::vDestoryLine(char** ppcLine) {
 bool WebVTTParser::fgSaveUnusedBuffer(const char* pcPrefix) {
     vClearUnusedBuffer();
     if (pcPrefix != nullptr && !m_block.fgAppendText(pcPrefix)) {
-        throw BadAllocException("Create Unused Buffer failed", nullptr);
+        throw_unless_read(Outcome::kNoCarried);
     }
-    return fgCarryTail();
+    return throw_unless_read(eCarryTail());
 }
 
 /// Appends the chunk's unread tail to the text in m_block and carries the whole to the next call.
-bool WebVTTParser::fgCarryTail() {
+Outcome WebVTTParser::eCarryTail() {
     if (m_block.fgIsEmpty() && u4ParsingBufferLen == 0) {
-        return false;
+        return Outcome::kRejected;
     }
     std::string_view tail;
     if (fgIsBufferAvailable()) {
@@ -69,11 +69,11 @@ bool WebVTTParser::fgCarryTail() {
     }
     if (!m_block.fgAppendText(tail)) {
         m_block.vClear();
-        throw BadAllocException("Create Unused Buffer failed", nullptr);
+        return Outcome::kNoCarried;
     }
     // Carried text may be empty (a tail that begins with a zero byte) and is carried all the same.
     vCarryBlock();
-    return true;
+    return Outcome::kDone;
 }
 
 void WebVTTParser::vClearUnusedBuffer() {

@@ -1,6 +1,5 @@
 // The state machine that a chunk goes through.
 #include "base/diagnostics.h"
-#include "base/errors.h"
 #include "parser/webvtt_parser.h"
 
 namespace webvtt {
@@ -57,15 +56,20 @@ int WebVTTParser::rsltParse(const void* pvData, unsigned int u4Size) {
 int WebVTTParser::rsltParseCues() {
     int result = 0;
     for (;;) {
-        try {
-            result = ersltParseCue();
-        } catch (const RuntimeException&) {
-            // The result stays that of the block before: behind a block of the same chunk the next
-            // block follows, but a chunk whose first block ends up here is given up.
-            print_error("Error occured at LINE %d", static_cast<int>(u4LineCount));
-        } catch (const BadAllocException&) {
-            print_error("out of memory");
-            return WEBVTT_RESULT_ERROR;
+        int block_result = 0;
+        switch (eParseCue(&block_result)) {
+            case Outcome::kDone:
+            case Outcome::kRejected:
+                result = block_result;
+                break;
+            case Outcome::kEmptyInput:
+                // The result stays that of the block before: behind a block of the same chunk the
+                // next block follows, but a chunk whose first block ends up here is given up.
+                print_error("Error occured at LINE %d", static_cast<int>(u4LineCount));
+                break;
+            default:
+                print_error("out of memory");
+                return WEBVTT_RESULT_ERROR;
         }
         if (result == 0) {
             print_error("FINISHED");

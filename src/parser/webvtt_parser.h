@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/errors.h"
 #include "base/target.h"
 #include "header/metadata_header.h"
 #include "header/timestamp_header.h"
@@ -123,6 +124,7 @@ class WebVTTParser {
     TimeStampMetaDataHeader* prTimeStampHeader = nullptr;  // the current map, in the list above
 
     int rsltParseCues();
+    Outcome eParseCue(int* result);
     void vReadHeaderLine(bool* pfgMapMade);
     template <typename Header>
     Header* prKeepHeader(std::unique_ptr<Header> header);
@@ -131,9 +133,10 @@ class WebVTTParser {
     void vConsumeLines(const ChunkLines& lines);
     void vClearBlock();
     void vExhaustBuffer();
-    bool fgCarryTail();
+    Outcome eCarryTail();
     void vCarryBlock();
     bool fgTakeCarried();
+    Outcome eAppendCue(const Cue& cue, std::string_view text);
     void vFreeQueue();
 
     BlockBuffer m_block;  // carried text, then the block or header line it grows into

@@ -4,7 +4,6 @@
 
 #include "base/byte_finder.h"
 #include "base/diagnostics.h"
-#include "base/errors.h"
 #include "base/text.h"
 #include "base/value_parsers.h"
 #include "payload/references.h"
@@ -51,14 +50,16 @@ class PayloadReader {
     PayloadReader(Cue& cue, std::string_view payload, PayloadSink& sink)
         : m_cue(cue), m_rest(payload), m_sink(sink) {}
 
-    void read(const char* stop) {
+    Outcome read(const char* stop) {
+        Outcome outcome = Outcome::kDone;
         do {
             if (m_rest.front() != '<') {
                 read_text();
             } else if (!read_plain_tag()) {
-                read_token();
+                outcome = read_token();
             }
-        } while (m_rest.data() < stop);
+        } while (outcome == Outcome::kDone && m_rest.data() < stop);
+        return outcome;
     }
 
   private:
@@ -66,8 +67,8 @@ class PayloadReader {
     std::size_t find_run_end();
     bool read_plain_tag();
     void add_classes(std::string_view classes);
-    void read_token();
-    void read_start_tag(const std::string& name);
+    Outcome read_token();
+    Outcome read_start_tag(const std::string& name);
     void read_end_tag(const std::string& name);
     void read_timestamp(const std::string& text);
 
@@ -153,7 +154,8 @@ void PayloadReader::add_classes(std::string_view classes) {
     }
 }
 
-void PayloadReader::read_token() {
+Outcome PayloadReader::read_token() {
+    Outcome outcome = Outcome::kDone;
     Cue::Tokenizer_Data token(m_rest.data(), static_cast<int>(m_rest.size()));
     switch (m_cue.eTokenizer(token)) {
         case Cue::TOKEN_STRING:
@@ -161,7 +163,7 @@ void PayloadReader::read_token() {
             m_sink.vEndText();
             break;
         case Cue::TOKEN_START_TAG:
-            read_start_tag(token.strResult.text);
+            outcome = read_start_tag(token.strResult.text);
             break;
         case Cue::TOKEN_END_TAG:
             read_end_tag(token.strResult.text);
@@ -173,17 +175,19 @@ void PayloadReader::read_token() {
             break;
     }
     m_rest.remove_prefix(static_cast<std::size_t>(token.iPosition));
+    return outcome;
 }
 
-void PayloadReader::read_start_tag(const std::string& name) {
+Outcome PayloadReader::read_start_tag(const std::string& name) {
     const Node_Type eType = find_tag(name);
     if (eType == NODE_ROOT) {
         // "Ignored" is what it prints, but the rest of the payload is given up: hosts count on
         // the result code 2 that this ends in.
         print_error("unexcepted start tag <%s> detected. Ignored", name.c_str());
-        throw BadAllocException("create new Node Failed\n", nullptr);
+        return Outcome::kNoNode;
     }
     m_sink.vOpenTag(eType);
+    return Outcome::kDone;
 }
 
 void PayloadReader::read_end_tag(const std::string& name) {
@@ -206,8 +210,8 @@ void PayloadReader::read_timestamp(const std::string& text) {
 
 }  // namespace
 
-void read_payload(Cue& cue, std::string_view payload, std::size_t uStop, PayloadSink& sink) {
-    PayloadReader(cue, payload, sink).read(payload.data() + uStop);
+Outcome read_payload(Cue& cue, std::string_view payload, std::size_t uStop, PayloadSink& sink) {
+    return PayloadReader(cue, payload, sink).read(payload.data() + uStop);
 }
 
 }  // namespace webvtt

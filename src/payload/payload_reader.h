@@ -29,7 +29,7 @@ class PayloadSink {
 /// @param payload must not be empty
 /// @param uStop   where reading ends: behind the token that reaches this place. The payload's size,
 ///                or that of the text in front of a zero byte in it.
-/// @throws BadAllocException a start tag is not known; the rest of the payload is not read
-void read_payload(Cue& cue, std::string_view payload, std::size_t uStop, PayloadSink& sink);
+/// @return kNoNode when a start tag is not known; the rest of the payload is not read
+Outcome read_payload(Cue& cue, std::string_view payload, std::size_t uStop, PayloadSink& sink);
 
 }  // namespace webvtt

@@ -22,12 +22,13 @@ class TextCollector final : public PayloadSink {
 
 }  // namespace
 
-void Cue::vReadPayloadText(std::string_view payload, std::string& joined) {
+Outcome Cue::eReadPayloadText(std::string_view payload, std::string& joined) {
     joined.clear();
     joined.reserve(payload.size());
     TextCollector collector(joined);
-    read_payload(*this, payload, payload.size(), collector);
+    const Outcome outcome = read_payload(*this, payload, payload.size(), collector);
     m_plain_text = joined;
+    return outcome;
 }
 
 void Cue::vTravelNodeTreeWithAction(WebvttNode* pNode, Travel_Action_Type eAction,

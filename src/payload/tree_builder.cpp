@@ -67,7 +67,7 @@ class TreeBuilder final : public PayloadSink {
     WebvttNode* prAppend(WebvttNode* made) {
         std::unique_ptr<WebvttNode> node(made);
         if (node == nullptr) {
-            throw BadAllocException("create new Node Failed\n", nullptr);
+            throw_unless_read(Outcome::kNoNode);
         }
         m_current->vAppendNode(node.get());
         return node.release();
@@ -82,7 +82,7 @@ class TreeBuilder final : public PayloadSink {
 
 bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
     if (uLength == 0 || pcPayload == nullptr) {
-        throw InvalidArgumentException("Input pcLine is empty", nullptr);
+        throw_unless_read(Outcome::kEmptyInput);
     }
     if (pRootNode == nullptr) {
         pRootNode = new (std::nothrow) WebvttNode;
@@ -92,8 +92,8 @@ bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
     }
     TreeBuilder builder(*this, pRootNode);
     // A zero byte ends the payload, but not the token that it is part of.
-    read_payload(*this, {pcPayload, uLength}, strnlen(pcPayload, uLength), builder);
-    return true;
+    return throw_unless_read(
+        read_payload(*this, {pcPayload, uLength}, strnlen(pcPayload, uLength), builder));
 }
 
 void Cue::vAddApplicableClass(WebvttString strClass) {

@@ -47,7 +47,8 @@ Outcome parse_for_text(const std::string& block) {
         std::string joined = "of an earlier cue";
         Cue cue;
         const bool may_have_markup = block.find_first_of("<&") != std::string::npos;
-        if (!cue.fgParseForText({exact.data(), exact.size()}, may_have_markup, joined)) {
+        if (!throw_unless_read(
+                cue.eParseForText({exact.data(), exact.size()}, may_have_markup, joined))) {
             return "false";
         }
         EXPECT_EQ(cue.pRootNode, nullptr);

@@ -124,6 +124,23 @@ TEST(ThrowSites, UnknownStartTag) {
               "create new Node Failed\n");
 }
 
+// What is told by value inside the module, for callers who are promised an exception.
+TEST(ThrowSites, EveryOutcomeHasItsException) {
+    EXPECT_TRUE(throw_unless_read(Outcome::kDone));
+    EXPECT_FALSE(throw_unless_read(Outcome::kRejected));
+    EXPECT_EQ(message_of<InvalidArgumentException>([] { throw_unless_read(Outcome::kEmptyInput); }),
+              "Input pcLine is empty");
+    const struct {
+        Outcome outcome;
+        const char* message;
+    } kShortages[] = {{Outcome::kNoNode, "create new Node Failed\n"},
+                      {Outcome::kNoRecord, "Create WebvttCue Node failed"},
+                      {Outcome::kNoCarried, "Create Unused Buffer failed"}};
+    for (const auto& c : kShortages) {
+        EXPECT_EQ(message_of<BadAllocException>([&] { throw_unless_read(c.outcome); }), c.message);
+    }
+}
+
 TEST(ThrowSites, NullHeaderLine) {
     RegionMetaDataHeader region;
     TimeStampMetaDataHeader map;

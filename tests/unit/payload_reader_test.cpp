@@ -50,9 +50,7 @@ std::string read(std::string_view payload) {
     Cue cue;
     Log sink;
     support::StdoutCapture capture;
-    try {
-        read_payload(cue, {block.data(), block.size()}, block.size(), sink);
-    } catch (const BadAllocException& error) {
+    if (read_payload(cue, {block.data(), block.size()}, block.size(), sink) == Outcome::kNoNode) {
         sink.log += "!";
     }
     return sink.log + classes_of(cue);
