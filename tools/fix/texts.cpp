@@ -28,10 +28,10 @@ bool IsKnownTag(std::string_view name) {
 
 // Tags of pages and of other formats, which nobody means to show.
 bool IsForeignTag(std::string_view name) {
-    static constexpr std::array<std::string_view, 22> kNames = {
+    static constexpr std::array<std::string_view, 22> kTags = {
         "a",   "big", "blink", "br", "br/",   "center", "code",   "del",    "div", "em",  "font",
         "img", "ins", "p",     "s",  "small", "span",   "strike", "strong", "sub", "sup", "tt"};
-    return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
+    return std::find(kTags.begin(), kTags.end(), name) != kTags.end();
 }
 
 // A change to the text behind some place: bytes, what they become, what a player shows for them.
