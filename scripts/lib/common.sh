@@ -6,6 +6,10 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$root" || exit
 jobs=$(nproc)
 
+# For the first configuration of a preset by a script: who builds once has no use for single files.
+# Later ones leave everything as it is, so that what is compiled is not compiled again.
+first_options=(-DQUILL_UNITY=ON)
+
 say() { printf '%s\n' "${0##*/}: $*" >&2; }
 
 fail() {
