@@ -93,7 +93,7 @@ Guard& Guard::instance() {
 
 void Guard::load() {
     m_settings = read_settings();
-    m_module.load(m_settings.module_path);
+    m_module.load(read_module_path());
     m_pages.open();
     AccessWatch::keep(m_pages);
     UncaughtWatch::keep();
@@ -127,7 +127,6 @@ void Guard::unload() {
     AccessWatch::end();
     m_pages.close();
     m_parsers.live().clear();
-    m_settings = Settings();
     m_module.unload();
 }
 
@@ -164,6 +163,7 @@ void Guard::end(Call& call) {
         check_time(call, m_settings.slow_ms,
                    static_cast<unsigned long>((now_ns() - call.begun_ns) / 1000000));
     }
+    tell(call);  // now: behind the last call on a parser that was released there is no parser
     bool is_last = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -176,7 +176,6 @@ void Guard::end(Call& call) {
     if (is_last) {
         release(call);
     }
-    tell(call);
 }
 
 void Guard::release(Call& call) {

@@ -47,13 +47,16 @@ unsigned number(const char* name, const char* possible) {
 
 Settings read_settings() {
     Settings settings;
-    settings.module_path = variable("QUILLCAPTION_GUARD_MODULE");
     settings.aborts =
         is_second("QUILLCAPTION_GUARD_ON_MISTAKE", "report", "abort", "report or abort");
     settings.slow_ms = number("QUILLCAPTION_GUARD_SLOW_MS", "a number of milliseconds");
     settings.always_sums_up =
         is_second("QUILLCAPTION_GUARD_SUMMARY", "mistakes", "always", "mistakes or always");
     return settings;
+}
+
+std::string read_module_path() {
+    return variable("QUILLCAPTION_GUARD_MODULE");
 }
 
 }  // namespace guard

@@ -6,8 +6,6 @@
 namespace guard {
 
 struct Settings {
-    /// QUILLCAPTION_GUARD_MODULE: the module to load, in place of the one beside the guard.
-    std::string module_path;
     /// QUILLCAPTION_GUARD_ON_MISTAKE=abort: ends the process where a mistake is found.
     bool aborts = false;
     /// QUILLCAPTION_GUARD_SLOW_MS: longest time of a call, in milliseconds; 0 for any.
@@ -18,5 +16,8 @@ struct Settings {
 
 /// Says on standard error which variable has a value that it can't have, and goes on without it.
 Settings read_settings();
+
+/// QUILLCAPTION_GUARD_MODULE: the module to load in place of the one beside the guard; or empty.
+std::string read_module_path();
 
 }  // namespace guard
