@@ -141,12 +141,15 @@ void FixReturns(const Workshop& shop) {
                lines[index].end == "\r\n" && lines[index - 1].end == "\r" && !lines[index].frozen &&
                !lines[index - 1].frozen;
     };
+    if (!shop.Wants("two-returns")) {
+        return;
+    }
     for (std::size_t index = 0; index < lines.size(); ++index) {
         if (lines[index].end == "\r" && !is_rest(index + 1) && !lines[index].frozen) {
             return;
         }
     }
-    for (std::size_t index = 1; index < lines.size() && shop.Wants("two-returns"); ++index) {
+    for (std::size_t index = 1; index < lines.size(); ++index) {
         if (is_rest(index)) {
             lines[index - 1].end = lines[index].end;
             shop.document.Record(lines[index - 1].number, "two-returns",

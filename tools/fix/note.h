@@ -32,7 +32,7 @@ struct Note {
     // Of a timing line: the times that were rewritten, in milliseconds.
     std::optional<std::int64_t> start;
     std::optional<std::int64_t> end;
-    std::optional<std::string> kept_settings;  // those not rewritten, when others were
+    std::optional<std::string> kept_settings;  // those not rewritten; all when nothing is stated
     std::vector<Effect> effects;
     // Of a line of text.
     std::vector<Span> spans;

@@ -68,7 +68,7 @@ class Payload {
     };
 
     void Find() {
-        std::size_t at = text_.find_first_of("&<");
+        std::size_t at = NextSign(0);
         while (at < text_.size()) {
             const std::string_view rest = std::string_view(text_).substr(at);
             std::size_t done = 1;
@@ -87,8 +87,16 @@ class Payload {
                 kept_.push_back(at);
                 kept_end_ = at + done;
             }
-            at = text_.find_first_of("&<", at + done);
+            at = NextSign(at + done);
         }
+    }
+
+    // The next "&" or "<".
+    std::size_t NextSign(std::size_t at) const {
+        while (at < text_.size() && text_[at] != '&' && text_[at] != '<') {
+            ++at;
+        }
+        return at;
     }
 
     // References without an end are shown as they are only before another sign.

@@ -88,6 +88,7 @@ class Rewriter {
         } else {
             made_.text += spaces;
         }
+        made_.note.kept_settings = line_.text.substr(begin);
         if (!has_settings) {
             return;
         }
