@@ -66,5 +66,13 @@ class Table(QuillTest):
         self.assertEqual(sorted(named - fixed), [])
 
 
+    def test_the_page_names_the_codes_that_are_fixed(self):
+        page = self.content(os.path.join(os.environ["QUILL_DOCS"], "fix.md")).decode()
+        section = page.split("## What is fixed\n")[1].split("\n## ")[0]
+        fixed = {one.split(":")[1] for row in ROWS for one in row.fixed.split()}
+        named = set(re.findall(r"Q\d{3}", section))
+        self.assertEqual(named, fixed | {"Q417"})  # which is fixed with --from only
+
+
 if __name__ == "__main__":
     unittest.main()

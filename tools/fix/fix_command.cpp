@@ -105,7 +105,7 @@ FixCommand::FixCommand(CLI::App& app)
         "Leave these as they are");
     line.AddOption("--from", "ENCODING", encoding_,
                    "What the track is written in, such as ISO-8859-1 or\n"
-                   "WINDOWS-1252; UTF-16 and gzip are seen without");
+                   "WINDOWS-1252; UTF-16, UTF-32 and gzip are seen without");
     line.AddFlag("--all", all_, "Say each thing that was fixed or left, however many");
     line.AddFlag("--quiet", quiet_, "Do not say what was fixed or left");
     console::AddModuleOption(line, module_);
