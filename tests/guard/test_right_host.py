@@ -1,8 +1,9 @@
 """A right host: through the guard it prints, says and returns what it does without.
 
 GUARD is the guard's file, QUILLCAPTION_MODULE the module's, GUARD_HOST the example host,
-GUARD_ODD_HOST the one of odd_host.c, GUARD_EMULATOR what runs programs of the target, if anything, GUARD_SOURCE the top folder,
-GUARD_SANITIZE the sanitizers of the build, if any.
+GUARD_ODD_HOST the one of odd_host.c, GUARD_QUILL quill, if there is one, GUARD_EMULATOR what runs
+programs of the target, if anything, GUARD_SOURCE the top folder, GUARD_SANITIZE the sanitizers of
+the build, if any.
 """
 
 import os
@@ -34,6 +35,19 @@ class RightHostTest(unittest.TestCase):
         for track in SAMPLES:
             with self.subTest(track.name):
                 self.assertEqual(play(GUARD, track), play(MODULE, track))
+
+    @unittest.skipUnless("GUARD_QUILL" in os.environ, "there is no quill")
+    def test_quill_is_one_whatever_its_chunks(self):
+        for size in ("1", "16", "1460")[:1 if EMULATOR else 3]:
+            for track in SAMPLES:
+                with self.subTest(size=size, track=track.name):
+                    through, without = (subprocess.run(
+                        [*EMULATOR, os.environ["GUARD_QUILL"], "cues", "--chunk", size,
+                         "--module", module, track], check=False, timeout=60, capture_output=True)
+                        for module in (GUARD, MODULE))
+                    self.assertNotIn(b"quillcaption-guard:", through.stderr)
+                    self.assertEqual((through.returncode, through.stdout, through.stderr),
+                                     (without.returncode, without.stdout, without.stderr))
 
     def test_the_sum_is_told_when_asked_for(self):
         track = SAMPLES[0].with_name("regions.vtt")
