@@ -17,15 +17,6 @@
 namespace quill::fix {
 namespace {
 
-constexpr std::size_t kMostLines = 10;  // of a block
-
-// A cue, with an identifier or without, or a block that says what it is.
-bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index) {
-    return lines[index].timing || check::IsCommentLine(lines[index].text) ||
-           check::IsStyleLine(lines[index].text) ||
-           (index + 1 < lines.size() && lines[index + 1].timing);
-}
-
 // Lines between blocks that hold what nobody sees. Below a timing line such a line may be meant:
 // it is all the text that the cue has.
 void BlankLinesThatLookIt(const Workshop& shop) {
@@ -77,21 +68,6 @@ std::uint64_t NumberOf(std::string_view identifier) {
     return IsNumber(identifier) && identifier.size() <= kMostDigits
                ? std::stoull(std::string(identifier))
                : 0;
-}
-
-bool HoldsTimes(std::string_view line) {
-    const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(line);
-    return meant && meant->is_certain;
-}
-
-// "->" for every arrow.
-std::string WithoutArrows(std::string_view line) {
-    std::string text(line);
-    for (std::size_t arrow = text.find("-->"); arrow != std::string::npos;
-         arrow = text.find("-->")) {
-        text.erase(arrow, 1);
-    }
-    return text;
 }
 
 // An identifier with an arrow is taken for the timing line.
@@ -222,13 +198,22 @@ void JoinIdentifiers(const Workshop& shop) {
     document.Commit();
 }
 
-// A tag that goes on in the next line, where a cue can't be cut.
-bool IsOpen(std::string_view line) {
-    const std::size_t bracket = line.rfind('<');
-    return bracket != std::string_view::npos && line.find('>', bracket) == std::string_view::npos;
+}  // namespace
+
+std::string WithoutArrows(std::string_view line) {
+    std::string text(line);
+    for (std::size_t arrow = text.find("-->"); arrow != std::string::npos;
+         arrow = text.find("-->")) {
+        text.erase(arrow, 1);
+    }
+    return text;
 }
 
-}  // namespace
+bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index) {
+    return lines[index].timing || check::IsCommentLine(lines[index].text) ||
+           check::IsStyleLine(lines[index].text) ||
+           (index + 1 < lines.size() && lines[index + 1].timing);
+}
 
 bool IsNumber(std::string_view line) {
     return !line.empty() && line.find_first_not_of("0123456789") == std::string_view::npos;
@@ -246,132 +231,6 @@ void FixBlankLines(const Workshop& shop) {
     SplitCues(shop);
     JoinTexts(shop);
     JoinIdentifiers(shop);
-}
-
-// "<!-- as pages have them -->", which costs the cues behind it.
-bool IsPageComment(std::string_view line) {
-    const std::size_t arrow = line.find(check::kArrow);
-    return console::BeginsWith(line, "<!-- ") && arrow > 4 && arrow != std::string_view::npos &&
-           line.find_first_not_of(" \t", arrow + check::kArrow.size()) == std::string_view::npos;
-}
-
-// A cue without a text costs those behind it, and shows nothing either way: it becomes a comment,
-// in which nothing of it is lost. The first line of a track that was put behind another one, and
-// nothing else of it, is not needed.
-void FixEmptyBlocks(const Workshop& shop) {
-    Document& document = shop.document;
-    std::vector<Line>& lines = document.lines();
-    Range block = NextBlock(lines, document.HeaderEnd());
-    while (block.size() > 0) {
-        const Range next = NextBlock(lines, block.end);
-        const Line& first = lines[block.begin];
-        const bool is_free = !first.frozen && !lines[block.end - 1].frozen;
-        const bool is_last = next.size() == 0 || BlockBeginsAt(lines, next.begin);
-        if (is_free && is_last && TimingOf(lines, block) + 1 == block.end &&
-            shop.Wants("no-text")) {
-            document.Record(first.number, "no-text", "made a comment, as it has no text");
-            for (std::size_t index = block.begin; index < block.end; ++index) {
-                document.Replace(
-                    index, (index == block.begin ? "NOTE " : "") + WithoutArrows(lines[index].text),
-                    {});
-                lines[index].timing = false;
-            }
-        } else if (is_free && block.size() == 1 && IsPageComment(first.text) &&
-                   shop.Wants("page-comment")) {
-            const std::string text =
-                "NOTE" + std::string(first.text.substr(4, first.text.rfind(check::kArrow) - 4));
-            document.Record(first.number, "page-comment", first.text, text);
-            document.Replace(block.begin, text, {});
-        } else if (is_free && block.size() == 1 && check::IsSignature(first.text) &&
-                   shop.Wants("second-track")) {
-            document.Record(first.number, "second-track", first.text, "");
-            document.Drop(block.begin);
-        }
-        block = next;
-    }
-    document.Commit();
-}
-
-// What stands behind the tenth line becomes a cue of its own with the same times and settings.
-void FixLongBlocks(const Workshop& shop) {
-    Document& document = shop.document;
-    const std::vector<Line>& lines = document.lines();
-    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
-         block = NextBlock(lines, block.end)) {
-        const std::size_t timing = TimingOf(lines, block);
-        const bool free =
-            std::none_of(lines.begin() + static_cast<std::ptrdiff_t>(block.begin),
-                         lines.begin() + static_cast<std::ptrdiff_t>(block.end),
-                         [](const Line& line) { return line.frozen || IsOpen(line.text); });
-        if (timing == block.end || block.size() <= kMostLines || !free ||
-            !shop.Wants("eleventh-line")) {
-            continue;
-        }
-        const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(lines[timing].text);
-        Note note;
-        note.start = meant->start.milliseconds;
-        note.end = meant->end.milliseconds;
-        note.kept_settings = std::string(lines[timing].text.substr(meant->settings_begin));
-        for (std::size_t index = block.begin + kMostLines; index < block.end;
-             index += kMostLines - 1) {
-            document.Record(lines[index].number, "eleventh-line",
-                            "a blank line and the timing line put above it");
-            document.InsertAbove(index);
-            document.InsertAbove(index, std::string(lines[timing].text), note);
-        }
-    }
-    document.Commit();
-}
-
-// An arrow makes a timing line of a comment's first or second line. One that can be read as a
-// timing line may be meant for one.
-void FixComments(const Workshop& shop) {
-    Document& document = shop.document;
-    std::vector<Line>& lines = document.lines();
-    for (Range block = NextBlock(lines, document.HeaderEnd()); block.size() > 0;
-         block = NextBlock(lines, block.end)) {
-        const auto begin = lines.begin() + static_cast<std::ptrdiff_t>(block.begin);
-        const auto end = lines.begin() + static_cast<std::ptrdiff_t>(block.end);
-        if (!check::IsCommentLine(begin->text) || !shop.Wants("comment-arrow") ||
-            std::any_of(begin, end,
-                        [](const Line& line) { return line.frozen || HoldsTimes(line.text); })) {
-            continue;
-        }
-        for (std::size_t index = block.begin; index < block.end; ++index) {
-            const std::string text = WithoutArrows(lines[index].text);
-            if (text != lines[index].text) {
-                document.Record(lines[index].number, "comment-arrow", lines[index].text, text);
-                document.Replace(index, text, {});
-            }
-        }
-    }
-}
-
-// The last cue is complete only when a blank line follows it.
-void FixLastLine(const Workshop& shop) {
-    std::vector<Line>& lines = shop.document.lines();
-    if (lines.empty() || lines.back().IsBlank() || lines.back().frozen ||
-        !shop.Wants("last-blank-line")) {
-        return;
-    }
-    std::size_t begin = lines.size();
-    while (begin > 0 && !lines[begin - 1].IsBlank()) {
-        --begin;
-    }
-    const Range block{begin, lines.size()};
-    const std::size_t timing = TimingOf(lines, block);
-    // In the header nothing waits for its end.
-    if (begin == 0 || timing + 1 >= lines.size()) {
-        return;
-    }
-    Line& last = lines.back();
-    shop.document.Record(last.number, "last-blank-line", "a blank line put below it");
-    if (last.end.empty()) {
-        last.end = lines[lines.size() - 2].end;
-    }
-    Line blank{"", "", last.end, last.number};
-    blank.inserted = true;
-    lines.push_back(blank);
 }
 
 }  // namespace quill::fix

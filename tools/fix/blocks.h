@@ -2,12 +2,21 @@
 #ifndef TOOLS_FIX_BLOCKS_H_
 #define TOOLS_FIX_BLOCKS_H_
 
+#include <cstddef>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/fix/document.h"
 
 namespace quill::fix {
 
+constexpr std::size_t kMostLines = 10;  // of a block
+
+// A cue, with an identifier or without, or a block that says what it is.
+bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index);
+// "->" for every arrow.
+std::string WithoutArrows(std::string_view line);
 // Digits alone: what numbers a cue, and hardly anything else.
 bool IsNumber(std::string_view line);
 // Blank, or it only looks so.

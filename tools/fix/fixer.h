@@ -35,8 +35,10 @@ void FindTimings(const Workshop& shop);
 // In map.cpp:
 void FixMap(const Workshop& shop);
 
-// In blocks.cpp: where blocks begin and end, and blocks that make no cue.
+// In blocks.cpp: where blocks begin and end.
 void FixBlankLines(const Workshop& shop);
+
+// In block_forms.cpp: blocks that make no cue.
 void FixEmptyBlocks(const Workshop& shop);
 
 // In timings.cpp: of the blocks that are cues now.
@@ -45,7 +47,7 @@ void FixTimings(const Workshop& shop);
 // In texts.cpp: what stands below a timing line.
 void FixTexts(const Workshop& shop);
 
-// In blocks.cpp again:
+// In block_forms.cpp again:
 void FixComments(const Workshop& shop);
 void FixLongBlocks(const Workshop& shop);
 void FixLastLine(const Workshop& shop);
