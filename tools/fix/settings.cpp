@@ -105,7 +105,7 @@ void JoinPieces(std::vector<Item>& items) {
 }
 
 // A number that comes to the same in every arithmetic.
-bool IsNumber(std::string_view text) {
+bool IsPlainNumber(std::string_view text) {
     constexpr std::size_t kMostDigits = 6;
     const std::size_t point = std::min(text.find('.'), text.size());
     const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
@@ -153,12 +153,12 @@ std::string FixAlign(const std::string& value, const char*& code) {
 
 std::string FixPercentage(const std::string& name, const std::string& value, const char*& code) {
     Value parts = SplitValue(value);
-    if (IsNumber(parts.number) && std::stod(parts.number) <= 100) {
+    if (IsPlainNumber(parts.number) && std::stod(parts.number) <= 100) {
         code = "setting-value";
         parts.number += '%';
     } else if (name == "size" && parts.second.empty() && !parts.number.empty() &&
                parts.number.back() == '%' &&
-               IsNumber(std::string_view(parts.number).substr(0, parts.number.size() - 1)) &&
+               IsPlainNumber(std::string_view(parts.number).substr(0, parts.number.size() - 1)) &&
                std::stod(parts.number) > 100) {
         code = std::stod(parts.number) < 256 ? "size-range" : "number-wraps";
         parts.number = "100%";
@@ -238,7 +238,7 @@ std::optional<Effect> EffectOf(const std::string& text) {
     number.erase(0, negative ? 1 : 0);
     const bool percent = !number.empty() && number.back() == '%';
     number.resize(number.size() - (percent ? 1 : 0));
-    if (!IsNumber(number)) {
+    if (!IsPlainNumber(number)) {
         return std::nullopt;
     }
     const double real = std::stod(number);
