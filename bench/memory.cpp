@@ -3,8 +3,9 @@
 //   memory [--quick]     a table; ends with 1 when a limit is broken
 //
 // "stack" is without what printing diagnostics takes, "printing" is with it; both count the few
-// dozen bytes of the player and its callback. Limits: no call goes deeper than 8 KB, and the heap
-// is as it was after a million cues (a hundred thousand with --quick) were delivered.
+// dozen bytes of the player and its callback. Limits: no call goes deeper than 8 KB, the heap takes
+// at most three times what was fed and 8 KB, header objects apart, and is as it was after a million
+// cues (a hundred thousand with --quick) were delivered.
 #include <cstdlib>
 #include <cstring>
 
@@ -20,6 +21,8 @@ namespace {
 using support::Memory;
 
 constexpr std::size_t kMostStack = 8192;
+constexpr std::size_t kMostHeapFixed = 8192;
+constexpr double kMostHeapAByte = 3.0;
 constexpr std::size_t kDialogueSize = 200000;
 constexpr unsigned kPlainCues = 2000;
 
@@ -44,7 +47,7 @@ std::size_t quiet_stack_peak_of(const support::Methods& module, const Play& play
     return peak;
 }
 
-/// False when a call went too deep.
+/// False when a call went too deep or took too much.
 bool print_shape(std::FILE* report, const support::Methods& module, const Shape& shape) {
     const Play play = shape.make(shape.n);
     const auto bytes = static_cast<double>((play.opening.size() + play.text.size()) * play.parsers);
@@ -52,10 +55,15 @@ bool print_shape(std::FILE* report, const support::Methods& module, const Shape&
     const std::size_t quiet = quiet_stack_peak_of(module, play);
     const std::size_t printing = stack_peak_of([&] { play_shape(module, play); });
     const bool too_deep = printing > kMostStack;
-    std::fprintf(report, "%-34s %10.0f %10zu %8.2f %8zu %8zu%s\n", shape.name.data(), bytes, heap,
-                 static_cast<double>(heap) / bytes, quiet, printing, too_deep ? "  TOO DEEP" : "");
+    // Header objects, and parsers, are kept whatever becomes of the text.
+    const bool keeps_text_only = play.opening == Play().opening && play.parsers == 1;
+    const bool too_much =
+        keeps_text_only && static_cast<double>(heap) > kMostHeapAByte * bytes + kMostHeapFixed;
+    std::fprintf(report, "%-34s %10.0f %10zu %8.2f %8zu %8zu%s%s\n", shape.name.data(), bytes, heap,
+                 static_cast<double>(heap) / bytes, quiet, printing, too_deep ? "  TOO DEEP" : "",
+                 too_much ? "  TOO MUCH" : "");
     std::fflush(report);
-    return !too_deep;
+    return !too_deep && !too_much;
 }
 
 bool print_shapes(std::FILE* report, const support::Methods& module) {

@@ -30,6 +30,8 @@ bool throw_unless_read(Outcome outcome) {
             throw BadAllocException("create new Node Failed\n", nullptr);
         case Outcome::kNoRecord:
             throw BadAllocException("Create WebvttCue Node failed", nullptr);
+        case Outcome::kNoBlock:
+            throw BadAllocException("apply memory failed at Line", nullptr);
         case Outcome::kNoCarried:
             break;
     }

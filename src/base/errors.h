@@ -60,6 +60,7 @@ enum class Outcome {
     kEmptyInput,  ///< a cue without a payload, or a bad start time
     kNoNode,      ///< a start tag that is not known
     kNoRecord,    ///< memory ran out
+    kNoBlock,     ///< likewise
     kNoCarried    ///< likewise
 };
 

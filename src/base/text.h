@@ -1,6 +1,7 @@
 // Small operations on views of text. None of them copies or allocates.
 #pragma once
 
+#include <cstring>
 #include <stdexcept>
 #include <string_view>
 
@@ -40,15 +41,22 @@ inline Split split_line(std::string_view text) {
     return {text.substr(0, at), text.substr(at + 1), true};
 }
 
-/// Whether two short texts are the same. A plain loop: words that differ do so early, and those
-/// that do not are shorter than what a call of memcmp takes.
+/// Whether two short texts are the same. A plain loop, four letters at a time: words that differ do
+/// so early, and those that do not are shorter than what a call of memcmp takes.
 inline bool same_word(std::string_view word, std::string_view other) {
     if (word.size() != other.size()) {
         return false;
     }
-    const char* c = other.data();
-    for (const char letter : word) {
-        if (letter != *c++) {
+    const char* c = word.data();
+    const char* d = other.data();
+    const char* const end = c + word.size();
+    for (; end - c >= 4; c += 4, d += 4) {
+        if (std::memcmp(c, d, 4) != 0) {  // one comparison, not a call
+            return false;
+        }
+    }
+    for (; c != end; ++c, ++d) {
+        if (*c != *d) {
             return false;
         }
     }

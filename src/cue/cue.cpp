@@ -31,7 +31,7 @@ bool Cue::fgParse(const char* pcLine, unsigned size) {
            fgParseCuePayload(payload.data(), static_cast<unsigned>(payload.size()));
 }
 
-Outcome Cue::eParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined) {
+Outcome Cue::eParseForText(std::string_view block, char* pcOwn) {
     m_for_text = true;
     std::string_view payload;
     const Outcome head = eParseHead(block, &payload);
@@ -41,8 +41,8 @@ Outcome Cue::eParseForText(std::string_view block, bool fgMayHaveMarkup, std::st
     if (payload.empty()) {
         return Outcome::kEmptyInput;
     }
-    if (fgMayHaveMarkup) {
-        return eReadPayloadText(payload, joined);
+    if (pcOwn != nullptr) {
+        return eReadPayloadText(payload, pcOwn + (payload.data() - block.data()));
     }
     m_plain_text = payload;  // where it lies: nothing is copied but into the record
     return Outcome::kDone;

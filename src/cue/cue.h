@@ -48,14 +48,14 @@ class Cue {
     /// nest. The text is strPlainText(). The results are those of fgParse, and so are the errors,
     /// but its own exceptions are told by value. The cue must be new: settings that are not given
     /// are not looked at.
-    /// @param block           need not be zero-terminated; must outlive the cue
-    /// @param fgMayHaveMarkup false when there is no "<" and no "&" in the block
-    /// @param joined          takes the text of a payload with markup; must outlive the cue. The
-    ///                        caller's, so that its storage serves one cue after the other.
-    Outcome eParseForText(std::string_view block, bool fgMayHaveMarkup, std::string& joined);
+    /// @param block need not be zero-terminated; must outlive the cue
+    /// @param pcOwn null when there is no "<" and no "&" in the block; otherwise the block itself,
+    /// in
+    ///              which the text of a payload with markup is joined
+    Outcome eParseForText(std::string_view block, char* pcOwn);
 
     /// After eParseForText: the text that strGetCueContent gives after fgParse. It lies in the
-    /// block or in the joined text.
+    /// block.
     std::string_view strPlainText() const { return m_plain_text; }
 
     /// Parses a timing line. Results and errors as in fgParse. What is left of the line says how
@@ -175,7 +175,7 @@ class Cue {
     Outcome eParseHead(std::string_view block, std::string_view* pstrPayload);
     bool fgParseUsualHead(std::string_view block, std::string_view* pstrPayload);
     Outcome eParseTimes(const Split& times, std::string_view& left);
-    Outcome eReadPayloadText(std::string_view payload, std::string& joined);
+    Outcome eReadPayloadText(std::string_view payload, char* pcText);
     void vParseSettings(std::string_view& settings);
     void vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon);
     void vDeriveSettings();

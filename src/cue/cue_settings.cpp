@@ -82,19 +82,22 @@ void Cue::vParseSettings(std::string_view& settings) {
     fgPositionAlignSet = false;
     // One look at each character finds the items and the colons in them.
     const char* const end = settings.data() + settings.size();
-    const char* item = settings.data();
-    const char* colon = nullptr;
-    for (const char* at = item; at != end; ++at) {
-        if (*at == ' ') {
-            vParseSetting(item, at, colon);
-            item = at + 1;
-            settings = {item, static_cast<std::size_t>(end - item)};
-            colon = nullptr;
-        } else if (*at == ':' && colon == nullptr) {
-            colon = at;
+    for (const char* item = settings.data();; ++item) {
+        settings = {item, static_cast<std::size_t>(end - item)};
+        const char* at = item;
+        while (at != end && *at != ' ' && *at != ':') {
+            ++at;
         }
+        const char* const colon = at != end && *at == ':' ? at : nullptr;
+        while (at != end && *at != ' ') {
+            ++at;
+        }
+        vParseSetting(item, at, colon);
+        if (at == end) {
+            break;
+        }
+        item = at;
     }
-    vParseSetting(item, end, colon);
     vDeriveSettings();
 }
 

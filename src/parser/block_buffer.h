@@ -37,6 +37,9 @@ class BlockBuffer {
     /// Appends any text. An empty one is text as well: there is storage afterwards.
     bool fgAppendText(std::string_view text);
 
+    /// Makes the text the buffer's own, to be written to.
+    bool fgOwn() { return fgReserve(0); }
+
     /// Cuts the text back to an earlier size, at which it held so many line feeds.
     void vTruncate(std::size_t uNewSize, unsigned uNewLineFeeds);
 

@@ -2,6 +2,7 @@
 //
 // A longer block is cut: its first ten lines are one cue, and what follows is a block of its own,
 // which normally fails for want of a timing line.
+#include "base/byte_finder.h"
 #include "base/diagnostics.h"
 #include "cue/cue.h"
 #include "parser/webvtt_parser.h"
@@ -10,6 +11,11 @@ namespace webvtt {
 namespace {
 
 constexpr unsigned kMostLines = 10;
+
+bool has_markup(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    return find_byte(text.data(), end, '<') != end || find_byte(text.data(), end, '&') != end;
+}
 
 }  // namespace
 
@@ -22,8 +28,8 @@ int WebVTTParser::ersltParseCue() {
 /// As ersltParseCue, which throws what is an error here.
 /// @param result is that of ersltParseCue, unless there was an error
 Outcome WebVTTParser::eParseCue(int* result) {
-    bool may_have_markup = true;
-    switch (eReadBlock(&may_have_markup)) {
+    bool markup = false;
+    switch (eReadBlock(&markup)) {
         case Block_Result::kFailed:
             *result = WEBVTT_RESULT_ERROR;
             return Outcome::kRejected;
@@ -35,8 +41,11 @@ Outcome WebVTTParser::eParseCue(int* result) {
             break;
     }
     const Block_Guard guard{*this};
+    if (markup && !m_block.fgOwn()) {
+        return Outcome::kNoBlock;
+    }
     Cue cue;
-    Outcome outcome = cue.eParseForText(m_block.strText(), may_have_markup, m_joined_text);
+    Outcome outcome = cue.eParseForText(m_block.strText(), markup ? m_block.pcOwned() : nullptr);
     if (outcome == Outcome::kDone) {
         ++u4ParsedCueCount;
         outcome = eAppendCue(cue, cue.strPlainText());
@@ -48,8 +57,8 @@ Outcome WebVTTParser::eParseCue(int* result) {
 }
 
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.
-/// @param pfgMayHaveMarkup set to false when a complete block is known to have no "<" and no "&"
-WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgMayHaveMarkup) {
+/// @param pfgHasMarkup whether there is a "<" or a "&" in a complete block
+WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgHasMarkup) {
     const bool carried = fgTakeCarried();
     const std::size_t carried_size = m_block.strText().size();
     const unsigned carried_line_feeds = m_block.uLineFeeds();
@@ -84,8 +93,8 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgMayHaveMarkup) {
         }
         const bool complete = count >= kMostLines || lines.blank_follows || (blank && content);
         if (complete) {
-            *pfgMayHaveMarkup =
-                carried || m_lines.has_markup(begin, lines.bytes.data() + lines.consumed);
+            *pfgHasMarkup = (carried && has_markup(m_block.strText().substr(0, carried_size))) ||
+                            m_lines.has_markup(begin, lines.bytes.data() + lines.consumed);
         }
         vConsumeLines(lines);
         if (complete) {

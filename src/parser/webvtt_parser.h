@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -104,7 +103,7 @@ class WebVTTParser {
     /// Empties the block when its reader is done with it, also when an exception leaves the module.
     struct Block_Guard {
         WebVTTParser& parser;
-        ~Block_Guard() { parser.vClearBlock(); }
+        ~Block_Guard() { parser.vClearUnusedBuffer(); }
     };
 
     WebvttCueNode tResultHead;                   // sentinel
@@ -128,10 +127,9 @@ class WebVTTParser {
     void vReadHeaderLine(bool* pfgMapMade);
     template <typename Header>
     Header* prKeepHeader(std::unique_ptr<Header> header);
-    Block_Result eReadBlock(bool* pfgMayHaveMarkup);
+    Block_Result eReadBlock(bool* pfgHasMarkup);
     bool fgFindLines(unsigned uMost, ChunkLines* lines);
     void vConsumeLines(const ChunkLines& lines);
-    void vClearBlock();
     void vExhaustBuffer();
     Outcome eCarryTail();
     void vCarryBlock();
@@ -141,8 +139,7 @@ class WebVTTParser {
 
     BlockBuffer m_block;  // carried text, then the block or header line it grows into
     LineFinder m_lines;
-    RecordArena m_records;      // the queued ones
-    std::string m_joined_text;  // of a cue with markup; used again for the next one
+    RecordArena m_records;  // the queued ones
 };
 
 // Inline, as every line of a track comes through these.
@@ -178,13 +175,6 @@ inline void WebVTTParser::vConsumeLines(const ChunkLines& lines) {
         vExhaustBuffer();
     }
     u4LineCount += lines.count + (lines.blank_follows ? 1 : 0);
-}
-
-inline void WebVTTParser::vClearBlock() {
-    vClearUnusedBuffer();
-    if (m_joined_text.capacity() > BlockBuffer::kKeptCapacity) {
-        std::string().swap(m_joined_text);
-    }
 }
 
 }  // namespace webvtt

@@ -34,7 +34,7 @@ Node_Type find_tag(std::string_view name) {
     return NODE_ROOT;
 }
 
-/// Where a tag's classes end: at the ">", or at whitespace, which only the tokenizer knows.
+/// Where a tag's name and classes end: at the ">" or at whitespace.
 std::size_t find_classes_end(std::string_view text, std::size_t from) {
     while (from < text.size() && text[from] != '>' && !is_tag_space(text[from]) &&
            text[from] != '\n') {
@@ -43,8 +43,8 @@ std::size_t find_classes_end(std::string_view text, std::size_t from) {
     return from;
 }
 
-/// Cuts a payload into tokens. What is plain is read in place: ordinary text, references that are
-/// known, tags with at most classes or an annotation. The tokenizer gets the rest.
+/// Cuts a payload into tokens. Text and plain tags, with at most classes or an annotation, are read
+/// in place. The tokenizer gets the other tags.
 class PayloadReader {
   public:
     PayloadReader(Cue& cue, std::string_view payload, PayloadSink& sink)
@@ -64,7 +64,7 @@ class PayloadReader {
 
   private:
     void read_text();
-    std::size_t find_run_end();
+    void read_reference();
     bool read_plain_tag();
     void add_classes(std::string_view classes);
     Outcome read_token();
@@ -83,29 +83,37 @@ class PayloadReader {
 /// Reads a run of text, up to the next tag or the end.
 void PayloadReader::read_text() {
     while (!m_rest.empty() && m_rest.front() != '<') {
-        if (m_rest.front() != '&') {
-            const std::size_t run = find_run_end();
-            m_sink.vText(m_rest.substr(0, run));
-            m_rest.remove_prefix(run);
-        } else if (const Reference* const reference = find_reference_in_front(m_rest)) {
-            m_sink.vText(reference->replacement);
-            m_rest.remove_prefix(reference->name.text.size() + 1);
-        } else {
-            // From here on the run may hold any mixture of what is a reference and what is none.
-            read_token();
-            return;
+        if (m_rest.front() == '&') {
+            read_reference();
+            continue;
         }
+        const char* const begin = m_rest.data();
+        const char* const end = begin + m_rest.size();
+        const auto run = static_cast<std::size_t>(
+            std::min(m_brackets.find(begin, end), m_ampersands.find(begin, end)) - begin);
+        m_sink.vText(m_rest.substr(0, run));
+        m_rest.remove_prefix(run);
     }
     m_sink.vEndText();
 }
 
-/// Where the ordinary text at the front ends.
-std::size_t PayloadReader::find_run_end() {
-    const char* const begin = m_rest.data();
-    const char* const end = begin + m_rest.size();
-    const char* const run_end =
-        std::min(m_brackets.find(begin, end), m_ampersands.find(begin, end));
-    return static_cast<std::size_t>(run_end - begin);
+/// Reads a "&" and the name behind it. A reference that is not known stays as it was written.
+void PayloadReader::read_reference() {
+    std::size_t end = 1;
+    while (end < m_rest.size() && is_ascii_alphanumeric(m_rest[end])) {
+        ++end;
+    }
+    std::string_view text = m_rest.substr(0, end);
+    const char behind = end < m_rest.size() ? m_rest[end] : '<';
+    if (behind == ';') {
+        const Reference* const reference = find_reference(text);
+        ++end;
+        text = reference != nullptr ? reference->replacement : m_rest.substr(0, end);
+    } else if (behind != '<' && behind != '&') {
+        text.remove_suffix(end);  // no reference after all: dropped, as the tokenizer says
+    }
+    m_sink.vText(text);
+    m_rest.remove_prefix(end);
 }
 
 /// Reads "<name>", "<name.class>", "<name annotation>" or "</name>" with a name that is known.
@@ -157,11 +165,9 @@ void PayloadReader::add_classes(std::string_view classes) {
 Outcome PayloadReader::read_token() {
     Outcome outcome = Outcome::kDone;
     Cue::Tokenizer_Data token(m_rest.data(), static_cast<int>(m_rest.size()));
+    // As long as its name: a string that grows needs three times as much for a moment.
+    token.strResult.text.reserve(find_classes_end(m_rest, 1));
     switch (m_cue.eTokenizer(token)) {
-        case Cue::TOKEN_STRING:
-            m_sink.vText(token.strResult.text);
-            m_sink.vEndText();
-            break;
         case Cue::TOKEN_START_TAG:
             outcome = read_start_tag(token.strResult.text);
             break;
@@ -171,7 +177,7 @@ Outcome PayloadReader::read_token() {
         case Cue::TOKEN_TIMESTAMP:
             read_timestamp(token.strResult.text);
             break;
-        case Cue::TOKEN_NONE:  // a list of classes that a line feed ended
+        default:  // a list of classes that a line feed ended
             break;
     }
     m_rest.remove_prefix(static_cast<std::size_t>(token.iPosition));

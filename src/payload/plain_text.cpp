@@ -1,33 +1,39 @@
 // The plain text that a host receives.
+#include <cstring>
+
 #include "payload/node_walk.h"
 #include "payload/payload_reader.h"
 
 namespace webvtt {
 namespace {
 
-/// Joins the runs of text. Tags need not even be paired for that.
+/// Joins the runs of text where the payload lies. What is written never reaches what is still to be
+/// read: no token's text is longer than the token. Tags need not even be paired for that.
 class TextCollector final : public PayloadSink {
   public:
-    explicit TextCollector(std::string& joined) : m_joined(joined) {}
+    explicit TextCollector(char* begin) : m_end(begin) {}
 
-    void vText(std::string_view piece) override { m_joined += piece; }
+    void vText(std::string_view piece) override {
+        std::memmove(m_end, piece.data(), piece.size());
+        m_end += piece.size();
+    }
     void vEndText() override {}
     void vOpenTag(Node_Type /*eType*/) override {}
     void vCloseTag(Node_Type /*eType*/) override {}
     void vTimestamp() override {}
 
+    const char* end() const { return m_end; }
+
   private:
-    std::string& m_joined;
+    char* m_end;
 };
 
 }  // namespace
 
-Outcome Cue::eReadPayloadText(std::string_view payload, std::string& joined) {
-    joined.clear();
-    joined.reserve(payload.size());
-    TextCollector collector(joined);
+Outcome Cue::eReadPayloadText(std::string_view payload, char* pcText) {
+    TextCollector collector(pcText);
     const Outcome outcome = read_payload(*this, payload, payload.size(), collector);
-    m_plain_text = joined;
+    m_plain_text = {pcText, static_cast<std::size_t>(collector.end() - pcText)};
     return outcome;
 }
 

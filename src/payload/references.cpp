@@ -15,8 +15,6 @@ const Reference kReferences[] = {
     {ESCAPE_NBSP, "\xC2\xA0"},     // U+00A0 no-break space
 };
 
-constexpr std::size_t kLongestReference = 6;  // "&nbsp;"
-
 }  // namespace
 
 const Reference* find_reference(std::string_view name) {
@@ -26,11 +24,6 @@ const Reference* find_reference(std::string_view name) {
         }
     }
     return nullptr;
-}
-
-const Reference* find_reference_in_front(std::string_view text) {
-    const std::size_t end = text.substr(0, kLongestReference).find(';');
-    return end != std::string_view::npos ? find_reference(text.substr(0, end)) : nullptr;
 }
 
 }  // namespace webvtt

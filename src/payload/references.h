@@ -15,7 +15,9 @@ struct Reference {
 /// The reference of this name, or null. Names are told apart by case.
 const Reference* find_reference(std::string_view name);
 
-/// The reference that a text begins with, ";" included, or null.
-const Reference* find_reference_in_front(std::string_view text);
+/// What the name of a reference is made of.
+inline bool is_ascii_alphanumeric(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+}
 
 }  // namespace webvtt

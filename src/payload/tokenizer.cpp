@@ -16,10 +16,6 @@ void append_reference(std::string& text, const std::string& name) {
     }
 }
 
-bool is_ascii_alphanumeric(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-
 }  // namespace
 
 Cue::Token_Type Cue::eTokenizer(Tokenizer_Data& data) {

@@ -44,11 +44,10 @@ std::string describe(const Cue& cue, std::string_view text) {
 Outcome parse_for_text(const std::string& block) {
     support::ExactBlock exact(block);  // without a terminating zero
     return outcome_of([&]() -> std::string {
-        std::string joined = "of an earlier cue";
         Cue cue;
         const bool may_have_markup = block.find_first_of("<&") != std::string::npos;
-        if (!throw_unless_read(
-                cue.eParseForText({exact.data(), exact.size()}, may_have_markup, joined))) {
+        if (!throw_unless_read(cue.eParseForText({exact.data(), exact.size()},
+                                                 may_have_markup ? exact.data() : nullptr))) {
             return "false";
         }
         EXPECT_EQ(cue.pRootNode, nullptr);

@@ -135,6 +135,7 @@ TEST(ThrowSites, EveryOutcomeHasItsException) {
         const char* message;
     } kShortages[] = {{Outcome::kNoNode, "create new Node Failed\n"},
                       {Outcome::kNoRecord, "Create WebvttCue Node failed"},
+                      {Outcome::kNoBlock, "apply memory failed at Line"},
                       {Outcome::kNoCarried, "Create Unused Buffer failed"}};
     for (const auto& c : kShortages) {
         EXPECT_EQ(message_of<BadAllocException>([&] { throw_unless_read(c.outcome); }), c.message);

@@ -99,9 +99,8 @@ TEST(FastPaths, UsualTimingLinesAreReadAsAnyOther) {
     support::output_of([&] {
         const auto compare = [&](const std::string& block) {
             Cue usual;
-            std::string joined;
-            const std::string outcome = outcome_of(
-                [&] { return throw_unless_read(usual.eParseForText(block, false, joined)); });
+            const std::string outcome =
+                outcome_of([&] { return throw_unless_read(usual.eParseForText(block, nullptr)); });
             in_place += dump(usual, outcome, usual.strPlainText());
             Cue thorough;
             std::string text;

@@ -1,4 +1,4 @@
-// Character references, by name and at the front of a text.
+// Character references, by name.
 #include "payload/references.h"
 
 #include <gtest/gtest.h>
@@ -10,7 +10,7 @@ std::string_view replacement_of(const Reference* reference) {
     return reference != nullptr ? reference->replacement : "none";
 }
 
-TEST(References, AreFoundByNameAndInFrontOfText) {
+TEST(References, AreFoundByName) {
     const struct {
         std::string_view name, replacement;
     } cases[] = {
@@ -30,13 +30,7 @@ TEST(References, AreFoundByNameAndInFrontOfText) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(replacement_of(find_reference(c.name)), c.replacement);
-        const std::string reference = std::string(c.name) + ";";
-        EXPECT_EQ(replacement_of(find_reference_in_front(reference)), c.replacement);
-        EXPECT_EQ(replacement_of(find_reference_in_front(reference + "x;")), c.replacement);
-        EXPECT_EQ(replacement_of(find_reference_in_front(c.name)), "none");  // without its end
-        EXPECT_EQ(replacement_of(find_reference_in_front("x" + reference)), "none");
     }
-    EXPECT_EQ(replacement_of(find_reference_in_front("")), "none");
 }
 
 }  // namespace
