@@ -2,10 +2,12 @@
 
 import json
 import os
+import re
 import select
+import subprocess
 import unittest
 
-from quill_runner import SANITIZED, QuillTest, broken, fixture
+from quill_runner import EMULATOR, SANITIZED, QuillTest, broken, fixture
 
 GOOD = b"WEBVTT\n\n00:01.000 --> 00:02.000\nHello\n\n"
 LOST = GOOD.replace(b"Hello", b"<x>")
@@ -60,6 +62,33 @@ class Catalogue(QuillTest):
                     self.assertEqual([line["failure"] for line in failures], said)
                     self.assertEqual(lines[-1]["total"]["tracks"], 17)
                     self.assertEqual(lines[-1]["total"]["failed"], 3)
+
+    @unittest.skipIf(SANITIZED or EMULATOR, "whose own memory would be measured")
+    def test_memory_does_not_grow_with_the_tracks(self):
+        self.fill(2, 2)
+        os.mkfifo(os.path.join(self.folder, "last"))
+        peaks = []
+        for count in (50, 3000):
+            process = self.start("check", "--jobs", "1", "--files-from", "-", cwd=self.folder,
+                                 stdout=subprocess.DEVNULL)
+            with process.stdin as names:
+                names.write(b"t/0001.vtt\n" * count + b"last\n")
+            with open(os.path.join(self.folder, "last"), "wb") as last:  # when it is read
+                with open(f"/proc/{process.pid}/task/{process.pid}/children",
+                          encoding="ascii") as file:
+                    children = file.read().split()
+                self.assertEqual(len(children), 1)
+                peaks.append([self.peak_of(one) for one in (process.pid, *children)])
+                last.write(GOOD)
+            self.assertEqual(process.wait(60), 0)
+        for few, many in zip(*peaks):
+            self.assertLess(many - few, 400, peaks)
+
+    @staticmethod
+    def peak_of(process):
+        """In KiB."""
+        with open(f"/proc/{process}/status", encoding="ascii") as file:
+            return int(re.search(r"VmHWM:\s*(\d+)", file.read()).group(1))
 
     def test_wrong_numbers_of_jobs(self):
         for number in ("0", "257", "x", "-1"):

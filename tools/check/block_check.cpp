@@ -55,8 +55,10 @@ ByteClass BlockCheck::Judge(const Block& block, const Verdict& verdict, Findings
     const ByteClass byte_class = verdict.fate == Fate::kDelivered
                                      ? JudgeDelivered(block, verdict, findings)
                                      : JudgeLost(block, verdict, findings);
-    std::stable_sort(findings.begin(), findings.end(),
-                     [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    if (findings.size() > 1) {
+        std::stable_sort(findings.begin(), findings.end(),
+                         [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    }
     NoteForm(block, verdict);
     neighbours_.Note(block, verdict, findings.empty() ? block.first_line : findings[0].line);
     return byte_class;

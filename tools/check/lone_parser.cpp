@@ -103,10 +103,32 @@ const Verdict& LoneParser::End() {
     return verdict_;
 }
 
+LoneParser::Known& LoneParser::SlotOf(std::string_view piece) {
+    constexpr std::size_t kSlots = 256;
+    known_.resize(kSlots);
+    return known_[std::hash<std::string_view>()(piece) % kSlots];
+}
+
+// Short pieces without a cue are often the same over and over, such as lines that something has
+// torn apart: millions in a track, each of which the module would print some lines about.
 const Verdict& LoneParser::Ask(std::string_view piece) {
-    Begin();
-    Feed(piece);
-    return End();
+    constexpr std::size_t kShort = 12;
+    if (piece.size() > kShort) {
+        Begin();
+        Feed(piece);
+        return End();
+    }
+    Known& known = SlotOf(piece);
+    if (known.piece != piece) {
+        Begin();
+        Feed(piece);
+        End();
+        if (verdict_.fate != Fate::kFailed) {
+            return verdict_;
+        }
+        known = {std::string(piece), verdict_};
+    }
+    return known.verdict;
 }
 
 const Verdict& LoneParser::AskOpen(std::string_view piece) {

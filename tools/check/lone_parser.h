@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
@@ -72,6 +73,13 @@ class LoneParser {
         Verdict& verdict_;
     };
 
+    // What a short piece came to that gave no cue.
+    struct Known {
+        std::string piece;
+        Verdict verdict;
+    };
+
+    Known& SlotOf(std::string_view piece);
     void Feed(std::string_view piece);
     void Begin();
     const Verdict& End();
@@ -80,6 +88,7 @@ class LoneParser {
     host::ParserHandle parser_;
     Verdict verdict_;
     Taker taker_;
+    std::vector<Known> known_;    // by a hash of the piece, the last one of each
     std::uint64_t ordinary_ = 0;  // how much a call prints that delivers a plain cue
     std::uint64_t printed_ = 0;   // before the call
 };

@@ -98,6 +98,10 @@ std::string Complaint(std::string_view line) {
 }  // namespace
 
 bool IsLikeMap(std::string_view line) {
+    constexpr std::size_t kShortest = 12;  // the letters of its name, but for the first
+    if (line.size() < kShortest) {
+        return false;
+    }
     std::string letters;
     for (const char c : Plain(line.substr(0, 40))) {
         if (c == '=' || c == ':' || console::IsDigit(c)) {

@@ -158,6 +158,10 @@ std::optional<MeantTiming> ReadMeantTiming(std::string_view line) {
     if (std::optional<MeantTiming> usual = ReadUsualTiming(line)) {
         return usual;
     }
+    constexpr std::size_t kShortest = 4;  // an arrow, and a digit
+    if (line.size() < kShortest) {
+        return std::nullopt;
+    }
     const PlainText looks(line);
     const std::string_view plain = looks.text();
     const std::size_t arrow = plain.find(kArrow);

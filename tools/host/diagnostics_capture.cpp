@@ -86,16 +86,27 @@ void DiagnosticsCapture::Truncate() noexcept {
     }
 }
 
-std::uint64_t DiagnosticsCapture::kept() const {
-    const off_t written = lseek(file_.get(), 0, SEEK_CUR);
-    return static_cast<std::uint64_t>(std::max<off_t>(written, 0)) + __fpending(stdout);
+std::uint64_t DiagnosticsCapture::in_file() const {
+    return static_cast<std::uint64_t>(std::max<off_t>(lseek(file_.get(), 0, SEEK_CUR), 0));
 }
 
+std::uint64_t DiagnosticsCapture::kept() const {
+    return in_file() + __fpending(stdout);
+}
+
+// What was printed last is still with the C library, which a track that makes the module print
+// millions of times is not to make write each of them.
 std::string DiagnosticsCapture::Read(std::uint64_t skipped, std::size_t most) const {
+    std::uint64_t file_size = in_file();
+    const std::string_view pending(stdout->_IO_write_base, __fpending(stdout));
+    if (skipped >= file_size) {
+        const std::uint64_t begin = std::min<std::uint64_t>(skipped - file_size, pending.size());
+        return std::string(pending.substr(static_cast<std::size_t>(begin), most));
+    }
     std::fflush(stdout);
-    std::string read(
-        static_cast<std::size_t>(std::min<std::uint64_t>(kept() - std::min(kept(), skipped), most)),
-        '\0');
+    file_size += pending.size();
+    std::string read(static_cast<std::size_t>(std::min<std::uint64_t>(file_size - skipped, most)),
+                     '\0');
     const ssize_t count = pread(file_.get(), read.data(), read.size(), static_cast<off_t>(skipped));
     read.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     return read;

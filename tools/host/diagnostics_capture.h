@@ -56,6 +56,7 @@ class DiagnosticsCapture {
 
   private:
     void Truncate() noexcept;
+    std::uint64_t in_file() const;
 
     Mode mode_;
     console::Descriptor original_;
