@@ -32,6 +32,7 @@ OWN_FAULTS = (
     (TIMES + b"\none\n<font size=1>x\n", '5:1: lost: unknown start tag "<font>" [Q109]'),
     (TIMES + b"\none\ntwo <> three\n", '5:5: lost: a "<" that begins no tag [Q110]'),
     (TIMES + b" line:, size:50%\nx\n", '3:25: lost: no number in the setting "line:," [Q111]'),
+    (TIMES + b" One text\n", "3:25: lost: the text stands on the timing line [Q108]"),
     (b"id\x00\n", "3: lost: a zero byte hides a line end [Q112]"),
     (b"X-TIMESTAMP-MAP=LOCAL:00:00.000,MPEGTS:0\n",
      "3: lost: a map header behind the header [Q114]"),

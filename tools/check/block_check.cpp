@@ -4,6 +4,7 @@
 #include <string>
 
 #include "tools/check/loss_reason.h"
+#include "tools/check/meant_map.h"
 #include "tools/console/cue_time.h"
 
 namespace quill::check {
@@ -117,7 +118,8 @@ ByteClass BlockCheck::JudgeLost(const Block& block, const Verdict& verdict, Find
 void BlockCheck::ExplainLost(const Block& block, const Verdict& verdict, Findings& findings) {
     const Surroundings around = LookAround(track_, block, above_);
     const bool has_times = text_.ArrowLine() < text_.size();
-    const bool is_identifier = around.ends_in_two_returns && around.below == BlockForm::kCue;
+    const bool is_identifier =
+        around.ends_in_two_returns && around.below == BlockForm::kCue && !IsLikeMap(text_.text(0));
     if (!has_times && (awaits_text_ || is_identifier)) {
         return;
     }

@@ -26,6 +26,12 @@ bool IsWorthALook(std::string_view text) {
                        [](char c) { return kTable[static_cast<unsigned char>(c)]; });
 }
 
+std::string InsteadOfCode(std::string_view code) {
+    return code == "\\N" || code == "\\n" ? "write a line end for it"
+           : code == "\\h"                ? "write &nbsp; for it"
+                                          : "";
+}
+
 // Codes of SubStation and of MicroDVD's heirs: "{\an8}", "\N".
 void ExamineOverrides(std::string_view text, std::uint32_t line, Findings& findings) {
     for (std::size_t at = text.find('\\'); at != std::string_view::npos;
@@ -36,11 +42,10 @@ void ExamineOverrides(std::string_view text, std::uint32_t line, Findings& findi
                 Finding(line, "foreign-code",
                         Quoted(text.substr(at - 1, end - at + 2)) + " is shown as text")
                     .At(text, at - 1));
-        } else if (text.substr(at, 2) == "\\N" || text.substr(at, 2) == "\\n") {
-            findings.push_back(Finding(line, "foreign-code",
-                                       Quoted(text.substr(at, 2)) + " is shown as text",
-                                       "write a line end for it")
-                                   .At(text, at));
+        } else if (const std::string fix = InsteadOfCode(text.substr(at, 2)); !fix.empty()) {
+            findings.push_back(
+                Finding(line, "foreign-code", Quoted(text.substr(at, 2)) + " is shown as text", fix)
+                    .At(text, at));
         }
     }
 }

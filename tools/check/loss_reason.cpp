@@ -26,6 +26,12 @@ Finding WrongArrow(std::string_view text, std::uint32_t line, std::string_view a
         .At(text, arrow.empty() ? kNone : text.find(arrow));
 }
 
+// Whether the time that is not beside the arrow makes up the line next to it.
+bool IsTornOff(const BlockText& block, const std::string& which) {
+    const std::size_t next = which == "end" ? block.TimingIndex() + 1 : block.TimingIndex() - 1;
+    return next < block.size() && ReadMeantTime(block.text(next)).is_certain;
+}
+
 Finding InvalidTime(const BlockText& block, const std::string& which, std::string_view time,
                     LoneParser& asked) {
     const std::string_view text = block.text(block.TimingIndex());
@@ -41,6 +47,13 @@ Finding InvalidTime(const BlockText& block, const std::string& which, std::strin
     }
     if (const auto meant = ReadMeantTiming(text); meant && meant->arrow != kArrow) {
         return WrongArrow(text, line, meant->arrow, fix);
+    }
+    if (time.empty() && IsTornOff(block, which)) {
+        const bool is_end = which == "end";
+        return {line, which + "-time",
+                "the " + which + " time stands on the line " + (is_end ? "below" : "above"),
+                std::string("remove the line end ") +
+                    (is_end ? "behind the arrow" : "before the arrow")};
     }
     const std::size_t arrow = text.find(kArrow);
     const std::size_t at = text.find(time, which == "end" ? arrow + kArrow.size() : 0);
@@ -73,6 +86,14 @@ Finding NoText(const BlockText& block, const Surroundings& around) {
     const std::uint32_t line = block.number(block.TimingIndex());
     if (around.ends_in_two_returns) {
         return {line, "two-returns", "the line ends in two carriage returns and a line feed"};
+    }
+    const std::string_view settings = block.Timing().settings;
+    const std::size_t text = settings.find_first_not_of(' ');
+    if (text != std::string_view::npos && settings.find(':') == std::string_view::npos &&
+        settings.find(' ', text) != std::string_view::npos) {
+        return Finding(line, "no-text", "the text stands on the timing line",
+                       "put " + QuotedWhole(settings.substr(text)) + " on a line of its own below")
+            .At(block.text(block.TimingIndex()), settings.substr(text));
     }
     if (around.below != BlockForm::kText) {
         return {line, "no-text", "no text below the timing line",
@@ -110,7 +131,11 @@ Finding Stray(const BlockText& block, const Surroundings& around) {
     const bool is_number = first.find_first_not_of("0123456789") == std::string_view::npos;
     const bool is_below = around.above == BlockForm::kCue || around.above == BlockForm::kComment;
     std::string fix;
-    if (alone && around.below == BlockForm::kCue && (is_number || !is_below)) {
+    if (console::BeginsWith(first, "Region:")) {
+        fix = "move it up to the first line, with no blank line between";
+    } else if (console::BeginsWith(first, "#EXT")) {
+        fix = "remove it: it is a line of a playlist";
+    } else if (alone && around.below == BlockForm::kCue && (is_number || !is_below)) {
         fix = "remove the blank line below it, if it is the identifier of that cue";
     } else if (is_below) {
         fix = "remove the blank line above it, or put NOTE above it if it is a comment";
@@ -142,6 +167,11 @@ Finding NoTimes(const BlockText& block, const Surroundings& around, LoneParser& 
         }
     }
     if (IsLikeMap(block.text(0))) {
+        if (around.ends_in_two_returns) {
+            return {block.number(0), "two-returns",
+                    "lines end in two carriage returns and a line feed, which cuts the map off "
+                    "from the header"};
+        }
         const std::string meant = ReadMeantMap(block.text(0)).text;
         const bool same = meant.empty() || meant == block.text(0);
         return {block.number(0), "late-map", "a map header behind the header",

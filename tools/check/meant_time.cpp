@@ -73,8 +73,8 @@ class Reader {
     }
 
     MeantTime Run() {
-        const bool is_known =
-            RemoveSurroundings() && CutFraction() && CutParts() && ReadSeconds() && ReadMinutes();
+        const bool is_known = is_one_ && RemoveSurroundings() && CutFraction() && CutParts() &&
+                              ReadSeconds() && ReadMinutes();
         if (is_known) {
             for (const std::string& part : parts_) {
                 meant_.text += part + (&part == &parts_.back() ? "." : ":");
@@ -106,8 +106,8 @@ class Reader {
         // Two numbers would become one.
         for (std::size_t at = time_.find(' '); at < time_.size(); at = time_.find(' ', at)) {
             const std::size_t end = std::min(time_.find_first_not_of(' ', at), time_.size());
-            is_certain_ = is_certain_ && !(at > 0 && console::IsDigit(time_[at - 1]) &&
-                                           end < time_.size() && console::IsDigit(time_[end]));
+            is_one_ = is_one_ && !(at > 0 && console::IsDigit(time_[at - 1]) &&
+                                   end < time_.size() && console::IsDigit(time_[end]));
             at = end;
         }
         has_look_alike_ = FindLookAlike(time) != nullptr;
@@ -130,6 +130,10 @@ class Reader {
             Note(behind.find(':') != std::string::npos
                      ? "no space stands between it and " + Quoted(behind)
                      : Quoted(behind) + " stands behind it");
+            if (behind.find(':') == std::string::npos &&
+                behind.find_first_of(kDigits) != std::string::npos) {
+                return false;  // a time in another form
+            }
         }
         time_.resize(end);
         return true;
@@ -238,6 +242,7 @@ class Reader {
         return std::string(size - std::min(size, digits.size()), '0') + digits;
     }
 
+    bool is_one_ = true;  // no space stands between two of its digits
     bool is_certain_ = true;
     bool has_look_alike_ = false;
     bool has_thousandths_ = false;

@@ -214,6 +214,9 @@ bool SettingRemarks::IsTaken(const std::string& settings) {
 
 std::string SettingRemarks::WriteInstead(const std::string& item) {
     for (const std::string& meant : MeantBy(item)) {
+        if (meant.find_first_not_of(' ') == std::string::npos) {
+            return "remove it";
+        }
         if (meant != item && IsTaken(meant)) {
             return "write " + Quoted(meant);
         }
