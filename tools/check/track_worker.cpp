@@ -28,8 +28,8 @@ std::string TrackWorker::Do(const std::string& job, host::JobOutput& output) {
                                [&](std::string_view line) { output.Show(line); });
     Outcome outcome;
     try {
-        outcome.sums = checker_.Check(
-            job, [&](std::string_view bytes) { output.Write(bytes); }, progress);
+        const auto write = [&](std::string_view bytes) { output.Write(bytes); };
+        outcome.sums = checker_.Check(job, write, progress);
     } catch (const console::Failure& failure) {
         outcome.code = failure.code();
         outcome.failure = failure.what();
