@@ -32,7 +32,7 @@ bool throw_unless_read(Outcome outcome) {
             throw BadAllocException("Create WebvttCue Node failed", nullptr);
         case Outcome::kNoBlock:
             throw BadAllocException("apply memory failed at Line", nullptr);
-        case Outcome::kNoCarried:
+        default:  // kNoCarried
             break;
     }
     throw BadAllocException("Create Unused Buffer failed", nullptr);
