@@ -87,13 +87,10 @@ Finding NoText(const BlockText& block, const Surroundings& around) {
     if (around.ends_in_two_returns) {
         return {line, "two-returns", "the line ends in two carriage returns and a line feed"};
     }
-    const std::string_view settings = block.Timing().settings;
-    const std::size_t text = settings.find_first_not_of(' ');
-    if (text != std::string_view::npos && settings.find(':') == std::string_view::npos &&
-        settings.find(' ', text) != std::string_view::npos) {
+    if (const std::string_view text = TextAmongSettings(block.Timing().settings); !text.empty()) {
         return Finding(line, "no-text", "the text stands on the timing line",
-                       "put " + QuotedWhole(settings.substr(text)) + " on a line of its own below")
-            .At(block.text(block.TimingIndex()), settings.substr(text));
+                       "put " + QuotedWhole(text) + " on a line of its own below")
+            .At(block.text(block.TimingIndex()), text);
     }
     if (around.below != BlockForm::kText) {
         return {line, "no-text", "no text below the timing line",

@@ -196,6 +196,13 @@ std::optional<MeantTiming> ReadMeantTiming(std::string_view line) {
     return meant;
 }
 
+std::string_view TextAmongSettings(std::string_view settings) {
+    const std::size_t text = std::min(settings.find_first_not_of(' '), settings.size());
+    const bool has_words = settings.find(':') == std::string_view::npos &&
+                           settings.find(' ', text) != std::string_view::npos;
+    return has_words ? settings.substr(text) : std::string_view();
+}
+
 bool IsUsualTiming(std::string_view line) {
     const std::size_t start = UsualTimeSize(line);
     return start > 0 && line.substr(start, kSpacedArrow.size()) == kSpacedArrow &&

@@ -44,6 +44,9 @@ struct MeantTiming {
 // with an arrow and anything. The verdict is the module's: ask it for the text.
 std::optional<MeantTiming> ReadMeantTiming(std::string_view line);
 
+// What stands where the settings do and is no setting, but words of the cue's text; or nothing.
+std::string_view TextAmongSettings(std::string_view settings);
+
 // Two times as they have to be, " --> " between them, and nothing else.
 bool IsUsualTiming(std::string_view line);
 

@@ -31,6 +31,12 @@ bool IsPageComment(std::string_view line) {
            line.find_first_not_of(" \t", arrow + check::kArrow.size()) == std::string_view::npos;
 }
 
+// Whether words stand behind the times, which may be the cue's text.
+bool HasTextOnTimingLine(std::string_view line) {
+    const std::optional<check::MeantTiming> timing = check::ReadMeantTiming(line);
+    return timing && !check::TextAmongSettings(line.substr(timing->settings_begin)).empty();
+}
+
 }  // namespace
 
 // A cue without a text costs those behind it, and shows nothing either way: it becomes a comment,
@@ -46,7 +52,7 @@ void FixEmptyBlocks(const Workshop& shop) {
         const bool is_free = !first.frozen && !lines[block.end - 1].frozen;
         const bool is_last = next.size() == 0 || BlockBeginsAt(lines, next.begin);
         if (is_free && is_last && TimingOf(lines, block) + 1 == block.end &&
-            shop.Wants("no-text")) {
+            !HasTextOnTimingLine(lines[block.end - 1].text) && shop.Wants("no-text")) {
             for (std::size_t index = block.begin; index < block.end; ++index) {
                 const std::string text =
                     (index == block.begin ? "NOTE " : "") + WithoutArrows(lines[index].text);
