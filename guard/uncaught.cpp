@@ -9,7 +9,7 @@
 namespace guard {
 namespace {
 
-std::terminate_handler before = nullptr;
+std::terminate_handler terminate_before = nullptr;
 
 /// The exception that has left the thread's last call.
 struct Leaving {
@@ -45,19 +45,19 @@ const std::exception* current() {
         line.foreign(exception->what()) << "). What to do: " << text.way_out << ".";
         write_line(line);
     }
-    before();
+    terminate_before();
     std::abort();
 }
 
 }  // namespace
 
 void UncaughtWatch::keep() {
-    before = std::set_terminate(on_terminate);
+    terminate_before = std::set_terminate(on_terminate);
 }
 
 void UncaughtWatch::end() {
     if (std::get_terminate() == on_terminate) {
-        std::set_terminate(before);
+        std::set_terminate(terminate_before);
     }
 }
 

@@ -82,7 +82,7 @@ class TreeBuilder final : public PayloadSink {
 
 bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
     if (uLength == 0 || pcPayload == nullptr) {
-        throw_unless_read(Outcome::kEmptyInput);
+        return throw_unless_read(Outcome::kEmptyInput);
     }
     if (pRootNode == nullptr) {
         pRootNode = new (std::nothrow) WebvttNode;
