@@ -18,12 +18,8 @@ BadAllocException::BadAllocException(const std::string& text, const std::excepti
 
 BadAllocException::~BadAllocException() = default;
 
-bool throw_unless_read(Outcome outcome) {
+void throw_failure(Outcome outcome) {
     switch (outcome) {
-        case Outcome::kDone:
-            return true;
-        case Outcome::kRejected:
-            return false;
         case Outcome::kEmptyInput:
             throw InvalidArgumentException("Input pcLine is empty", nullptr);
         case Outcome::kNoNode:
@@ -36,6 +32,13 @@ bool throw_unless_read(Outcome outcome) {
             break;
     }
     throw BadAllocException("Create Unused Buffer failed", nullptr);
+}
+
+bool throw_unless_read(Outcome outcome) {
+    if (outcome != Outcome::kDone && outcome != Outcome::kRejected) {
+        throw_failure(outcome);
+    }
+    return outcome == Outcome::kDone;
 }
 
 }  // namespace webvtt

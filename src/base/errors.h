@@ -64,9 +64,12 @@ enum class Outcome {
     kNoCarried    ///< likewise
 };
 
-/// True when it was done and false when it was rejected.
+/// For neither of the first two.
 /// @throws InvalidArgumentException kEmptyInput
 /// @throws BadAllocException        the others
+[[noreturn]] void throw_failure(Outcome outcome);
+
+/// True when it was done and false when it was rejected. Throws the others.
 bool throw_unless_read(Outcome outcome);
 
 }  // namespace webvtt

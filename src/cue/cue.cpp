@@ -26,9 +26,11 @@ bool is_usual_arrow(const char* c, const char* end) {
 
 bool Cue::fgParse(const char* pcLine, unsigned size) {
     std::string_view payload;
-    return throw_unless_read(size == 0 || pcLine == nullptr ? Outcome::kEmptyInput
-                                                            : eParseHead(pcLine, &payload)) &&
-           fgParseCuePayload(payload.data(), static_cast<unsigned>(payload.size()));
+    if (!throw_unless_read(size == 0 || pcLine == nullptr ? Outcome::kEmptyInput
+                                                          : eParseHead(pcLine, &payload))) {
+        return false;
+    }
+    return fgParseCuePayload(payload.data(), static_cast<unsigned>(payload.size()));
 }
 
 Outcome Cue::eParseForText(std::string_view block, char* pcOwn) {

@@ -39,9 +39,11 @@ WebvttCueNode* make_record(RecordArena& arena, std::string_view text) {
 
 void WebVTTParser::vAppendNewCue(const Cue* prCue) {
     // A cue that was parsed for its text has no tree, and none is walked.
-    throw_unless_read(prCue->pRootNode != nullptr
-                          ? eAppendCue(*prCue, prCue->strGetCueContent().text)
-                          : eAppendCue(*prCue, prCue->strPlainText()));
+    std::string text(prCue->strPlainText());
+    if (prCue->pRootNode != nullptr) {
+        text = prCue->strGetCueContent().text;
+    }
+    throw_unless_read(eAppendCue(*prCue, text));
 }
 
 Outcome WebVTTParser::eAppendCue(const Cue& cue, std::string_view text) {

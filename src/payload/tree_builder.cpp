@@ -67,7 +67,7 @@ class TreeBuilder final : public PayloadSink {
     WebvttNode* prAppend(WebvttNode* made) {
         std::unique_ptr<WebvttNode> node(made);
         if (node == nullptr) {
-            throw_unless_read(Outcome::kNoNode);
+            throw_failure(Outcome::kNoNode);
         }
         m_current->vAppendNode(node.get());
         return node.release();
@@ -82,7 +82,7 @@ class TreeBuilder final : public PayloadSink {
 
 bool Cue::fgParseCuePayload(const char* pcPayload, unsigned int uLength) {
     if (uLength == 0 || pcPayload == nullptr) {
-        return throw_unless_read(Outcome::kEmptyInput);
+        throw_failure(Outcome::kEmptyInput);
     }
     if (pRootNode == nullptr) {
         pRootNode = new (std::nothrow) WebvttNode;

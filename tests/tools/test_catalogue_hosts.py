@@ -41,7 +41,8 @@ class Hosts(QuillTest):
         shell = self.file("host", HOST.encode())
         os.chmod(shell, 0o755)
         self.environment = dict(
-            os.environ, PARALLEL_SSH=shell, HOSTS=os.path.join(self.folder, "hosts"),
+            os.environ, SHELL="/bin/bash",  # without one, parallel says nothing and does nothing
+            PARALLEL_SSH=shell, HOSTS=os.path.join(self.folder, "hosts"),
             PARALLEL_HOME=os.path.join(self.folder, "hosts"), hosts="1/alpha,1/beta",
             PATH=os.path.join(self.folder, "bin") + os.pathsep + os.environ["PATH"])
         for number in range(15):

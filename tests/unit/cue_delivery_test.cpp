@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "cue/cue.h"
 #include "parser_fixture.h"
 
 namespace webvtt {
@@ -28,6 +29,21 @@ class CueDelivery : public ParserTest {
         EXPECT_EQ(cue.end, end);
     }
 };
+
+// With a tree, and without one.
+TEST_F(CueDelivery, TakesCuesThatWereParsedByThemselves) {
+    start_cues();
+    Cue cue;
+    ASSERT_TRUE(cue.fgParse("00:01.500 --> 00:03.000\n<b>x</b>\n", 1));
+    parser.vAppendNewCue(&cue);
+    const Cue empty;
+    parser.vAppendNewCue(&empty);
+    const auto delivered = cues();
+    ASSERT_EQ(delivered.size(), 2u);
+    EXPECT_EQ(delivered[0].text, "x\n");
+    EXPECT_EQ(delivered[0].start, 1.5);
+    EXPECT_EQ(delivered[1].text, "");
+}
 
 TEST_F(CueDelivery, TimesWithoutAMap) {
     start_cues();

@@ -84,7 +84,7 @@ long blocks_held_after(const std::string& chunk) {
 
 TEST(MemoryBalance, StorageForAHugeTextWithMarkupIsGivenBack) {
     const std::string timing = "00:01.000 --> 00:02.000\n";
-    EXPECT_EQ(blocks_held_after(timing + "<i>" + std::string(200000, 'x') + "</i>\n\n"),
+    EXPECT_LE(blocks_held_after(timing + "<i>" + std::string(200000, 'x') + "</i>\n\n"),
               blocks_held_after(timing + "plain\n\n"));
 }
 
