@@ -19,7 +19,7 @@ from generate import Generator  # pylint: disable=wrong-import-position
 
 # In the ordinary tests a few hundred; an emulator and a sanitizer take ten times as long. The
 # campaign says how many else.
-COUNT = int(os.environ.get("QUILL_FIX_TRACKS", "40" if EMULATOR or SANITIZED else "400"))
+COUNT = int(os.environ.get("QUILL_FIX_TRACKS", "100" if EMULATOR or SANITIZED else "400"))
 BATCH = 500  # as many are read in one run of quill
 # Of a hundred generated tracks, damaged beyond what anybody writes, at most two may be given up.
 GIVEN_UP = 2
