@@ -62,8 +62,11 @@ struct Field {
     const char* name;
 };
 
-#define GUARD_FIELD(type, name) \
-    { offsetof(type, name), #name }
+constexpr Field make_field(std::size_t begin, const char* name) {
+    return {begin, name};
+}
+
+#define GUARD_FIELD(type, name) make_field(offsetof(type, name), #name)
 
 constexpr Field kRecordFields[] = {
     GUARD_FIELD(WebvttCueNode, pcAuxText),     GUARD_FIELD(WebvttCueNode, dStartTime),
