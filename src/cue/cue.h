@@ -50,8 +50,7 @@ class Cue {
     /// are not looked at.
     /// @param block need not be zero-terminated; must outlive the cue
     /// @param pcOwn null when there is no "<" and no "&" in the block; otherwise the block itself,
-    /// in
-    ///              which the text of a payload with markup is joined
+    ///              in which the text of a payload with markup is joined
     Outcome eParseForText(std::string_view block, char* pcOwn);
 
     /// After eParseForText: the text that strGetCueContent gives after fgParse. It lies in the

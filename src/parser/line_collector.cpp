@@ -53,7 +53,7 @@ void WebVTTParser::vDestoryLine(char** ppcLine) {
 bool WebVTTParser::fgSaveUnusedBuffer(const char* pcPrefix) {
     vClearUnusedBuffer();
     if (pcPrefix != nullptr && !m_block.fgAppendText(pcPrefix)) {
-        throw_unless_read(Outcome::kNoCarried);
+        throw_failure(Outcome::kNoCarried);
     }
     return throw_unless_read(eCarryTail());
 }
