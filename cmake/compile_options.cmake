@@ -39,3 +39,14 @@ check_ipo_supported(RESULT QUILLCAPTION_LTO OUTPUT ignored LANGUAGES CXX)
 if(QUILLCAPTION_SANITIZE OR NOT CMAKE_BUILD_TYPE STREQUAL "Release")
   set(QUILLCAPTION_LTO OFF)
 endif()
+
+# quillcaption_count_lines(target...): has the targets count which of their lines run, if that is asked
+# for. What is optimised has other lines.
+function(quillcaption_count_lines)
+  if(QUILL_COUNT_LINES)
+    foreach(target ${ARGN})
+      target_compile_options(${target} PRIVATE -O0 --coverage -fprofile-abs-path)
+      target_link_options(${target} PUBLIC --coverage)
+    endforeach()
+  endif()
+endfunction()
