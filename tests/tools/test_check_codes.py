@@ -77,7 +77,7 @@ class Codes(QuillTest):
                 with self.subTest(code):
                     self.assertIn(code, found)
 
-    def test_no_mended_example_gives_its_code(self):
+    def test_no_fixed_example_gives_its_code(self):
         for chunk in {entry.chunk for entry in self.entries}:
             tracks = {entry.code: entry.fixed for entry in self.entries
                       if entry.fixed is not None and entry.chunk == chunk}
@@ -85,7 +85,7 @@ class Codes(QuillTest):
                 with self.subTest(code):
                     self.assertEqual(found, {None})
 
-    def test_every_code_but_a_few_is_mended(self):
+    def test_every_code_but_a_few_is_fixed(self):
         self.assertEqual([entry.code for entry in self.entries if entry.fixed is None],
                          WITHOUT_EXAMPLE + FIXED_ELSEWHERE)
 
