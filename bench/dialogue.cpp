@@ -1,6 +1,8 @@
 // Dialogue through the module, beside two limits on the same text:
 //
 //   dialogue [--style NAME] [--size BYTES]...   times, as a table
+//   dialogue --print [--style NAME] [--size BYTES]
+//                                               the track itself
 //   dialogue --only SUBJECT [--style NAME] [--size BYTES] [--passes N]
 //                                               one subject, for an instruction counter
 //
@@ -16,9 +18,9 @@
 #include <vector>
 
 #include "bench/measured.h"
-#include "bench/player.h"
 #include "bench/scan_limits.h"
-#include "bench/track_generator.h"
+#include "support/player.h"
+#include "support/track_generator.h"
 
 namespace bench {
 namespace {
@@ -35,13 +37,14 @@ struct Subject {
 };
 
 struct Track {
-    Track(std::size_t size, const Style& style) : text(make_dialogue(size, style, &cues)) {}
+    Track(std::size_t size, const support::Style& style)
+        : text(support::make_dialogue(size, style, &cues)) {}
     unsigned cues = 0;
     std::string text;
 };
 
 void play(const support::Methods& module, const Track& track, std::size_t chunk_size) {
-    Player player(module);
+    support::Player player(module);
     player.feed_in_chunks(track.text, chunk_size);
     if (player.cue_count() != track.cues) {
         std::fprintf(stderr, "%u cues were fed but %zu came out\n", track.cues, player.cue_count());
@@ -107,13 +110,13 @@ void print_times(std::FILE* report, const support::Methods& module, const Track&
 }
 
 int run(int argc, char** argv) {
-    static const option kOptions[] = {{"only", required_argument, nullptr, 'o'},
-                                      {"style", required_argument, nullptr, 't'},
-                                      {"size", required_argument, nullptr, 's'},
-                                      {"passes", required_argument, nullptr, 'p'},
-                                      {}};
+    static const option kOptions[] = {
+        {"only", required_argument, nullptr, 'o'},   {"print", no_argument, nullptr, 'w'},
+        {"style", required_argument, nullptr, 't'},  {"size", required_argument, nullptr, 's'},
+        {"passes", required_argument, nullptr, 'p'}, {}};
     std::string only;
-    const Style* style = &kStyles[0];
+    bool prints = false;
+    const support::Style* style = &support::kStyles[0];
     std::vector<std::size_t> sizes;
     unsigned passes = 1;
     for (int letter; (letter = getopt_long(argc, argv, "", kOptions, nullptr)) != -1;) {
@@ -121,8 +124,11 @@ int run(int argc, char** argv) {
             case 'o':
                 only = optarg;
                 break;
+            case 'w':
+                prints = true;
+                break;
             case 't':
-                style = find_style(optarg);
+                style = support::find_style(optarg);
                 if (style == nullptr) {
                     std::fprintf(stderr, "not a style: %s\n", optarg);
                     return 2;
@@ -140,6 +146,13 @@ int run(int argc, char** argv) {
     }
     if (sizes.empty()) {
         sizes.push_back(kDefaultSize);
+    }
+
+    if (prints) {
+        const Track track(sizes[0], *style);
+        return std::fwrite(track.text.data(), 1, track.text.size(), stdout) == track.text.size()
+                   ? 0
+                   : 1;
     }
 
     std::FILE* const report = silence_standard_output();

@@ -10,7 +10,7 @@
 #include <limits>
 #include <string_view>
 
-#include "bench/player.h"
+#include "bench/measured.h"
 #include "support/methods.h"
 
 namespace bench {

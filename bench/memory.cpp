@@ -9,11 +9,13 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "bench/measured.h"
 #include "bench/quiet_printing.h"
 #include "bench/shapes.h"
 #include "bench/stack_probe.h"
-#include "bench/track_generator.h"
 #include "support/memory.h"
+#include "support/player.h"
+#include "support/track_generator.h"
 
 namespace bench {
 namespace {
@@ -79,7 +81,7 @@ bool print_shapes(std::FILE* report, const support::Methods& module) {
 /// Allocations a cue, and what is left over: nothing may be.
 bool print_cues(std::FILE* report, const support::Methods& module, const char* what,
                 const std::string& track, std::size_t chunk_size, unsigned wanted) {
-    Player player(module);
+    support::Player player(module);
     player.feed_in_chunks(track, chunk_size);  // what is kept for the next track is there now
     const std::string cues = track.substr(track.find("\n\n") + 2);
     Memory& heap = Memory::of_program();
@@ -106,8 +108,8 @@ bool print_growth(std::FILE* report, const support::Methods& module, unsigned wa
                  "growth", "growth");
     std::fprintf(report, "%-34s %10s %10s %10s %8s %8s\n", "", "", "a cue", "bytes", "bytes",
                  "blocks");
-    const std::string dialogue = make_dialogue(kDialogueSize);
-    const std::string plain = make_plain_cues(kPlainCues);
+    const std::string dialogue = support::make_dialogue(kDialogueSize);
+    const std::string plain = support::make_plain_cues(kPlainCues);
     const std::size_t plain_cue_size = (plain.size() - plain.find("\n\n")) / kPlainCues;
     const struct {
         const char* what;

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <list>
 
-#include "bench/track_generator.h"
+#include "support/player.h"
+#include "support/track_generator.h"
 
 namespace bench {
 namespace {
@@ -60,8 +61,8 @@ Play plain_text(std::string text) {
 // ---- Tracks as they are, and in other line ends ----
 
 /// Behind the opening, which every play has.
-Play dialogue(std::size_t n, const Style& style) {
-    const std::string track = make_dialogue(n, style);
+Play dialogue(std::size_t n, const support::Style& style) {
+    const std::string track = support::make_dialogue(n, style);
     const std::string blank_line = std::string(style.line_end) + std::string(style.line_end);
     return plain_text(track.substr(track.find(blank_line) + blank_line.size()));
 }
@@ -118,7 +119,8 @@ const std::vector<Shape> kShapes = {
     {"dialogue, 64 KB chunks", 100000, 10000000,
      [](N n) { return in_chunks_of(65536, dialogue(n, {})); }},
     {"dialogue, 1460 B chunks", 100000, 10000000, [](N n) { return dialogue(n, {}); }},
-    {"dialogue, CR LF", 100000, 10000000, [](N n) { return dialogue(n, *find_style("crlf")); }},
+    {"dialogue, CR LF", 100000, 10000000,
+     [](N n) { return dialogue(n, *support::find_style("crlf")); }},
     {"cues, one call", 2000, 1000000, cues_in_one_call},
     {"cues, a call and a delivery each", 1500, 1000000, cue_a_call},
     {"cues, a call each, one delivery", 1500, 1000000, cues_kept_to_the_end},
@@ -217,7 +219,7 @@ const std::vector<Shape> kShapes = {
     {"live handles", 200, 10000, live_handles, kRegistry},
 };
 
-void feed(Player& player, const Play& play) {
+void feed(support::Player& player, const Play& play) {
     player.feed(play.opening);
     std::string_view rest = play.text;
     while (!rest.empty()) {
@@ -251,12 +253,12 @@ Play empty_calls_of(const Play& play) {
 }
 
 Tally play_shape(const support::Methods& methods, const Play& play) {
-    std::list<Player> players;
+    std::list<support::Player> players;
     for (unsigned parser = 0; parser < play.parsers; ++parser) {
         players.emplace_back(methods);
     }
     Tally tally;
-    for (Player& player : players) {
+    for (support::Player& player : players) {
         feed(player, play);
         tally.bytes += play.opening.size() + play.text.size();
         tally.calls += player.call_count();

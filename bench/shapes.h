@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "bench/player.h"
+#include "support/methods.h"
 
 namespace bench {
 

@@ -20,6 +20,7 @@ NOT_RUN = [
     ("fuzz/run", HOURS),
     ("tests/mutation/run", HOURS),
     ("bench/", "the figures belong to the machine; bench.gate holds the ratios"),
+    ("build/i386/quill conform --time", "the times belong to the machine; tools.conform takes them too"),
     ("build/i386/bench/", "the figures belong to the machine; bench.memory holds the limits"),
     ("cmake -S . -B build/profile", "builds, for a profile that people read"),
     ("cmake --build build/profile", "the same"),

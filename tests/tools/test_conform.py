@@ -125,7 +125,7 @@ class Suite(Conforming):
         os.makedirs(os.path.join(self.folder, "some/folder"))
         shutil.copy(MODULE, os.path.join(self.folder, "some/folder"))
         lines = re.findall("^  quill (conform.*)$", text, re.MULTILINE)
-        self.assertEqual(len(lines), 4)
+        self.assertEqual(len(lines), 5)
         for line in lines[2:] if EMULATOR else lines[1:]:  # the others run all cases
             result = self.quill(*line.replace("'", "").split(), cwd=self.folder)
             self.assertEqual((result.code, result.err), (0, b""), line)
@@ -139,7 +139,10 @@ class Suite(Conforming):
                 (("--only",), "--only"), (("--format", "xml"), 'text or json, not "xml"'),
                 (("--timeout", "0"), "--timeout takes a whole number of seconds from 1 to 3600"),
                 (("--timeout", "1.5"), 'not "1.5"'), ((MODULE, "other"), "other"),
-                (("--all",), "--all")):
+                (("--all",), "--all"), (("--time", "--only", "times"), "--time runs no cases"),
+                (("--time", "--list"), "leave out --list"),
+                (("--time", "--failed-only"), "leave out --list"),
+                (("--time", "--cases", "my.cases"), "leave out --list")):
             with self.subTest(arguments):
                 self.assert_fails(self.quill("conform", *arguments), 2, words)
 
@@ -297,6 +300,41 @@ class BrokenModules(Conforming):
     def test_a_crash_while_it_is_loaded(self):
         self.assert_fails(self.quill("conform", fixture("broken"), env=broken("crash-at-load")), 3,
                           "broken.so crashed by SIGSEGV while it was loaded")
+
+
+class Times(Conforming):
+    def test_text(self):
+        lines = self.conform("--time")
+        times = {line[:32].strip(): [float(word) for word in line[32:].replace("us", "").split()]
+                 for line in lines if not line.startswith("dialogue")}
+        self.assertEqual(list(times), [
+            "loading", "the first cue", "usual, chunks of 1460 B", "usual, chunks of 65536 B",
+            "crlf, chunks of 65536 B", "no-hours, chunks of 65536 B",
+            "four-settings, chunks of 65536 B"])
+        self.assertGreater(min(min(row) for row in times.values()), 0)
+        # A cue has 70 to 140 bytes, so a megabyte is thousands of them.
+        for cue, megabyte in list(times.values())[2:]:
+            self.assertTrue(7000 < megabyte / cue < 15000, times)
+
+    def test_json(self):
+        times = [json.loads(line) for line in self.conform("--time", "--format", "json")]
+        self.assertEqual([one["what"] for one in times],
+                         ["loading", "the first cue", "usual", "usual", "crlf", "no-hours",
+                          "four-settings"])
+        self.assertEqual([list(one)[1:] for one in times],
+                         [["us"]] * 2 + [["chunk", "us_a_cue", "us_a_megabyte"]] * 5)
+
+    def test_modules_whose_time_says_nothing(self):
+        for fault, words in (("crash", "crashed by SIGSEGV"), ("hang", "did not end in time"),
+                             ("counts-to-two", r"delivered \d+ cues of \d+; quill conform without")):
+            if SANITIZED and fault == "crash":  # the sanitizer turns it into an exit
+                continue
+            with self.subTest(fault):
+                result = self.quill("conform", "--time", "--timeout", "3", fixture("broken"),
+                                    env=broken(fault))
+                self.assertEqual((result.code, result.out.count(b"usual")), (1, 0), result)
+                self.assertIn("cannot time usual: ", result.err.decode())
+                self.assertRegex(result.err.decode(), words)
 
 
 class CaseFiles(Conforming):

@@ -2,8 +2,10 @@
 
 #include "tools/conform/case_runner.h"
 #include "tools/conform/suite.h"
+#include "tools/conform/timing.h"
 #include "tools/conform/verdict_printer.h"
 #include "tools/console/arguments.h"
+#include "tools/console/failure.h"
 #include "tools/console/progress.h"
 #include "tools/host/module_handle.h"
 
@@ -18,17 +20,19 @@ constexpr char kFooter[] = R"(Each case runs in a process of its own: a crash or
 Formats:
   text  a line for each case, below it what was expected and what came; the count at the end
   json  an object a line: case, reason, place, outcome (passed, failed, crashed or hung) and
-        details; the last line holds the counts
+        details; the last line holds the counts. With --time: what, us, chunk, us_a_cue and
+        us_a_megabyte
 
 Examples:
   quill conform
   quill conform --failed-only some/folder/quillcaption.so
   quill conform --only settings --only 'markup/*reference*'
   quill conform --list --only times
+  quill conform --time
 
 Exit codes:
   0  all cases passed
-  1  a case did not pass
+  1  a case did not pass, or a time could not be taken
   2  wrong usage, or an output that cannot be written
   3  the module cannot be loaded)";
 
@@ -49,18 +53,24 @@ ConformCommand::ConformCommand(CLI::App& app)
     line.AddFlag("--failed-only", failed_only_, "Print only the cases that did not pass");
     line.AddOption("--cases", "FILE", case_file_,
                    "Run the cases of this file instead of quill's own");
+    line.AddFlag("--time", time_,
+                 "Run no cases, but time the module on this machine: loading, the first cue,\n"
+                 "and dialogue, in microseconds a cue and a megabyte");
     line.AddOption(
         "--timeout", "SECONDS",
         [this](const std::string& text) {
             timeout_ = std::chrono::seconds(console::ParseWholeNumber(
                 "--timeout", "a whole number of seconds", text, 1, kMostSeconds));
         },
-        "How long a case may take before it counts as hung (default: 10)");
+        "How long a case, or a time, may take before it counts as hung (default: 10)");
     console::AddTextOrJson(line, as_json_, "How the results are printed");
     line.SetFooter(kFooter);
 }
 
 console::ExitCode ConformCommand::Run(console::Output& output) {
+    if (time_) {
+        return RunTimes(output);
+    }
     const std::vector<Case> cases =
         SelectCases(case_file_.empty() ? BuiltInCases() : CasesOfFile(case_file_), patterns_);
     if (list_) {
@@ -84,6 +94,18 @@ console::ExitCode ConformCommand::Run(console::Output& output) {
     progress.Wipe();
     printer.PrintCount();
     return printer.all_passed() ? console::kExitDone : console::kExitTrack;
+}
+
+console::ExitCode ConformCommand::RunTimes(console::Output& output) const {
+    if (list_ || failed_only_ || !patterns_.empty() || !case_file_.empty()) {
+        throw console::Failure(console::kExitUsage,
+                               "--time runs no cases: leave out --list, --only, --failed-only and "
+                               "--cases");
+    }
+    const std::string module = module_.empty() ? host::FindDefaultModule() : module_;
+    CheckThatItLoads(module, timeout_);
+    PrintTimes(output, module, timeout_, as_json_);
+    return console::kExitDone;
 }
 
 }  // namespace quill::conform

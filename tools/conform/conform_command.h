@@ -18,12 +18,15 @@ class ConformCommand : public console::Command {
     console::ExitCode Run(console::Output& output) override;
 
   private:
+    console::ExitCode RunTimes(console::Output& output) const;
+
     std::string module_;                 // empty: the module that belongs to this quill
     std::vector<std::string> patterns_;  // empty: all cases
     std::string case_file_;              // empty: the cases of quill itself
     std::chrono::seconds timeout_;
     bool list_ = false;
     bool failed_only_ = false;
+    bool time_ = false;
     bool as_json_ = false;
 };
 

@@ -1,12 +1,12 @@
-#include "bench/track_generator.h"
+#include "support/track_generator.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
 
-#include "bench/random_source.h"
+#include "support/random_source.h"
 
-namespace bench {
+namespace support {
 namespace {
 
 constexpr unsigned kSeed = 1;
@@ -169,4 +169,4 @@ std::string make_plain_cues(unsigned count) {
     return track;
 }
 
-}  // namespace bench
+}  // namespace support

@@ -2,17 +2,16 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdio>
 #include <string_view>
 
-#include "support/module.h"
+#include "support/methods.h"
 
-namespace bench {
+namespace support {
 
 /// One parser of a module, released at the end. The module must outlive it.
 class Player {
   public:
-    explicit Player(const support::Methods& methods);
+    explicit Player(const Methods& methods);
     Player(const Player&) = delete;
     Player& operator=(const Player&) = delete;
     ~Player();
@@ -30,18 +29,10 @@ class Player {
   private:
     static void on_event(int event, void* tag, void* info);
 
-    const support::Methods& m_methods;
-    support::Handle m_handle = 0;
+    const Methods& m_methods;
+    Handle m_handle = 0;
     std::size_t m_cue_count = 0;
     std::size_t m_call_count = 0;  // feeding and delivering
 };
 
-/// Loads the module, or ends the program. It is never unloaded: a profiler that writes its names
-/// when the program ends must still find them.
-const support::Methods& load_module();
-
-/// Sends standard output, where the module's diagnostics go, to the null device. What a bench has
-/// to say goes to the stream that this returns, the standard output of before.
-std::FILE* silence_standard_output();
-
-}  // namespace bench
+}  // namespace support

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <random>
 
-namespace bench {
+namespace support {
 
 /// std::mt19937 is fixed to the bit by the language, but the distributions of <random> are not:
 /// two standard libraries draw different tracks from the same seed. Hence ranges of our own. Their
@@ -30,4 +30,4 @@ class RandomSource {
     std::mt19937 m_engine;
 };
 
-}  // namespace bench
+}  // namespace support

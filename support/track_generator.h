@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace bench {
+namespace support {
 
 /// How a dialogue is written. Whatever is not said is as in the usual one.
 struct Style {
@@ -37,4 +37,4 @@ std::string make_dialogue(std::size_t size, const Style& style = {}, unsigned* p
 /// A track of plain cues only: one line, no identifier, no settings, no markup.
 std::string make_plain_cues(unsigned count);
 
-}  // namespace bench
+}  // namespace support

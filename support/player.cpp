@@ -1,16 +1,16 @@
-#include "bench/player.h"
+#include "support/player.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
 
-#include "support/stdout_capture.h"
 #include "support/value_at.h"
 
-namespace bench {
+namespace support {
 
-Player::Player(const support::Methods& methods) : m_methods(methods) {
+Player::Player(const Methods& methods) : m_methods(methods) {
     if (m_methods.create(&m_handle) != 0) {
         std::fprintf(stderr, "the module made no parser\n");
         std::exit(2);
@@ -44,17 +44,7 @@ void Player::feed_in_chunks(std::string_view text, std::size_t chunk_size) {
 }
 
 void Player::on_event(int /*event*/, void* tag, void* info) {
-    static_cast<Player*>(tag)->m_cue_count += support::value_at<std::uint32_t>(info, 4);
+    static_cast<Player*>(tag)->m_cue_count += value_at<std::uint32_t>(info, 4);
 }
 
-const support::Methods& load_module() {
-    static const auto* const kModule = new support::Module;
-    return kModule->methods();
-}
-
-std::FILE* silence_standard_output() {
-    static const support::Quiet kQuiet;
-    return kQuiet.open_original();
-}
-
-}  // namespace bench
+}  // namespace support
