@@ -13,6 +13,7 @@
 #include "parser/record_arena.h"
 #include "parser_fixture.h"
 #include "support/memory.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
@@ -22,8 +23,6 @@ using support::FailingNew;
 
 constexpr std::size_t kLarge = 4500;  // only the long texts below need that much at a time
 const std::string kLong(5000, 'x');
-const std::string kTiming = "00:01.000 --> 00:02.000\n";
-
 /// The message of the BadAllocException that a call throws while memory runs out.
 template <typename Call>
 std::string message_of(Call call, std::size_t smallest, unsigned spared = 0, unsigned times = ~0u) {

@@ -19,8 +19,8 @@ using support::error_line;
 using support::error_lines;
 
 /// A block, parsed. result: "1 2 root('x')" (times and tree), "false", or what was thrown.
-struct Parsed {
-    explicit Parsed(const std::string& block, unsigned size = 1) {
+struct ParsedBlock {
+    explicit ParsedBlock(const std::string& block, unsigned size = 1) {
         output = support::output_of([&] {
             support::ExactText text(block);
             try {
@@ -50,7 +50,7 @@ struct BlockCase {
 
 void check(const BlockCase& c) {
     SCOPED_TRACE(c.block);
-    const Parsed parsed(c.block);
+    const ParsedBlock parsed(c.block);
     EXPECT_EQ(parsed.result, c.result);
     EXPECT_EQ(parsed.output, c.output);
 }
@@ -92,7 +92,7 @@ TEST(CueBlock, Accepted) {
 }
 
 TEST(CueBlock, SettingsOfTheTimingLineAreTaken) {
-    const Parsed parsed("00:01.000 --> 00:02.000   align:end    size:50%\nx");
+    const ParsedBlock parsed("00:01.000 --> 00:02.000   align:end    size:50%\nx");
     EXPECT_EQ(parsed.result, "1 2 root('x')");
     EXPECT_EQ(dump_settings(parsed.cue), "size=50 pos=100 posalign=2 align=2");
     EXPECT_EQ(parsed.output, "");
@@ -156,9 +156,9 @@ TEST(CueBlock, ErrorsOfItsPartsPassThrough) {
 
 TEST(CueBlock, ItsSizeOnlyMustNotBeZero) {
     const std::string block = "00:01.000 --> 00:02.000\nHello";
-    EXPECT_EQ(Parsed(block, 1).result, "1 2 root('Hello')");
-    EXPECT_EQ(Parsed(block, 4294967295u).result, "1 2 root('Hello')");
-    EXPECT_EQ(Parsed(block, 0).result, "argument: Input pcLine is empty");
+    EXPECT_EQ(ParsedBlock(block, 1).result, "1 2 root('Hello')");
+    EXPECT_EQ(ParsedBlock(block, 4294967295u).result, "1 2 root('Hello')");
+    EXPECT_EQ(ParsedBlock(block, 0).result, "argument: Input pcLine is empty");
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include "support/exact_block.h"
 #include "support/stdout_capture.h"
 #include "tree_dump.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
@@ -20,24 +21,6 @@ namespace {
 using std::string_literals::operator""s;
 
 constexpr double kUnset = -77.0;
-
-/// "true", "false" or the error's message.
-template <typename Call>
-std::string outcome_of(Call call) {
-    std::string outcome;
-    support::output_of([&] {
-        try {
-            outcome = call() ? "true" : "false";
-        } catch (const InvalidArgumentException& error) {
-            outcome = error.strGetMessage();
-        } catch (const BadAllocException& error) {
-            outcome = error.strGetMessage();
-        } catch (const std::out_of_range& error) {
-            outcome = error.what();
-        }
-    });
-    return outcome;
-}
 
 TEST(CueContract, WhatIsLeftOfATimingLineSaysHowFarItWasRead) {
     const std::string bad_start = "Input pcLine is empty";

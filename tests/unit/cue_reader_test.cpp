@@ -4,11 +4,10 @@
 #include <string>
 
 #include "parser_fixture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
-
-const std::string kTiming = "00:01.000 --> 00:02.000\n";
 
 class CueReader : public ParserTest {
   protected:

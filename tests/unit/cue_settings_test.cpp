@@ -8,6 +8,7 @@
 #include "setting_dump.h"
 #include "support/diagnostic_lines.h"
 #include "support/stdout_capture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
@@ -33,10 +34,6 @@ void check(const ItemCase& c) {
     Cue cue;
     EXPECT_EQ(support::output_of([&] { take_items(cue, c.items); }), c.output);
     EXPECT_EQ(dump_settings(cue), c.changed);
-}
-
-std::string trace_of(const std::string& text) {
-    return "input is " + text + "\nNot a valid data string\n";
 }
 
 TEST(CueSettings, ItemsThatAreNoSettings) {

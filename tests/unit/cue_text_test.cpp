@@ -9,19 +9,20 @@
 #include "setting_dump.h"
 #include "support/exact_block.h"
 #include "support/stdout_capture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
 
 /// What became of a block: its text and settings, "false", or what was thrown; and the output.
-struct Outcome {
+struct TextAndOutput {
     std::string result;
     std::string output;
 };
 
 template <typename Parse>
-Outcome outcome_of(Parse parse) {
-    Outcome outcome;
+TextAndOutput text_of(Parse parse) {
+    TextAndOutput outcome;
     outcome.output = support::output_of([&] {
         try {
             outcome.result = parse();
@@ -41,9 +42,9 @@ std::string describe(const Cue& cue, std::string_view text) {
            short_number(cue.dEndTime) + " " + dump_settings(cue);
 }
 
-Outcome parse_for_text(const std::string& block) {
+TextAndOutput parse_for_text(const std::string& block) {
     support::ExactBlock exact(block);  // without a terminating zero
-    return outcome_of([&]() -> std::string {
+    return text_of([&]() -> std::string {
         Cue cue;
         const bool may_have_markup = block.find_first_of("<&") != std::string::npos;
         if (!throw_unless_read(cue.eParseForText({exact.data(), exact.size()},
@@ -57,22 +58,20 @@ Outcome parse_for_text(const std::string& block) {
     });
 }
 
-Outcome parse_into_tree(const std::string& block) {
+TextAndOutput parse_into_tree(const std::string& block) {
     support::ExactText exact(block);
-    return outcome_of([&]() -> std::string {
+    return text_of([&]() -> std::string {
         Cue cue;
         return cue.fgParse(exact.c_str(), 1) ? describe(cue, cue.strGetCueContent().text) : "false";
     });
 }
 
-void expect_same(const std::string& block) {
-    const Outcome text = parse_for_text(block);
-    const Outcome tree = parse_into_tree(block);
+void expect_same_text(const std::string& block) {
+    const TextAndOutput text = parse_for_text(block);
+    const TextAndOutput tree = parse_into_tree(block);
     ASSERT_EQ(text.result, tree.result) << testing::PrintToString(block);
     ASSERT_EQ(text.output, tree.output) << testing::PrintToString(block);
 }
-
-const std::string kTiming = "00:01.000 --> 00:02.000\n";
 
 TEST(CueText, IsWhatTheTreeHolds) {
     const struct {
@@ -95,7 +94,7 @@ TEST(CueText, IsWhatTheTreeHolds) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.payload);
         EXPECT_EQ(parse_for_text(kTiming + c.payload).result, "'" + std::string(c.text) + "' 1 2 ");
-        expect_same(kTiming + c.payload);
+        expect_same_text(kTiming + c.payload);
     }
 }
 
@@ -122,7 +121,7 @@ TEST(CueText, ErrorsAreTheSame) {
         "00:01.000 --> 00:02.000\na</foo>b<9>c</b>",
     };
     for (const char* block : blocks) {
-        expect_same(block);
+        expect_same_text(block);
     }
 }
 
@@ -132,7 +131,7 @@ TEST(CueText, IsTheSameForEveryShortPayload) {
     constexpr std::size_t longest = 4;
     std::string block = kTiming;
     const auto check_all = [&](const auto& self) -> void {
-        expect_same(block);
+        expect_same_text(block);
         if (block.size() == kTiming.size() + longest || testing::Test::HasFatalFailure()) {
             return;
         }

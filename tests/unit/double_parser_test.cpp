@@ -2,42 +2,23 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <string>
 
 #include "base/webvtt_string.h"
 #include "support/stdout_capture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
 
 using std::string_literals::operator""s;
 
-constexpr double kBefore = 77.25;  // what out holds before the call
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-struct Parsed {
-    bool valid = false;
-    double out = kBefore;
-    std::string output;
-};
-
-Parsed str_to_double(const std::string& text) {
-    Parsed parsed;
-    parsed.output =
-        support::output_of([&] { parsed.valid = WebvttString(text).str_to_double(parsed.out); });
-    return parsed;
+ReadNumber str_to_double(const std::string& text) {
+    return number_read_by([&](double& out) { return WebvttString(text).str_to_double(out); });
 }
 
-Parsed get_percentage(const std::string& text) {
-    Parsed parsed;
-    parsed.output =
-        support::output_of([&] { parsed.valid = WebvttString(text).get_percentage(parsed.out); });
-    return parsed;
-}
-
-std::string trace_of(const std::string& text) {
-    return "input is " + text + "\nNot a valid data string\n";
+ReadNumber get_percentage(const std::string& text) {
+    return number_read_by([&](double& out) { return WebvttString(text).get_percentage(out); });
 }
 
 TEST(StrToDouble, ReadsDigitsWithOnePoint) {
@@ -57,7 +38,7 @@ TEST(StrToDouble, ReadsDigitsWithOnePoint) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = str_to_double(c.text);
+        const ReadNumber parsed = str_to_double(c.text);
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(parsed.out, c.expected);
         EXPECT_EQ(parsed.output, "");
@@ -79,7 +60,7 @@ TEST(StrToDouble, IntegerPartWrapsAndIsReadAsSigned) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = str_to_double(c.text);
+        const ReadNumber parsed = str_to_double(c.text);
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(parsed.out, c.expected);
     }
@@ -92,7 +73,7 @@ TEST(StrToDouble, RefusesEverythingElseWithATrace) {
     };
     for (const std::string& text : texts) {
         SCOPED_TRACE(testing::PrintToString(text));
-        const Parsed parsed = str_to_double(text);
+        const ReadNumber parsed = str_to_double(text);
         EXPECT_FALSE(parsed.valid);
         EXPECT_EQ(parsed.out, 0.0);
         EXPECT_EQ(parsed.output, trace_of(text));
@@ -100,7 +81,7 @@ TEST(StrToDouble, RefusesEverythingElseWithATrace) {
 }
 
 TEST(StrToDouble, LeavesOutAloneForAnEmptyText) {
-    const Parsed parsed = str_to_double("");
+    const ReadNumber parsed = str_to_double("");
     EXPECT_FALSE(parsed.valid);
     EXPECT_EQ(parsed.out, kBefore);
     EXPECT_EQ(parsed.output, "");
@@ -118,7 +99,7 @@ TEST(StrToDouble, DivisorOfEachFractionalDigit) {
     std::string zeros;
     for (const double divisor : divisors) {
         SCOPED_TRACE(zeros.size() + 1);
-        const Parsed parsed = str_to_double("0." + zeros + "1");
+        const ReadNumber parsed = str_to_double("0." + zeros + "1");
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(parsed.out, 1 / divisor);
         EXPECT_EQ(str_to_double("3." + zeros + "7").out, 7 / divisor + 3);
@@ -142,7 +123,7 @@ TEST(StrToDouble, DivisorIsZeroFromThe32ndFractionalDigit) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = str_to_double(c.text);
+        const ReadNumber parsed = str_to_double(c.text);
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(std::isnan(parsed.out), !c.infinite);
         EXPECT_EQ(parsed.out == kInfinity, c.infinite);
@@ -161,7 +142,7 @@ TEST(GetPercentage, ReadsANumberBeforeThePercentSign) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = get_percentage(c.text);
+        const ReadNumber parsed = get_percentage(c.text);
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(parsed.out, c.expected);
         EXPECT_EQ(parsed.output, "");
@@ -178,7 +159,7 @@ TEST(GetPercentage, RefusesOtherTextsAndClearsOut) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = get_percentage(c.text);
+        const ReadNumber parsed = get_percentage(c.text);
         EXPECT_FALSE(parsed.valid);
         EXPECT_EQ(parsed.out, 0.0);
         EXPECT_EQ(parsed.output, c.traced.empty() ? "" : trace_of(c.traced));

@@ -11,6 +11,7 @@
 #include "cue/cue.h"
 #include "parser_fixture.h"
 #include "setting_dump.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
@@ -41,18 +42,6 @@ std::vector<std::string> changes_of(const std::string& text, std::string_view ch
         }
     }
     return changed;
-}
-
-/// What comes of a call: its result, or the error's text.
-template <typename Call>
-std::string outcome_of(Call call) {
-    try {
-        return call() ? "true" : "false";
-    } catch (const RuntimeException& error) {
-        return error.strGetMessage();
-    } catch (const std::out_of_range& error) {
-        return error.what();
-    }
 }
 
 std::string dump(const Cue& cue, const std::string& outcome, std::string_view text) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "parser_fixture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
@@ -136,8 +137,6 @@ TEST_F(LineCollector, DestroyingALineLeavesThePointer) {
     EXPECT_EQ(line, nullptr);
 }
 
-constexpr const char* kTiming = "00:01.000 --> 00:02.000\n";
-
 TEST_F(LineCollector, SavesPrefixAndTail) {
     install("Hi\nthe");
     expect_line("Hi\n");
@@ -161,7 +160,7 @@ TEST_F(LineCollector, SavesTailAlone) {
 TEST_F(LineCollector, SavingReplacesEarlierText) {
     install("");
     EXPECT_TRUE(parser.fgSaveUnusedBuffer("lost\nlost\n"));
-    EXPECT_TRUE(parser.fgSaveUnusedBuffer(kTiming));
+    EXPECT_TRUE(parser.fgSaveUnusedBuffer(kTiming.c_str()));
     EXPECT_EQ(texts_after("Hi\n\n"), Texts{"Hi\n"});
 }
 

@@ -126,7 +126,7 @@ TEST(PayloadReader, TellsASinkWhatAPayloadHolds) {
     }
 }
 
-void expect_same(const std::string& payload) {
+void expect_same_reading(const std::string& payload) {
     ASSERT_EQ(read(payload), read_by_tokens(payload)) << testing::PrintToString(payload);
 }
 
@@ -139,8 +139,8 @@ TEST(PayloadReader, ReadsInPlaceWhatTheTokenizerReads) {
             for (const char* const third : pieces) {
                 for (const char* const fourth : pieces) {
                     const std::string payload = std::string(first) + second + third + fourth;
-                    expect_same(payload);
-                    expect_same("<" + payload + ">\n");
+                    expect_same_reading(payload);
+                    expect_same_reading("<" + payload + ">\n");
                 }
             }
         }

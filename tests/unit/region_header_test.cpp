@@ -11,6 +11,7 @@
 #include "header/metadata_header.h"
 #include "support/exact_block.h"
 #include "support/stdout_capture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
@@ -61,10 +62,6 @@ void check(const RegionCase& c) {
     });
     EXPECT_EQ(dump_region(region), c.expected);
     EXPECT_EQ(output, c.output);
-}
-
-std::string trace_of(const std::string& text) {
-    return "input is " + text + "\nNot a valid data string\n";
 }
 
 TEST(RegionHeader, StartsWithZerosAndTwoAnchors) {

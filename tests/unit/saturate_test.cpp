@@ -1,5 +1,6 @@
 // Conversions of doubles to 32-bit integers, defined for every double.
 #include "base/saturate.h"
+#include "usual_values.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +11,6 @@
 namespace webvtt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int32_t kSignedMax = 2147483647;
 constexpr std::int32_t kSignedMin = -kSignedMax - 1;

@@ -5,25 +5,15 @@
 
 #include "base/webvtt_string.h"
 #include "support/stdout_capture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
 
 using std::string_literals::operator""s;
 
-constexpr double kBefore = 77.25;  // what out holds before the call
-
-struct Parsed {
-    bool valid = false;
-    double out = kBefore;
-    std::string output;
-};
-
-Parsed get_timestamp(const std::string& text) {
-    Parsed parsed;
-    parsed.output =
-        support::output_of([&] { parsed.valid = WebvttString(text).get_timestamp(parsed.out); });
-    return parsed;
+ReadNumber get_timestamp(const std::string& text) {
+    return number_read_by([&](double& out) { return WebvttString(text).get_timestamp(out); });
 }
 
 // The whole part and the seconds are added as doubles, seconds last.
@@ -48,7 +38,7 @@ TEST(GetTimestamp, AcceptsOptionalHoursMinutesAndSixCharactersOfSeconds) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = get_timestamp(c.text);
+        const ReadNumber parsed = get_timestamp(c.text);
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(parsed.out, c.expected);
         EXPECT_EQ(parsed.output, "");
@@ -69,7 +59,7 @@ TEST(GetTimestamp, WrapsIn32BitsOfWholeSeconds) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
-        const Parsed parsed = get_timestamp(c.text);
+        const ReadNumber parsed = get_timestamp(c.text);
         EXPECT_TRUE(parsed.valid);
         EXPECT_EQ(parsed.out, c.expected);
     }
@@ -106,7 +96,7 @@ TEST(GetTimestamp, RefusesWithoutTouchingOut) {
     };
     for (const std::string& text : texts) {
         SCOPED_TRACE(testing::PrintToString(text));
-        const Parsed parsed = get_timestamp(text);
+        const ReadNumber parsed = get_timestamp(text);
         EXPECT_FALSE(parsed.valid);
         EXPECT_EQ(parsed.out, kBefore);
         EXPECT_EQ(parsed.output, "");
@@ -125,7 +115,7 @@ TEST(GetTimestamp, BadSecondsSetOutToZero) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.text));
-        const Parsed parsed = get_timestamp(c.text);
+        const ReadNumber parsed = get_timestamp(c.text);
         EXPECT_FALSE(parsed.valid);
         EXPECT_EQ(parsed.out, 0.0);
         EXPECT_EQ(parsed.output,

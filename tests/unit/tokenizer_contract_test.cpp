@@ -10,9 +10,9 @@
 namespace webvtt {
 namespace {
 
-using Data = Cue::Tokenizer_Data;
+using TokenizerData = Cue::Tokenizer_Data;
 
-using Handler = void (Cue::*)(Data&);
+using Handler = void (Cue::*)(TokenizerData&);
 constexpr Handler kHandlers[] = {
     &Cue::vProcessDataState,          &Cue::vProcessEscapeState,
     &Cue::vProcessTagState,           &Cue::vProcessStartTagState,
@@ -22,7 +22,7 @@ constexpr Handler kHandlers[] = {
 
 /// "state:type@position flags [result|buffer] classes": "0:1@3 SR [abc|]" for a finished text; the
 /// flags are S for stop and R for ready.
-std::string dump(const Data& data, const Cue& cue) {
+std::string dump(const TokenizerData& data, const Cue& cue) {
     std::string text = std::to_string(data.eState) + ":" + std::to_string(data.eTokenType) + "@" +
                        std::to_string(data.iPosition) + " " + (data.fgStop ? "S" : "") +
                        (data.fgTokenReady ? "R" : "") + "[" + data.strResult.text + "|" +
@@ -33,7 +33,7 @@ std::string dump(const Data& data, const Cue& cue) {
     return text;
 }
 
-struct Call {
+struct TokenizerCall {
     int state;
     std::string input;
     int position;
@@ -43,12 +43,12 @@ struct Call {
 };
 
 /// The result starts as "r" everywhere but where the flags hold an "e".
-void check(const Call& call) {
+void check(const TokenizerCall& call) {
     SCOPED_TRACE(testing::PrintToString(call.input) + " in state " + std::to_string(call.state) +
                  " from " + std::to_string(call.position) + " " + call.flags);
     support::ExactBlock input(call.input);
     const std::string flags = call.flags;
-    Data data(input.data(), static_cast<int>(input.size()));
+    TokenizerData data(input.data(), static_cast<int>(input.size()));
     data.eState = static_cast<Cue::Tokenizer_State>(call.state);
     data.iPosition = call.position;
     data.fgStop = flags.find('S') != std::string::npos;
@@ -61,7 +61,7 @@ void check(const Call& call) {
 }
 
 TEST(TokenizerContract, EachHandlerByItself) {
-    const Call calls[] = {
+    const TokenizerCall calls[] = {
         // Text. An input that has ended gives what there is, be it nothing.
         {0, "abc", 0, "e", "", "0:1@3 SR[abc|]"},
         {0, "abc", 1, "", "b", "0:1@3 SR[rbc|b]"},
@@ -138,7 +138,7 @@ TEST(TokenizerContract, EachHandlerByItself) {
         {7, "", 0, "", "", "7:4@0 SR[r|]"},
         {7, "12>", 0, "R", "", "7:0@1 R[r1|]"},
     };
-    for (const Call& call : calls) {
+    for (const TokenizerCall& call : calls) {
         check(call);
     }
 }
@@ -147,7 +147,7 @@ TEST(TokenizerContract, ALengthBelowZeroIsAnEmptyInput) {
     for (const int length : {-1, -2147483647}) {
         for (const int state : {0, 1, 2, 3, 4, 5, 6, 7}) {
             SCOPED_TRACE(state);
-            Data data("abc", length);
+            TokenizerData data("abc", length);
             data.eState = static_cast<Cue::Tokenizer_State>(state);
             Cue cue;
             cue.eTokenizer(data);
@@ -172,7 +172,7 @@ TEST(TokenizerContract, HandlersAreCalledUntilTheTokenIsReady) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.input);
-        Data data(c.input, static_cast<int>(std::string(c.input).size()));
+        TokenizerData data(c.input, static_cast<int>(std::string(c.input).size()));
         data.eState = static_cast<Cue::Tokenizer_State>(c.state);
         data.fgTokenReady = c.ready;
         Cue cue;
@@ -183,7 +183,7 @@ TEST(TokenizerContract, HandlersAreCalledUntilTheTokenIsReady) {
 }
 
 TEST(TokenizerContract, ANewTokenIsEmptyAndStartsInTheText) {
-    const Data data("abc", 3);
+    const TokenizerData data("abc", 3);
     EXPECT_EQ(dump(data, Cue()), "0:0@0 [|]");
     EXPECT_STREQ(data.pcInput, "abc");
     EXPECT_EQ(data.iLength, 3);

@@ -7,11 +7,10 @@
 
 #include "base/value_parsers.h"
 #include "support/exact_block.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
-
-constexpr double kBefore = 77.25;
 
 /// How many characters at the front of the text are a time in one of the usual forms.
 std::size_t usual_size(const std::string& text) {

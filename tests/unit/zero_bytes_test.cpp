@@ -5,13 +5,12 @@
 #include <string>
 
 #include "parser_fixture.h"
+#include "usual_values.h"
 
 namespace webvtt {
 namespace {
 
 using std::string_literals::operator""s;
-
-const std::string kTiming = "00:01.000 --> 00:02.000\n";
 
 class ZeroBytesInHeaders : public ParserTest {};
 
