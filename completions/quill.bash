@@ -1,7 +1,7 @@
 # bash completion for quill. Needs bash 4.2 and nothing else.
 
 # Subcommands, and the options of each; a test compares both with what quill --help says.
-_quill_subcommands='check conform cues fix inspect'
+_quill_subcommands='check conform cues fix inspect replay'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
@@ -10,6 +10,7 @@ declare -gA _quill_options=(
     [cues]='--help --format --chunk --pts --module --quiet'
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
     [inspect]='--help --format'
+    [replay]='--help --show --track --case --check --parser --pace --timeout --format --module'
 )
 
 # _quill_value SUBCOMMAND OPTION WORD: offers what may be the option's value, nothing where that is
@@ -22,8 +23,8 @@ _quill_value() {
         *:--format) values='text json' ;;
         check:--color) values='auto always never' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | *:--files-from | fix:--output | fix:-o | conform:--cases) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
-        *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | conform:--timeout | *:--only | fix:--skip | fix:--from) ;;
+        *:--module | *:--files-from | fix:--output | fix:-o | conform:--cases | replay:--track) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | *:--timeout | *:--parser | *:--only | fix:--skip | fix:--from) ;;
         *) return 1 ;;
     esac
     if [ -n "$values" ]; then

@@ -11,6 +11,8 @@ namespace support {
 
 /// A copy of one cue record, all 48 bytes of it accounted for but the padding.
 struct CueRecord {
+    /// Of a cue without settings and without a text.
+    CueRecord() = default;
     explicit CueRecord(const void* record)
         : has_aux_text(value_at<const char*>(record, 0) != nullptr),
           start(value_at<double>(record, 8)),
@@ -29,18 +31,18 @@ struct CueRecord {
 
     static const void* next_of(const void* record) { return value_at<const void*>(record, 44); }
 
-    bool has_aux_text;
-    double start;
-    double end;
-    bool has_text;
+    bool has_aux_text = false;
+    double start = 0;
+    double end = 0;
+    bool has_text = false;
     std::string text;
-    int line;
-    unsigned reserved;
-    unsigned snap_to_lines;
-    unsigned position;
-    unsigned size;
-    int text_align;
-    int vertical;
+    int line = 100;
+    unsigned reserved = 0;
+    unsigned snap_to_lines = 1;
+    unsigned position = 50;
+    unsigned size = 100;
+    int text_align = 1;
+    int vertical = 0;
 };
 
 /// What one delivery handed over.

@@ -17,6 +17,7 @@
 #include "tools/cues/cues_command.h"
 #include "tools/fix/fix_command.h"
 #include "tools/inspect/inspect_command.h"
+#include "tools/replay/replay_command.h"
 
 namespace quill {
 namespace {
@@ -40,6 +41,7 @@ console::ExitCode Run(int argc, char** argv) {
     commands.push_back(std::make_unique<fix::FixCommand>(program.app()));
     commands.push_back(std::make_unique<inspect::InspectCommand>(program.app()));
     commands.push_back(std::make_unique<conform::ConformCommand>(program.app()));
+    commands.push_back(std::make_unique<replay::ReplayCommand>(program.app()));
 
     console::Output output;
     if (!program.Parse(argc, argv, output)) {

@@ -12,6 +12,7 @@ SHARED = {"console", "host"}
 MAY_INCLUDE = {
     "console": set(),
     "host": {"console"},
+    "replay": SHARED | {"check"},  # which judges what was fed
     "fix": SHARED | {"check"},  # which judges what a fix has come to
 }
 

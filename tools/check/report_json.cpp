@@ -31,7 +31,7 @@ Json OfCode(const Code& code) {
 
 Json OfSums(const Sums& sums) {
     Json object;
-    object["chunk_size"] = sums.chunk_size;
+    object["chunk_size"] = sums.chunk_size != 0 ? Json(sums.chunk_size) : Json(nullptr);
     object["cues_delivered"] = sums.cues_delivered;
     for (const Severity severity : {Severity::kLost, Severity::kChanged, Severity::kRemark}) {
         object["findings"][SeverityName(severity)] = sums.Count(severity);

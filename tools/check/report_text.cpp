@@ -29,9 +29,10 @@ std::string Count(std::uint64_t number, const std::string& what) {
 // "0 cues delivered in chunks of 65536 bytes, 3 lost, 0 changed, 0 remarks: 1 Q101, 2 Q201"; what
 // is lost and was no cue stands behind those: "1 other line lost, 1 track rejected".
 std::string InOneLine(const Sums& sums) {
-    std::string text = Count(sums.cues_delivered, "cue") + " delivered in chunks of " +
-                       Count(sums.chunk_size, "byte") + ", " +
-                       std::to_string(sums.Lost(Subject::kCue)) + " lost, ";
+    std::string text = Count(sums.cues_delivered, "cue") + " delivered in " +
+                       (sums.chunk_size != 0 ? "chunks of " + Count(sums.chunk_size, "byte")
+                                             : "the chunks that were fed") +
+                       ", " + std::to_string(sums.Lost(Subject::kCue)) + " lost, ";
     if (const std::uint64_t lines = sums.Lost(Subject::kLine); lines != 0) {
         text += Count(lines, "other line") + " lost, ";
     }

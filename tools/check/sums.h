@@ -45,7 +45,7 @@ struct Sums {
     std::uint64_t AllFindings() const;
     std::uint64_t Lost(Subject subject) const;
 
-    std::uint32_t chunk_size = 0;
+    std::uint32_t chunk_size = 0;  // 0: chunks of sizes of their own
     std::uint64_t cues_delivered = 0;
     std::uint64_t header_lines_used = 0;
     std::uint64_t header_lines_ignored = 0;

@@ -1,6 +1,7 @@
 #include "tools/check/track_check.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "tools/check/block_check.h"
 #include "tools/check/file_kind.h"
@@ -11,19 +12,22 @@
 namespace quill::check {
 
 TrackCheck::TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-                       std::string_view track, std::optional<std::uint32_t> chunk_size,
-                       std::uint32_t video_pts, TrackReport& report)
+                       std::string_view track, ChunkPlan plan, std::uint32_t video_pts,
+                       TrackReport& report)
     : module_(module),
       capture_(capture),
       track_(track),
-      plan_(track, chunk_size),
+      plan_(std::move(plan)),
       video_pts_(video_pts),
       report_(report) {}
 
 void TrackCheck::Run(std::size_t size) {
     report_.sums().chunk_size = static_cast<std::uint32_t>(plan_.chunk_size());
     if (IsRejected()) {
-        report_.Say(ExplainRejection(track_));
+        report_.Say(IsFirstLineCut()
+                        ? Finding(1, "signature", "the first chunk ends within the first line",
+                                  "feed the whole first line in the first chunk")
+                        : ExplainRejection(track_));
         report_.sums().AddBytes(ByteClass::kRejected, size);
         return;
     }
@@ -51,6 +55,11 @@ bool TrackCheck::IsRejected() {
     } catch (const host::ModuleThrew&) {
         return false;
     }
+}
+
+// The host's doing, and not the track's.
+bool TrackCheck::IsFirstLineCut() const {
+    return plan_.chunk_size() == 0 && plan_.End(0) < LineAt(track_, 0).end;
 }
 
 }  // namespace quill::check

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 #include "tools/check/track_report.h"
@@ -22,14 +21,15 @@ class TrackCheck {
     // `track` has a line end behind its first line, if need be an added one. All that is given
     // must outlive the check; the capture must collect.
     TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
-               std::string_view track, std::optional<std::uint32_t> chunk_size,
-               std::uint32_t video_pts, TrackReport& report);
+               std::string_view track, ChunkPlan plan, std::uint32_t video_pts,
+               TrackReport& report);
 
     // `size` is that of the track without an added line end. Throws OutputError.
     void Run(std::size_t size);
 
   private:
     bool IsRejected();
+    bool IsFirstLineCut() const;
 
     const host::ModuleHandle& module_;
     host::DiagnosticsCapture& capture_;

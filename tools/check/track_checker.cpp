@@ -17,10 +17,27 @@ Sums TrackChecker::Check(const std::string& track, const TrackPrinter::Write& wr
                           " KiB read");
         }
     });
-    TrackPrinter printer(reader.name(), options_.printing, write);
-    TrackReport report(reader.name(), printer, progress, filters_.For(track));
-    TrackCheck check(module_, capture_, bytes, options_.chunk_size, options_.video_pts, report);
-    check.Run(static_cast<std::size_t>(reader.offset()));
+    return CheckBytes(reader.name(), bytes, static_cast<std::size_t>(reader.offset()),
+                      ChunkPlan(bytes, options_.chunk_size), write, progress);
+}
+
+Sums TrackChecker::CheckFed(const std::string& name, std::string bytes,
+                            const std::vector<std::size_t>& sizes, const TrackPrinter::Write& write,
+                            console::Progress& progress) {
+    const std::size_t size = bytes.size();
+    if (bytes.find_first_of("\r\n") == std::string::npos) {
+        bytes += '\n';
+    }
+    return CheckBytes(name, bytes, size, ChunkPlan(bytes, sizes), write, progress);
+}
+
+Sums TrackChecker::CheckBytes(const std::string& name, std::string_view bytes, std::size_t size,
+                              const ChunkPlan& plan, const TrackPrinter::Write& write,
+                              console::Progress& progress) {
+    TrackPrinter printer(name, options_.printing, write);
+    TrackReport report(name, printer, progress, filters_.For(name));
+    TrackCheck check(module_, capture_, bytes, plan, options_.video_pts, report);
+    check.Run(size);
     progress.Wipe();
     printer.Finish(report.sums());
     return report.sums();

@@ -5,10 +5,13 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tools/check/code_filter.h"
 #include "tools/check/sums.h"
 #include "tools/check/track_printer.h"
+#include "tools/check/track_text.h"
 #include "tools/console/progress.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
@@ -42,8 +45,16 @@ class TrackChecker {
     // large, and what `write` throws.
     Sums Check(const std::string& track, const TrackPrinter::Write& write,
                console::Progress& progress);
+    // The same for what was fed in chunks of these sizes, of which there is one at least; `name` is
+    // what the findings call it.
+    Sums CheckFed(const std::string& name, std::string bytes, const std::vector<std::size_t>& sizes,
+                  const TrackPrinter::Write& write, console::Progress& progress);
 
   private:
+    Sums CheckBytes(const std::string& name, std::string_view bytes, std::size_t size,
+                    const ChunkPlan& plan, const TrackPrinter::Write& write,
+                    console::Progress& progress);
+
     const host::ModuleHandle& module_;
     host::DiagnosticsCapture& capture_;
     const CheckOptions& options_;

@@ -103,9 +103,20 @@ ChunkPlan::ChunkPlan(std::string_view track, std::optional<std::uint32_t> chunk_
       chunk_size_(chunk_size.value_or(host::TrackReader::kReadSize)),
       count_(1 + (track_size_ - first_size_ + (chunk_size_ - 1)) / chunk_size_) {}
 
+ChunkPlan::ChunkPlan(std::string_view track, const std::vector<std::size_t>& sizes)
+    : track_size_(track.size()), first_size_(0), chunk_size_(0), count_(sizes.size()) {
+    std::size_t end = 0;
+    for (const std::size_t size : sizes) {
+        ends_.push_back(end += size);
+    }
+}
+
 std::size_t ChunkPlan::Begin(std::size_t index) const {
     if (index == 0) {
         return 0;
+    }
+    if (!ends_.empty()) {
+        return ends_[std::min(index, count_) - 1];
     }
     // The product cannot wrap: the chunks before this one lie in the track.
     return index >= count_ ? track_size_ : first_size_ + (index - 1) * chunk_size_;
@@ -114,6 +125,10 @@ std::size_t ChunkPlan::Begin(std::size_t index) const {
 std::size_t ChunkPlan::IndexOf(std::size_t offset) const {
     if (offset >= track_size_) {
         return count_;
+    }
+    if (!ends_.empty()) {
+        return static_cast<std::size_t>(std::upper_bound(ends_.begin(), ends_.end(), offset) -
+                                        ends_.begin());
     }
     return offset < first_size_ ? 0 : 1 + (offset - first_size_) / chunk_size_;
 }

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quill::check {
 
@@ -80,7 +81,12 @@ class ChunkPlan {
     // Without a chunk size these are the chunks in which host::TrackReader reads a file.
     ChunkPlan(std::string_view track, std::optional<std::uint32_t> chunk_size);
 
+    // Chunks of these sizes, one at least. They make up the track, but for a line end that was
+    // added to it: that is in none.
+    ChunkPlan(std::string_view track, const std::vector<std::size_t>& sizes);
+
     std::size_t count() const { return count_; }
+    // 0 for chunks that were given one by one.
     std::size_t chunk_size() const { return chunk_size_; }
     std::size_t Begin(std::size_t index) const;
     std::size_t End(std::size_t index) const { return Begin(index + 1); }
@@ -92,6 +98,7 @@ class ChunkPlan {
     std::size_t first_size_;
     std::size_t chunk_size_;
     std::size_t count_;
+    std::vector<std::size_t> ends_;  // of chunks that were given one by one
 };
 
 }  // namespace quill::check

@@ -6,10 +6,10 @@
 
 #include "tools/conform/cases/case_player.h"
 #include "tools/conform/probes.h"
-#include "tools/console/failure.h"
 #include "tools/host/exception_text.h"
 #include "tools/host/isolated_run.h"
 #include "tools/host/module_handle.h"
+#include "tools/host/printed_text.h"
 
 namespace quill::conform {
 namespace {
@@ -19,8 +19,6 @@ namespace {
 constexpr std::string_view kStep = "step ";
 constexpr std::string_view kGot = "got ";
 constexpr std::string_view kEnd = "end";
-
-constexpr std::string_view kLoaded = "loaded";
 
 constexpr std::size_t kLongestDetail = 200;
 
@@ -35,7 +33,7 @@ struct CaseReport {
 };
 
 void PlaySteps(const Case& one, const std::string& module, host::Channel& channel) {
-    PrintedText printed;
+    host::PrintedText printed;
     channel.Write("step loading the module\n");
     const host::ModuleHandle handle(module);
     printed.Take();
@@ -168,27 +166,6 @@ Verdict RunCase(const Case& one, const std::string& module, std::chrono::seconds
         verdict.outcome = Outcome::kFailed;
     }
     return verdict;
-}
-
-void CheckThatItLoads(const std::string& module, std::chrono::seconds timeout) {
-    const auto load = [&module](host::Channel& channel) {
-        const PrintedText printed;
-        try {
-            const host::ModuleHandle handle(module);
-            channel.Write(kLoaded);
-        } catch (const console::Failure& failure) {
-            channel.Write(failure.what());
-        }
-    };
-    const host::IsolatedEnd end = host::RunIsolated(load, timeout);
-    if (end.written.empty()) {
-        throw console::Failure(console::kExitUnloadable,
-                               module + " " + host::DescribeEnd(end) + " while it was loaded");
-    }
-    // What goes wrong later is for the cases to tell.
-    if (end.written != kLoaded) {
-        throw console::Failure(console::kExitUnloadable, end.written);
-    }
 }
 
 }  // namespace quill::conform

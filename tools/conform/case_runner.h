@@ -20,9 +20,6 @@ struct Verdict {
 // Runs the case on the module in a process of its own.
 Verdict RunCase(const Case& one, const std::string& module, std::chrono::seconds timeout);
 
-// Throws Failure when the module cannot even be loaded: then no case would say anything.
-void CheckThatItLoads(const std::string& module, std::chrono::seconds timeout);
-
 }  // namespace quill::conform
 
 #endif  // TOOLS_CONFORM_CASE_RUNNER_H_

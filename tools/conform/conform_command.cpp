@@ -7,6 +7,7 @@
 #include "tools/console/arguments.h"
 #include "tools/console/failure.h"
 #include "tools/console/progress.h"
+#include "tools/host/load_check.h"
 #include "tools/host/module_handle.h"
 
 namespace quill::conform {
@@ -78,7 +79,7 @@ console::ExitCode ConformCommand::Run(console::Output& output) {
         return console::kExitDone;
     }
     const std::string module = module_.empty() ? host::FindDefaultModule() : module_;
-    CheckThatItLoads(module, timeout_);
+    host::CheckThatItLoads(module, timeout_);
     VerdictPrinter printer(output, as_json_, failed_only_);
     console::Progress progress(true, std::chrono::milliseconds(0));
     std::size_t done = 0;
@@ -103,7 +104,7 @@ console::ExitCode ConformCommand::RunTimes(console::Output& output) const {
                                "--cases");
     }
     const std::string module = module_.empty() ? host::FindDefaultModule() : module_;
-    CheckThatItLoads(module, timeout_);
+    host::CheckThatItLoads(module, timeout_);
     PrintTimes(output, module, timeout_, as_json_);
     return console::kExitDone;
 }

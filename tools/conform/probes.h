@@ -12,9 +12,9 @@
 #include "support/notation.h"
 #include "support/value_at.h"
 #include "tools/conform/cases/case.h"
-#include "tools/conform/printed_text.h"
 #include "tools/host/isolated_run.h"
 #include "tools/host/module_handle.h"
+#include "tools/host/printed_text.h"
 
 namespace quill::conform {
 
@@ -66,7 +66,7 @@ class ProbeBench {
   private:
     std::string path_;
     host::Channel& channel_;
-    PrintedText printed_;
+    host::PrintedText printed_;
     std::unique_ptr<host::ModuleHandle> module_;
 };
 

@@ -9,8 +9,8 @@
 #include "tools/console/escape.h"
 #include "tools/console/message.h"
 #include "tools/fix/diff.h"
-#include "tools/fix/file_writer.h"
 #include "tools/host/diagnostics_capture.h"
+#include "tools/host/file_writer.h"
 #include "tools/host/module_handle.h"
 
 namespace quill::fix {
@@ -199,12 +199,12 @@ void FixCommand::Write(const std::string& track, const std::string& text, bool c
                        console::Output& output) const {
     if (in_place_) {
         if (changed) {
-            WriteWhole(track, text);
+            host::WriteWhole(track, text);
         }
     } else if (output_file_.empty() || output_file_ == "-") {
         output.Write(text);
     } else {
-        WriteWhole(output_file_, text);
+        host::WriteWhole(output_file_, text);
     }
 }
 

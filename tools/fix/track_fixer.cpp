@@ -104,7 +104,8 @@ check::Findings TrackFixer::Check(const std::string& track) {
     check::TrackReport report("", keeper, progress);
     const bool has_line_end = track.find_first_of("\r\n") != std::string::npos;
     const std::string text = has_line_end ? track : track + "\n";
-    check::TrackCheck check(module_, capture_, text, host::TrackReader::kReadSize, 0, report);
+    const check::ChunkPlan plan(text, host::TrackReader::kReadSize);
+    check::TrackCheck check(module_, capture_, text, plan, 0, report);
     check.Run(track.size());
     return keeper.findings;
 }

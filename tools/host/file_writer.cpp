@@ -1,4 +1,4 @@
-#include "tools/fix/file_writer.h"
+#include "tools/host/file_writer.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -13,7 +13,7 @@
 #include "tools/console/descriptor.h"
 #include "tools/console/failure.h"
 
-namespace quill::fix {
+namespace quill::host {
 namespace {
 
 [[noreturn]] void FailToWrite(const std::string& path, int error_number) {
@@ -112,4 +112,4 @@ void WriteWhole(const std::string& path, std::string_view bytes) {
     SynchroniseFolder(target);
 }
 
-}  // namespace quill::fix
+}  // namespace quill::host

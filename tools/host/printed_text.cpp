@@ -1,4 +1,4 @@
-#include "tools/conform/printed_text.h"
+#include "tools/host/printed_text.h"
 
 #include <unistd.h>
 
@@ -7,7 +7,7 @@
 
 #include "tools/console/failure.h"
 
-namespace quill::conform {
+namespace quill::host {
 
 PrintedText::PrintedText() : file_(console::UnnamedFile()) {
     if (!file_.valid() || dup2(file_.get(), STDOUT_FILENO) < 0) {
@@ -29,4 +29,4 @@ std::string PrintedText::Take() {
     return text;
 }
 
-}  // namespace quill::conform
+}  // namespace quill::host

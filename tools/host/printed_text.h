@@ -1,12 +1,12 @@
 // What the module prints, kept from quill's own output.
-#ifndef TOOLS_CONFORM_PRINTED_TEXT_H_
-#define TOOLS_CONFORM_PRINTED_TEXT_H_
+#ifndef TOOLS_HOST_PRINTED_TEXT_H_
+#define TOOLS_HOST_PRINTED_TEXT_H_
 
 #include <string>
 
 #include "tools/console/descriptor.h"
 
-namespace quill::conform {
+namespace quill::host {
 
 // From its making on, for the rest of the process, descriptor 1 is an unnamed file. For a child
 // process; DiagnosticsCapture is for quill itself.
@@ -22,6 +22,6 @@ class PrintedText {
     console::Descriptor file_;
 };
 
-}  // namespace quill::conform
+}  // namespace quill::host
 
-#endif  // TOOLS_CONFORM_PRINTED_TEXT_H_
+#endif  // TOOLS_HOST_PRINTED_TEXT_H_
