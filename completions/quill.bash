@@ -1,16 +1,17 @@
 # bash completion for quill. Needs bash 4.2 and nothing else.
 
 # Subcommands, and the options of each; a test compares both with what quill --help says.
-_quill_subcommands='check conform cues fix inspect replay'
+_quill_subcommands='check conform cues fix inspect replay report'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
-    [check]='--help --files-from --format --color --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --module --quiet'
+    [check]='--help --files-from --format --color --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --blocks --module --quiet'
     [conform]='--help --list --only --failed-only --cases --time --timeout --format'
     [cues]='--help --format --chunk --pts --module --quiet'
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
     [inspect]='--help --format'
     [replay]='--help --show --track --case --check --parser --pace --timeout --format --module'
+    [report]='--help --files-from --output --against --against-module --video --background --chunk --pts --module'
 )
 
 # _quill_value SUBCOMMAND OPTION WORD: offers what may be the option's value, nothing where that is
@@ -23,7 +24,7 @@ _quill_value() {
         *:--format) values='text json' ;;
         check:--color) values='auto always never' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | *:--files-from | fix:--output | fix:-o | conform:--cases | replay:--track) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--module | *:--files-from | *:--output | *:-o | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | *:--timeout | *:--parser | *:--only | fix:--skip | fix:--from) ;;
         *) return 1 ;;
     esac

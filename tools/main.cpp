@@ -18,6 +18,7 @@
 #include "tools/fix/fix_command.h"
 #include "tools/inspect/inspect_command.h"
 #include "tools/replay/replay_command.h"
+#include "tools/report/report_command.h"
 
 namespace quill {
 namespace {
@@ -39,6 +40,7 @@ console::ExitCode Run(int argc, char** argv) {
     commands.push_back(std::make_unique<cues::CuesCommand>(program.app()));
     commands.push_back(std::make_unique<check::CheckCommand>(program.app()));
     commands.push_back(std::make_unique<fix::FixCommand>(program.app()));
+    commands.push_back(std::make_unique<report::ReportCommand>(program.app()));
     commands.push_back(std::make_unique<inspect::InspectCommand>(program.app()));
     commands.push_back(std::make_unique<conform::ConformCommand>(program.app()));
     commands.push_back(std::make_unique<replay::ReplayCommand>(program.app()));

@@ -5,6 +5,7 @@
 
 #include "tools/check/loss_reason.h"
 #include "tools/check/meant_map.h"
+#include "tools/check/meant_timing.h"
 #include "tools/console/cue_time.h"
 
 namespace quill::check {
@@ -41,7 +42,9 @@ void BlockCheck::Run(std::size_t begin, std::uint32_t line) {
         const std::string_view piece = track_.substr(block->begin, block->fed_end - block->begin);
         Findings findings;
         const Verdict& verdict = block->is_open ? parser_.AskOpen(piece) : parser_.Ask(piece);
-        sums.AddBytes(Judge(*block, verdict, findings), block->end - block->begin);
+        const ByteClass fate = Judge(*block, verdict, findings);
+        sums.AddBytes(fate, block->end - block->begin);
+        Note(*block, verdict, fate);
         report_.Say(findings);
         report_.ShowProgress(track_.size() / 4 + reached / 4 * 3, track_.size());
     }
@@ -160,13 +163,43 @@ ByteClass BlockCheck::JudgeComment(Findings& findings) {
     return ByteClass::kComment;
 }
 
+void BlockCheck::Note(const Block& block, const Verdict& verdict, ByteClass fate) {
+    BlockNote note{block.first_line, block.line_count, plan_.IndexOf(block.completed), fate};
+    if (fate == ByteClass::kDelivered) {
+        note.cue = matcher_.found();
+    } else if (fate == ByteClass::kLost || fate == ByteClass::kLostWithChunk) {
+        note.times = TimesOf(verdict);
+    }
+    report_.Note(note);
+}
+
+// What the module reads when it reads the block alone, else what was meant by its times.
+std::optional<BlockTimes> BlockCheck::TimesOf(const Verdict& verdict) const {
+    if (verdict.fate == Fate::kDelivered) {
+        return BlockTimes{play_.offset + verdict.cue.start, play_.offset + verdict.cue.end};
+    }
+    constexpr double kMilliseconds = 1000;
+    for (std::size_t index = 0; index < text_.size(); ++index) {
+        const std::optional<MeantTiming> meant = ReadMeantTiming(text_.text(index));
+        if (meant && !meant->start.text.empty() && !meant->end.text.empty()) {
+            return BlockTimes{
+                play_.offset + static_cast<double>(meant->start.milliseconds) / kMilliseconds,
+                play_.offset + static_cast<double>(meant->end.milliseconds) / kMilliseconds};
+        }
+    }
+    return std::nullopt;
+}
+
 // Strays are named by the line in which their chunk begins.
 void BlockCheck::ReportStrays(std::size_t chunk) {
-    for (const PlayedCue& stray : matcher_.TakeStrays(chunk)) {
+    for (const std::size_t number : matcher_.TakeStrays(chunk)) {
+        const PlayedCue& stray = play_.cues[number - 1];
         const std::uint32_t cause = stray.chunk == 0 ? 0 : neighbours_.CulpritIn(stray.chunk - 1);
         const std::string of =
             cause == 0 ? "" : " of the chunk that line " + std::to_string(cause) + " ended";
-        report_.Say(Finding(line_counter_.LineOf(plan_.Begin(stray.chunk)), "remains",
+        const std::uint32_t line = line_counter_.LineOf(plan_.Begin(stray.chunk));
+        report_.Note({line, 0, stray.chunk, ByteClass::kDelivered, number});
+        report_.Say(Finding(line, "remains",
                             "the cue at " + console::FormatTime(stray.start, '.') +
                                 " is made of remains" + of + "; its chunk begins here")
                         .Because(cause));

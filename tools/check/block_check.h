@@ -7,6 +7,7 @@
 #include <optional>
 #include <string_view>
 
+#include "tools/check/block_note.h"
 #include "tools/check/block_text.h"
 #include "tools/check/cue_matcher.h"
 #include "tools/check/cue_remarks.h"
@@ -42,6 +43,8 @@ class BlockCheck {
     void ExplainLost(const Block& block, const Verdict& verdict, Findings& findings);
     void ExplainRest(const Block& block, const Verdict& verdict, Findings& findings);
     void NoteForm(const Block& block, const Verdict& verdict);
+    void Note(const Block& block, const Verdict& verdict, ByteClass fate);
+    std::optional<BlockTimes> TimesOf(const Verdict& verdict) const;
     void ReportStrays(std::size_t chunk);
 
     std::string_view track_;

@@ -114,6 +114,9 @@ CheckCommand::CheckCommand(CLI::App& app)
     line.AddFlag("--sums", in_full_,
                  "Print the sums of every track, also of one without a\n"
                  "finding, and what each of its bytes is part of");
+    line.AddFlag("--blocks", blocks_,
+                 "With --format json: an object for every block too, with\n"
+                 "what became of it and which cue it makes");
     line.AddFlag("--quiet", quiet_, "Print no sums, and show no progress");
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
@@ -154,6 +157,9 @@ console::ExitCode CheckCommand::Run(console::Output& output) {
     if (!tracks_.AreGiven()) {
         throw console::Failure(console::kExitUsage,
                                "check: TRACK or --files-from is required (--help says more)");
+    }
+    if (blocks_ && format_ != Format::kJson) {
+        throw console::Failure(console::kExitUsage, "--blocks has the format json");
     }
     try {
         return CheckTracks(Options(*report), output);
@@ -197,7 +203,7 @@ CheckOptions CheckCommand::Options(const Report& report) const {
     const SumsWanted sums = quiet_     ? SumsWanted::kNone
                             : in_full_ ? SumsWanted::kInFull
                                        : SumsWanted::kOfFindings;
-    return {{&report, report.Folds() && !all_, sums},
+    return {{&report, report.Folds() && !all_, sums, blocks_},
             chunk_size_,
             video_pts_,
             selected_,

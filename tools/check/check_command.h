@@ -38,6 +38,7 @@ class CheckCommand : public console::Command {
     bool only_codes_ = false;
     bool all_ = false;
     bool in_full_ = false;
+    bool blocks_ = false;
     bool quiet_ = false;
     std::optional<Severity> fail_on_ = Severity::kLost;
     std::optional<std::uint32_t> chunk_size_;

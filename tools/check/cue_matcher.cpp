@@ -30,8 +30,8 @@ CueMatcher::Match CueMatcher::Find(const CueCopy& cue, std::size_t chunk) {
     for (std::size_t at = next_; at < last && cues[at].chunk <= chunk; ++at) {
         if (cues[at].chunk == chunk && cues[at].fingerprint == fingerprint &&
             HasTimesOf(cues[at], cue)) {
-            for (; next_ < at; ++next_) {
-                strays_.push_back(cues[next_]);
+            while (next_ < at) {
+                strays_.push_back(++next_);
             }
             ++next_;
             return Match::kSame;
@@ -44,9 +44,9 @@ CueMatcher::Match CueMatcher::Find(const CueCopy& cue, std::size_t chunk) {
     return Match::kNone;
 }
 
-std::vector<PlayedCue> CueMatcher::TakeStrays(std::size_t chunk) {
-    for (; next_ < play_.cues.size() && play_.cues[next_].chunk < chunk; ++next_) {
-        strays_.push_back(play_.cues[next_]);
+std::vector<std::size_t> CueMatcher::TakeStrays(std::size_t chunk) {
+    while (next_ < play_.cues.size() && play_.cues[next_].chunk < chunk) {
+        strays_.push_back(++next_);
     }
     return std::exchange(strays_, {});
 }

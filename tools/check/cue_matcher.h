@@ -25,16 +25,19 @@ class CueMatcher {
     // of the track.
     Match Find(const CueCopy& cue, std::size_t chunk);
 
+    // Which cue of the play that is, counted from 1, when Find has just found one.
+    std::size_t found() const { return next_; }
+
     // The cues from before that chunk, and those that Find has passed over, that belong to no
-    // block. Each is returned once.
-    std::vector<PlayedCue> TakeStrays(std::size_t chunk);
+    // block, counted from 1. Each is returned once.
+    std::vector<std::size_t> TakeStrays(std::size_t chunk);
 
   private:
     bool HasTimesOf(const PlayedCue& played, const CueCopy& cue) const;
 
     const Play& play_;
     std::size_t next_ = 0;
-    std::vector<PlayedCue> strays_;
+    std::vector<std::size_t> strays_;
 };
 
 }  // namespace quill::check

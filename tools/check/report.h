@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/check/block_note.h"
 #include "tools/check/finding.h"
 #include "tools/check/folding.h"
 #include "tools/check/sums.h"
@@ -30,6 +31,10 @@ class Report {
     virtual std::string Joint() const { return ""; }
 
     virtual std::string Format(const std::string& track, const Fold& fold) const = 0;
+    // For formats that say what became of each block.
+    virtual std::string Format(const std::string& /*track*/, const BlockNote& /*note*/) const {
+        return "";
+    }
     // For formats that list the codes.
     virtual std::string Format(const Code& /*code*/) const { return ""; }
     // Empty when the format leaves the sums out: in text those of a track without a finding, unless
@@ -51,8 +56,9 @@ class Report {
 // finding about a line as a whole has no column.
 std::unique_ptr<Report> MakeTextReport(bool in_colour);
 
-// One JSON object in ASCII on each line: for each finding one with "code", for each track at its
-// end one with "sums", at the very end one with "total".
+// One JSON object in ASCII on each line: for each finding one with "code", for each block, where
+// those are wanted, one with "block", for each track at its end one with "sums", at the very end
+// one with "total".
 std::unique_ptr<Report> MakeJsonReport();
 
 // Commands in the log of a workflow at GitHub, which make annotations: "::error file=...".

@@ -74,6 +74,22 @@ class JsonReport : public Report {
         return OnALine(object);
     }
 
+    std::string Format(const std::string& track, const BlockNote& note) const override {
+        Json object = {{"track", track}, {"line", note.line}, {"lines", note.line_count}};
+        object["block"] = note.line_count == 0                 ? "remains"
+                          : note.fate == ByteClass::kSignature ? "header"
+                                                               : KeyOf(note.fate);
+        object["chunk"] = note.chunk;
+        if (note.cue != 0) {
+            object["cue"] = note.cue;
+        }
+        if (note.times) {
+            object["start"] = note.times->start;
+            object["end"] = note.times->end;
+        }
+        return OnALine(object);
+    }
+
     std::string Format(const Code& code) const override {
         Json object = OfCode(code);
         object["cause"] = code.cause;

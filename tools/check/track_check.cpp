@@ -24,6 +24,7 @@ TrackCheck::TrackCheck(const host::ModuleHandle& module, host::DiagnosticsCaptur
 void TrackCheck::Run(std::size_t size) {
     report_.sums().chunk_size = static_cast<std::uint32_t>(plan_.chunk_size());
     if (IsRejected()) {
+        report_.Note({1, LineCounter(track_).LineOf(size - 1), 0, ByteClass::kRejected});
         report_.Say(IsFirstLineCut()
                         ? Finding(1, "signature", "the first chunk ends within the first line",
                                   "feed the whole first line in the first chunk")
@@ -36,6 +37,7 @@ void TrackCheck::Run(std::size_t size) {
     Findings findings;
     HeaderCheck header(module_, capture_, track_, plan_);
     header.Run(begin, findings, report_.sums());
+    report_.Note({1, header.end_line() - 1, 0, ByteClass::kSignature});
     report_.Say(findings);
 
     Player player(module_, capture_, track_, plan_, header.throwing_maps(), video_pts_);

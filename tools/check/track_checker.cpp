@@ -4,13 +4,17 @@
 
 #include "tools/check/track_check.h"
 #include "tools/check/track_report.h"
-#include "tools/host/track_reader.h"
 
 namespace quill::check {
 
 Sums TrackChecker::Check(const std::string& track, const TrackPrinter::Write& write,
                          console::Progress& progress) {
     host::TrackReader reader(track, std::nullopt);
+    return Check(reader, write, progress);
+}
+
+Sums TrackChecker::Check(host::TrackReader& reader, const TrackPrinter::Write& write,
+                         console::Progress& progress) {
     const std::string bytes = reader.ReadAll(kLargestTrack, [&reader, &progress] {
         if (progress.IsDue()) {
             progress.Show(reader.name() + ": " + std::to_string(reader.offset() >> 10) +

@@ -15,6 +15,7 @@
 #include "tools/console/progress.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
+#include "tools/host/track_reader.h"
 
 namespace quill::check {
 
@@ -49,6 +50,9 @@ class TrackChecker {
     // what the findings call it.
     Sums CheckFed(const std::string& name, std::string bytes, const std::vector<std::size_t>& sizes,
                   const TrackPrinter::Write& write, console::Progress& progress);
+    // The same for what the reader has, which is at its beginning.
+    Sums Check(host::TrackReader& reader, const TrackPrinter::Write& write,
+               console::Progress& progress);
 
   private:
     Sums CheckBytes(const std::string& name, std::string_view bytes, std::size_t size,

@@ -16,6 +16,12 @@ void TrackPrinter::Add(const Finding& finding) {
     }
 }
 
+void TrackPrinter::Note(const BlockNote& note) {
+    if (printing_.blocks) {
+        Print(printing_.report->Format(track_, note));
+    }
+}
+
 void TrackPrinter::Finish(const Sums& sums) {
     for (const Fold& fold : folding_.Take()) {
         Print(printing_.report->Format(track_, fold));

@@ -18,6 +18,7 @@ struct Printing {
     const Report* report;
     bool folds;
     SumsWanted sums;
+    bool blocks = false;  // wanted too
 };
 
 class TrackPrinter : public FindingSink {
@@ -28,6 +29,7 @@ class TrackPrinter : public FindingSink {
     TrackPrinter(std::string track, const Printing& printing, Write write);
 
     void Add(const Finding& finding) override;
+    void Note(const BlockNote& note) override;
     // Call it at the end: what was folded comes out now.
     void Finish(const Sums& sums);
 

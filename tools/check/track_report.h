@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "tools/check/block_note.h"
 #include "tools/check/code_filter.h"
 #include "tools/check/finding.h"
 #include "tools/check/sums.h"
@@ -18,6 +19,8 @@ class FindingSink {
   public:
     virtual ~FindingSink() = default;
     virtual void Add(const Finding& finding) = 0;
+    // Before the findings on the block's lines.
+    virtual void Note(const BlockNote& /*note*/) {}
 };
 
 // Counts what is found, hands it on, and keeps the progress line out of its way.
@@ -34,6 +37,7 @@ class TrackReport {
     // Findings on the lines behind those that were said before. Throws what the sink throws.
     void Say(const Findings& findings);
     void Say(const Finding& finding);
+    void Note(const BlockNote& note) { sink_.Note(note); }
 
     // `done` of `all` bytes. Cheap to call often.
     void ShowProgress(std::uint64_t done, std::uint64_t all);

@@ -49,7 +49,7 @@ TrackPlayer::TrackPlayer(const host::ModuleHandle& module, host::DiagnosticsCapt
 bool TrackPlayer::Play() {
     std::optional<host::Chunk> chunk = track_.Next();
     if (!chunk) {
-        console::Say(track_.name() + ": not a WebVTT track: it is empty");
+        Say(track_.name() + ": not a WebVTT track: it is empty");
         return false;
     }
     for (bool first = true; chunk; first = false, chunk = track_.Next()) {
@@ -73,19 +73,23 @@ TrackPlayer::Fate TrackPlayer::Feed(const host::Chunk& chunk, bool first) {
         }
     } catch (const host::ModuleThrew& error) {
         threw_ = true;
-        console::Say(place + ": " + error.what() +
-                     "; the rest of this chunk is lost, reading goes on");
+        Say(place + ": " + error.what() + "; the rest of this chunk is lost, reading goes on");
         return Fate::kTaken;
     }
     if (first && IsRejected(chunk)) {
-        console::Say(track_.name() + ": " + DescribeRejection(FirstLine(Bytes(chunk))));
+        Say(track_.name() + ": " + DescribeRejection(FirstLine(Bytes(chunk))));
         return Fate::kRejected;
     }
-    console::Say(
-        "warning: " + place +
+    Say("warning: " + place +
         ": a start tag that is not known, or memory ran out; that cue and the rest of this chunk "
         "are lost, reading goes on");
     return Fate::kTaken;
+}
+
+void TrackPlayer::Say(const std::string& message) const {
+    if (!quiet_) {
+        console::Say(message);
+    }
 }
 
 // A first chunk that holds cues may be refused for one of those. Its first line alone, fed to a

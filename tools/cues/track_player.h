@@ -3,6 +3,7 @@
 #define TOOLS_CUES_TRACK_PLAYER_H_
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "tools/host/diagnostics_capture.h"
@@ -21,6 +22,8 @@ class TrackPlayer {
     TrackPlayer(const host::ModuleHandle& module, host::DiagnosticsCapture& capture,
                 host::TrackReader& track, host::CueSink& sink);
 
+    // Says nothing of what goes wrong.
+    void BeQuiet() { quiet_ = true; }
     void SetVideoPts(unsigned long ticks) { parser_.SetVideoPts(ticks); }
 
     // Returns true when the track was read to its end and every call returned, false when it was
@@ -39,7 +42,10 @@ class TrackPlayer {
     host::TrackReader& track_;
     host::CueSink& sink_;
     host::ParserHandle parser_;
+    void Say(const std::string& message) const;
+
     bool threw_ = false;
+    bool quiet_ = false;
 };
 
 }  // namespace quill::cues

@@ -45,7 +45,9 @@ TrackReader::TrackReader(std::string name, std::optional<unsigned int> chunk_siz
     }
 }
 
-// Whether at least one more byte is in the buffer.
+TrackReader::TrackReader(std::string name, std::string bytes, unsigned int chunk_size)
+    : name_(std::move(name)), chunk_size_(chunk_size), buffer_(std::move(bytes)), ended_(true) {}
+
 std::string TrackReader::ReadAll(std::uint64_t most, const std::function<void()>& progress) {
     std::string bytes;
     while (const std::optional<Chunk> chunk = Next()) {
@@ -59,6 +61,7 @@ std::string TrackReader::ReadAll(std::uint64_t most, const std::function<void()>
     return bytes;
 }
 
+// Whether at least one more byte is in the buffer.
 bool TrackReader::ReadMore() {
     if (ended_) {
         return false;

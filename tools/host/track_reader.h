@@ -39,6 +39,9 @@ class TrackReader {
     // Throws Failure when the file cannot be opened.
     TrackReader(std::string name, std::optional<unsigned int> chunk_size);
 
+    // A track that is held already. It takes an explicit chunk size to get the chunks of a file.
+    TrackReader(std::string name, std::string bytes, unsigned int chunk_size);
+
     // The next chunk, or none after the last one. The first is as large as the first line,
     // whatever the chunk size, because the module looks at no later one when that is cut off;
     // when the track ends inside its first line, that gets the line feed which ends it. Throws

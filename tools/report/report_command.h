@@ -1,0 +1,40 @@
+// quill report: writes a page that shows what a player gets of tracks, and what it does not.
+#ifndef TOOLS_REPORT_REPORT_COMMAND_H_
+#define TOOLS_REPORT_REPORT_COMMAND_H_
+
+#include <cstdint>
+#include <string>
+
+#include "tools/console/arguments.h"
+#include "tools/console/command.h"
+#include "tools/console/track_list.h"
+#include "tools/report/track_data.h"
+
+namespace quill::report {
+
+class ReportCommand : public console::Command {
+  public:
+    explicit ReportCommand(CLI::App& app);
+
+    console::ExitCode Run(console::Output& output) override;
+
+  private:
+    void CheckArguments() const;
+    bool IsComparison() const { return !(against_.empty() && against_module_.empty()); }
+    // Returns the worst that kept a track from the page, and keeps the last track that is on it.
+    console::ExitCode AddTracks(const std::string& module, Json& tracks, TrackBytes& last) const;
+    void AddOther(const std::string& module, Json& tracks, const TrackBytes& first) const;
+
+    console::TrackArguments tracks_;
+    std::string output_file_;
+    std::string against_;
+    std::string against_module_;
+    std::string video_;
+    std::string background_;
+    PlayOptions options_;
+    std::string module_;
+};
+
+}  // namespace quill::report
+
+#endif  // TOOLS_REPORT_REPORT_COMMAND_H_
