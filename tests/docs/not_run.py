@@ -15,7 +15,6 @@ NOT_RUN = [
     ("ctest --preset", BUILDS),
     ("cmake --build build/board", "takes a minute; the preset armhf builds the same"),
     ("cd build/board && cpack", "needs that build; the tests of the installation make packages"),
-    ("time quill check", "a measurement, on a track of 10 MB"),
     ("scripts/empty-machine", "makes a Debian to build and test in"),
     ("fuzz/run", HOURS),
     ("tests/mutation/run", HOURS),

@@ -42,12 +42,13 @@ start(b"00:00:01:12", b"00:00:01:12", "", "3:Q101")
 start(b"00:61:00.000", b"00:61:00.000", "", "3:Q101")
 start(b"00:00:61.000", b"00:00:61.000", "", "3:Q101")
 start(b"1 00:01.000", b"1 00:01.000", "", "3:Q101")
+start(b"\x1b[1m00:01.000", b"\x1b[1m00:01.000", "", "3:Q101")
 start(b"00:01:000", b"00:01:000", "", "3:Q101")
 start(b"00.00.01", b"00.00.01", "", "3:Q101")
 start(b"-00:01.000", b"-00:01.000", "", "3:Q101")
 cue(b"Hello", b"Hello", "", "3:Q106")
 cue(b"00:01.000 --> 00:02.000\n\n7", b"00:01.000 --> 00:02.000\n\n7", "", "3:Q108")
-cue(b"00:01.000 --> 00:02.000 Hello there", b"00:01.000 --> 00:02.000 Hello there", "", "3:Q108")
+cue(b"00:01.000 --> 00:02.000 Hello", b"00:01.000 --> 00:02.000 Hello", "", "3:Q108")
 
 # The first line.
 row(b"\xef\xbb\xbf" + GOOD, GOOD, "1:Q131")
@@ -61,6 +62,13 @@ row(gzip.compress(GOOD), GOOD, "1:Q136")
 row(gzip.compress(b"\xef\xbb\xbf" + GOOD), GOOD, "1:Q136 1:Q131")
 row(b"webvtt" + GOOD[6:], GOOD, "1:Q141")
 row(b"WebVTT\ttitle" + GOOD[6:], b"WEBVTT\ttitle" + GOOD[6:], "1:Q141")
+for word in (b"WEBVT", b"WEBVVT", b"Web VTT", b"#WEBVTT", b"WEB-VTT"):
+    row(word + GOOD[6:], GOOD, "1:Q141")
+row(b"WEBVT title" + GOOD[6:], b"WEBVTT title" + GOOD[6:], "1:Q141")
+for line_end in (b"\\n", b"\\r\\n", b"\\r", "\u2028".encode(), "\u2029".encode(), "\u0085".encode(),
+                 b"\x0b"):
+    row(GOOD.replace(b"\n", line_end), GOOD, "1:Q141")
+row(GOOD[:-2].replace(b"\n", b"\\n") + b"\n", GOOD, "1:Q141 5:Q418")
 row(b"WEBVTT-title" + GOOD[6:], b"WEBVTT -title" + GOOD[6:], "1:Q141")
 row(b"\n \n" + GOOD, GOOD, "3:Q142")
 row(b" " + GOOD, GOOD, "1:Q142")
@@ -96,6 +104,9 @@ for before, after, code in (
         (b"\t00:01.000", b"00:01.000", "Q101"), (b"00:01.000\xc2\xa0", b"00:01.000", "Q101"),
         (b"00:\xe2\x80\x8b01.000", b"00:01.000", "Q101"),
         (b"\xef\xbb\xbf00:01.000", b"00:01.000", "Q101"),
+        (b"\x0100:01.000", b"00:01.000", "Q101"), (b"[00:01.000]", b"00:01.000", "Q101"),
+        (b"Begin: 00:01.000", b"00:01.000", "Q101"), (b"start=00:01.000", b"00:01.000", "Q101"),
+        (b"1h02m03.5s", b"1:02:03.500", "Q101"), (b"1m2s", b"01:02.000", "Q101"),
         (b"00:01.000s", b"00:01.000", "Q101"), (b"00 : 01.000", b"00:01.000", "Q101"),
         (b"00:00:00:01.000", b"00:00:01.000", "Q101"), (b"00:001.000", b"00:01.000", "Q101"),
         ("００：０１．０００".encode(), b"00:01.000", "Q101")):
@@ -105,6 +116,10 @@ timing(b"00:01.000 --> 00:02", b"00:01.000 --> 00:02.000", "3:Q103")
 timing(b"00:01.000 --> 00:02.000\t", b"00:01.000 --> 00:02.000", "3:Q103")
 timing(b"00:01.000 --> 00:02.000align:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
 timing(b"00:01.000 --> 00:02.000\talign:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
+timing(b"[00:01.000 --> 00:02.000]", b"00:01.000 --> 00:02.000", "3:Q101 3:Q103")
+timing(b"Begin: 00:01.000 --> End: 00:02.000 align:end", b"00:01.000 --> 00:02.000 align:end",
+       "3:Q101 3:Q103")
+timing(b"begin: 00:01.000, end: 00:02.000", b"00:01.000 --> 00:02.000", "3:Q101 3:Q115")
 timing(b"00:01.000-->00:02.000", b"00:01.000-->00:02.000", "")
 timing(b"  00:01.000  -->   00:02.000  ", b"  00:01.000  -->   00:02.000  ", "")
 timing(b"00:01.000 00:02.000", b"00:01.000 --> 00:02.000", "3:Q115")
@@ -121,6 +136,11 @@ for before, after, code in (
         (b"position:50,center", b"position:50%,middle", "Q409"),
         (b"position:10%,line-left", b"position:10%,start", "Q409"),
         (b"line:50%,center", b"line:50%,middle", "Q409"), (b"line:-1,END", b"line:-1,end", "Q409"),
+        (b"A:end", b"align:end", "Q403"), (b"L:-1", b"line:-1", "Q403"),
+        (b"T:10%", b"position:10%", "Q403"), (b"S:50%", b"size:50%", "Q403"),
+        (b"D:vertical", b"vertical:rl", "Q403"), (b"D:vertical-lr", b"vertical:lr", "Q403"),
+        (b"align:end \xe2\x80\x8e", b"align:end", "Q405"),
+        (b"align:end \xe2\x80\x8e size:50%", b"align:end size:50%", "Q405"),
         (b"vertical:RL", b"vertical:rl", "Q410"), (b"size:300%", b"size:100%", "Q305"),
         (b"size:150%", b"size:100%", "Q425")):
     settings(before, after, "3:" + code)
@@ -169,6 +189,29 @@ row(GOOD + b"\xef\xbb\xbf" + GOOD, GOOD + GOOD[7:], "7:Q120")
 TITLED = GOOD + b"WEBVTT\nKind: captions" + GOOD[6:]
 row(TITLED, TITLED, "", "7:Q120")
 
+for stray, after, fixed in ((b"#EXT-X-DISCONTINUITY", b"", "7:Q106"),
+                            (b"#EXT-X-KEY\n#EXTINF:4", b"", "7:Q105 8:Q105"),
+                            (b"Region: id=a", b"Region: id=a\n", "7:Q106"),
+                            (b"Region: id=a\nRegion: id=b", b"Region: id=a\nRegion: id=b\n",
+                             "7:Q105 8:Q105")):
+    row(GOOD + stray + b"\n\n" + GOOD[8:], b"WEBVTT\n" + after + GOOD[7:] + GOOD[8:], fixed)
+
+# Timing lines that are two lines, or hold the text.
+cue(b"00:01.000 -->\n00:02.000\nHi", b"00:01.000 --> 00:02.000\nHi", "3:Q103")
+cue(b"7\n00:01,000\n--> 00:02.000 align:center\nHi",
+    b"7\n00:01.000 --> 00:02.000 align:middle\nHi", "4:Q408 5:Q101")
+cue(b"00:01.000\n-->\n00:02.000\nHi", b"00:01.000 --> 00:02.000\nHi", "4:Q101 4:Q103")
+cue(b"00:01.000\n-->\nsoon\nHi", b"00:01.000\n-->\nsoon\nHi", "", "4:Q101")
+cue(b"7\n00:01,000 --> 00:02.000 Bob: <I>this</I> & that",
+    b"7\n00:01.000 --> 00:02.000\nBob: <i>this</i> &amp; that",
+    "4:Q108 4:Q102 4:Q109 4:Q414 4:Q303")
+row(GOOD[:-5] + b" Hello there", GOOD[:-5] + b"\nHello there\n\n", "4:Q108 4:Q418")
+cue(b"NOTE kept\n00:01.000 --> 00:02.000 Hello there",
+    b"NOTE kept\n00:01.000 --> 00:02.000 Hello there", "")
+for words, left in ((b"Hello there", "3:Q405"), (b"size:50% Hello there", "3:Q405 3:Q405"),
+                    (b"1 2", "3:Q405 3:Q405"), (b"align : x", "3:Q405 3:Q405 3:Q405")):
+    settings(words, words, "", left)
+
 # Timing lines that are shown as text.
 cue(b"1\n00:01.000 --> 00:02.000\nHi\n2\n00:03.000 --> 00:04.000\nyou\n3\n00:05,000 --> 00:06.000\nx",
     b"1\n00:01.000 --> 00:02.000\nHi\n\n2\n00:03.000 --> 00:04.000\nyou\n\n3\n00:05.000 --> 00:06.000\n"
@@ -211,7 +254,7 @@ for before, after, code in (
         (b"&copy; 2020", "© 2020".encode(), "Q413"), (b"&quot;x&quot;", b'"x"', "Q413 Q413"),
         (b"1 < 2", b"1 &lt; 2", "Q110"), (b"<>", b"&lt;>", "Q110"), (b"a <.5", b"a &lt;.5", "Q110"),
         (b"I <3 you", b"I &lt;3 you", "Q304"), (b"I <3 you > me", b"I &lt;3 you > me", "Q304"),
-        (b"<font color='red'>Hi</font>", b"Hi", "Q109 Q414"), (b"a<br>b", b"a b", "Q109"),
+        (b"<font color='red'>Hi</font>", b"Hi", "Q109 Q414"), (b"a<br>b", b"a\nb", "Q109"),
         (b"<I>Hi</I>", b"<i>Hi</i>", "Q109 Q414"), (b"Hi</b >", b"Hi</b>", "Q414"),
         (b"<i>Hi</i> <x.y z>you", b"<i>Hi</i> &lt;x.y z>you", "Q109"),
         (b"<Anna> Hi", b"&lt;Anna> Hi", "Q109"), (b"<<Hi>>", b"&lt;&lt;Hi>>", "Q304 Q109"),
@@ -226,10 +269,37 @@ for before, after, code in (
     lines = iter("4 6".split() if b"\n" in before else "4 4 4".split())
     cue(TEXT + before, TEXT + after,
         " ".join(f"{next(lines)}:{one}" for one in code.replace(" 3", " Q303").split()))
-for kept in (b"a &amp; &lt; b", b"&amp;lt;i&amp;gt;", b"&foo;", b"&foo<i>x</i>", b"<v Bob>Hi", b"a <00:01.500>b", b"3 > 2"):
+for kept in (b"a &amp; &lt; b", b"&foo;", b"&foo<i>x</i>", b"<v Bob>Hi", b"a <00:01.500>b", b"3 > 2"):
     cue(b"00:01.000 --> 00:02.000\n" + kept, b"00:01.000 --> 00:02.000\n" + kept, "")
+cue(b"00:01.000 --> 00:02.000\n&amp;lt;i&amp;gt;", b"00:01.000 --> 00:02.000\n&amp;lt;i&amp;gt;", "",
+    "4:Q431 4:Q431")
 cue(b"00:01.000 --> 00:02.000\na <b and c", b"00:01.000 --> 00:02.000\na <b and c", "", "4:Q304")
 cue(b"00:01.000 --> 00:02.000\n<font a=b>", b"00:01.000 --> 00:02.000\n<font a=b>", "", "4:Q109")
+
+# Line ends within a text, of which no blank line may come.
+LONG = b"00:01.000 --> 00:02.000\n" + b"\n".join(b"line %d" % number for number in range(8))
+for before, after, fixed in (
+        (b"One<br/><i>two</i><br>\nthree<br><br>four",
+         b"One\n<i>two</i>\nthree\nfour", "4:Q109 4:Q109 5:Q109 5:Q109"),
+        (b"<br>One<br> ", b"One ", "4:Q109 4:Q109"), (b"One<br><i></i>", b"One <i></i>", "4:Q109"),
+        (b"One\\Ntwo\\N\\Nthree\\hfour", b"One\ntwo\nthree&nbsp;four",
+         "4:Q433 4:Q433 4:Q433 4:Q433"),
+        (b"R&D\\N<font a=b>two</font>", b"R&amp;D\ntwo", "4:Q303 4:Q433 4:Q109 4:Q414"),
+        (b"{\\i1}One{\\i0} {\\b0}two{\\an2\\u1}", b"<i>One</i> two<u>",
+         "4:Q433 4:Q433 4:Q433 4:Q433")):
+    cue(b"00:01.000 --> 00:02.000\n" + before, b"00:01.000 --> 00:02.000\n" + after, fixed)
+cue(LONG + b"\nOne<br>two<br>three", LONG + b"\nOne two three", "12:Q109 12:Q109")
+cue(LONG[:-7] + b"\nOne<br>two<br>three", LONG[:-7] + b"\nOne\ntwo three", "11:Q109 11:Q109")
+row(GOOD[:-4] + b"a\\Nb", GOOD[:-4] + b"a\nb\n\n", "5:Q433 5:Q418")
+row(GOOD.replace(b"Hi", b"a<br>b").replace(b"\n", b"\r\n"),
+    GOOD.replace(b"Hi", b"a\nb").replace(b"\n", b"\r\n"), "5:Q109")
+# "{\\an8}" says where, and settings may say it otherwise.
+cue(b"00:01,000 --> 00:02.000 \n{\\an8}Hi", b"00:01.000 --> 00:02.000 line:0\nHi",
+    "3:Q102 3:Q433 4:Q433")
+for kept in (b"00:01.000 --> 00:02.000 size:50%\n{\\an8}Hi", b"00:01.000 --> 00:02.000\n{\\pos(1,2)}Hi",
+             b"00:01.000 --> 00:02.000\none\\ntwo", b"00:01.000 --> 00:02.000\nC:\\News",
+             b"00:01.000 --> 00:02.000\nin \\Notes and \\x"):
+    cue(kept, kept, "", "4:Q433")
 
 # Comments.
 cue(b"NOTE from --> to ----> x", b"NOTE from -> to -> x", "3:Q419")
@@ -253,6 +323,9 @@ for form, left in ((b"=MPEGTS:900000,LOCAL:00:00:00.000", ""), (b"=MPEG:9,LOCAL:
 ONLY = MAP[7:-len(GOOD[6:])] + b"\n"
 row(b"WEBVTT" + ONLY[:-1].replace(b"X", b" X", 1).replace(b"\n", b"") + GOOD[6:], MAP, "1:Q312")
 row(b"WEBVTT\n\n" + ONLY + GOOD[7:], MAP, "3:Q114")
+row(b"WEBVTT\nX-TIMESTAMP-MAPS\nTIMESTAMPMAP" + ONLY[15:] + GOOD[7:],
+    b"WEBVTT\nX-TIMESTAMP-MAPS\nTIMESTAMPMAP" + ONLY[15:] + GOOD[7:], "", "2:Q421 3:Q310")
+row(b"WEBVTT\n\n" + ONLY + b"\0\n\n" + GOOD[8:], b"WEBVTT\n" + ONLY + b"\n\0\n\n" + GOOD[8:], "3:Q114")
 TWICE = b"WEBVTT\n" + ONLY + b"\n" + ONLY + GOOD[7:]
 row(TWICE, TWICE, "", "4:Q114")
 row(MAP.replace(b"900000", b"4294967295"), MAP.replace(b"900000", b"4294967294"), "2:Q311")

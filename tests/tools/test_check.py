@@ -240,9 +240,9 @@ class Check(QuillTest):
                 (b"Region: id=a\nKind: captions\n" + map_line, [], 2, 1),
                 (map_line + map_line, ["3: remark: a second map header is ignored [Q423]"], 1, 1),
                 (b"X-TIMESTAMP-MAP=A:1,B:2\n",
-                 ['2: changed: no time is mapped: unknown item "A:1" [Q421]'], 0, 1),
+                 ['2:17: changed: no time is mapped: unknown item "A:1" [Q421]'], 0, 1),
                 (b"X-TIMESTAMP-MAP=MPEGTS:x,LOCAL:0\n",
-                 ['2: changed: no time is mapped: "x" is no number [Q422]'], 0, 1)):
+                 ['2:24: changed: no time is mapped: "x" is no number [Q422]'], 0, 1)):
             with self.subTest(header):
                 lines, sums = self.check(b"WEBVTT\n" + header + GOOD + b"\n")
                 self.assertEqual(lines, expected)

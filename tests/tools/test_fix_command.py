@@ -44,7 +44,10 @@ class Command(QuillTest):
     def test_what_is_left_is_said(self):
         result = self.quill("fix", self.file("left.vtt", LEFT))
         self.assertEqual(result.out, LEFT)
-        self.assertIn(b'left.vtt:6: left: lost: invalid start time "soon"', result.err)
+        self.assertIn(b'left.vtt:6: left: lost: invalid start time "soon" [Q101]; the time can be read '
+                      b"as more than one, or as none: write MM:SS.mmm or HH:MM:SS.mmm", result.err)
+        result = self.quill("fix", "--skip", "Q102", self.track)
+        self.assertIn(b"with a decimal comma [Q102]; it was not to be fixed: write ", result.err)
 
     def test_an_output_file(self):
         out = os.path.join(self.folder, "out.vtt")
@@ -68,14 +71,17 @@ class Command(QuillTest):
         os.chmod(self.track, 0o640)
         link = os.path.join(self.folder, "link.vtt")
         os.symlink("track.vtt", link)
+        hard = os.path.join(self.folder, "hard.vtt")
+        os.link(self.track, hard)
         before = os.stat(self.track)
         self.assertEqual(self.quill("fix", "--in-place", link).code, 0)
         self.assertTrue(os.path.islink(link))
+        self.assertEqual(self.content(hard), COMMA)
         self.assertEqual(self.content(self.track), GOOD)
         after = os.stat(self.track)
         self.assertEqual(stat.S_IMODE(after.st_mode), 0o640)
         self.assertNotEqual(after.st_ino, before.st_ino)  # another file took its place
-        self.assertEqual(sorted(os.listdir(self.folder)), ["link.vtt", "track.vtt"])
+        self.assertEqual(sorted(os.listdir(self.folder)), ["hard.vtt", "link.vtt", "track.vtt"])
 
     def test_what_is_in_order_is_not_written_in_place(self):
         path = self.file("good.vtt", GOOD)
@@ -108,6 +114,11 @@ class Command(QuillTest):
             missing + ": No such file or directory"])
         self.assertEqual((self.content(page), self.content(self.track)),
                          (b"<!DOCTYPE html>\n", GOOD))
+
+    def test_line_ends_that_are_written_out_among_other_things_are_left(self):
+        path = self.file("one.vtt", GOOD.replace(b"Hi", b"a\\tb").replace(b"\n", b"\\n"))
+        self.assert_fails(self.quill("fix", "--in-place", path), 1, "nothing was written",
+                          "write each \\n as a line end")
 
     def test_a_diff(self):
         for end in (b"\n", b"\r\n"):

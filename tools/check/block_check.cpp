@@ -29,9 +29,17 @@ BlockCheck::BlockCheck(const host::ModuleHandle& module, host::DiagnosticsCaptur
       neighbours_(track, plan, play),
       line_counter_(track) {}
 
-void BlockCheck::Run(std::size_t begin, std::uint32_t line) {
+void BlockCheck::Run(std::size_t begin, std::uint32_t line, const Findings& above) {
     Sums& sums = report_.sums();
     sums.cues_delivered = static_cast<std::uint32_t>(play_.cues.size());
+    const bool says_why = std::any_of(above.begin(), above.end(), [](const Finding& finding) {
+        return finding.code->severity == Severity::kLost;
+    });
+    // It is about the track as a whole, and goes before what is about its lines.
+    if (!says_why && !HasBlocks(begin, line)) {
+        report_.Say(Finding(1, "no-cues", "the track has no cue"));
+    }
+    report_.Say(above);
     BlockReader reader(track_, begin, line);
     std::size_t reached = begin;
     while (const std::optional<Block> block = reader.Next()) {
@@ -49,10 +57,19 @@ void BlockCheck::Run(std::size_t begin, std::uint32_t line) {
         report_.ShowProgress(track_.size() / 4 + reached / 4 * 3, track_.size());
     }
     sums.AddBytes(ByteClass::kBlank, track_.size() - reached);
-    if (!has_blocks_ && sums.Count(Severity::kLost) == 0) {
-        report_.Say(Finding(1, "no-cues", "the track has no cue"));
-    }
     ReportStrays(SIZE_MAX);
+}
+
+bool BlockCheck::HasBlocks(std::size_t begin, std::uint32_t line) {
+    BlockReader reader(track_, begin, line);
+    while (const std::optional<Block> block = reader.Next()) {
+        text_.Read(track_, *block);
+        const bool is_comment = text_.IsComment() || text_.IsStyle();
+        if (!block->is_rest && (!is_comment || HoldsCue())) {
+            return true;
+        }
+    }
+    return !play_.cues.empty();
 }
 
 ByteClass BlockCheck::Judge(const Block& block, const Verdict& verdict, Findings& findings) {
@@ -105,15 +122,16 @@ ByteClass BlockCheck::JudgeLost(const Block& block, const Verdict& verdict, Find
         ExplainRest(block, verdict, findings);
         return ByteClass::kCut;
     }
-    // What runs on from a comment was meant for a cue.
-    const std::size_t arrow = text_.ArrowLine();
-    const bool holds_cue =
-        arrow > 1 && arrow < text_.size() && IsTimingLine(text_.text(arrow), asked_);
-    if (is_comment && !holds_cue) {
+    if (is_comment && !HoldsCue()) {
         return JudgeComment(findings);
     }
     ExplainLost(block, verdict, findings);
     return ByteClass::kLost;
+}
+
+bool BlockCheck::HoldsCue() {
+    const std::size_t arrow = text_.ArrowLine();
+    return arrow > 1 && arrow < text_.size() && IsTimingLine(text_.text(arrow), asked_);
 }
 
 // One finding for one fault: a text that is cut off from its timing line, and an identifier that a
@@ -141,7 +159,6 @@ void BlockCheck::ExplainRest(const Block& block, const Verdict& verdict, Finding
 void BlockCheck::NoteForm(const Block& block, const Verdict& verdict) {
     const bool has_times = text_.ArrowLine() < text_.size();
     const bool is_comment = text_.IsComment() || text_.IsStyle();
-    has_blocks_ = has_blocks_ || !(is_comment || (block.is_rest && above_ == BlockForm::kComment));
     awaits_text_ =
         verdict.fate == Fate::kError && has_times && text_.TimingIndex() + 1 == text_.size();
     if (!block.is_rest || above_ != BlockForm::kComment) {

@@ -32,10 +32,15 @@ class BlockCheck {
                std::string_view track, const ChunkPlan& plan, const Play& play,
                TrackReport& report);
 
-    // Goes through the blocks from `begin` on, where the line with that number begins.
-    void Run(std::size_t begin, std::uint32_t line);
+    // Goes through the blocks from `begin` on, where the line with that number begins. What was
+    // found above is said with them.
+    void Run(std::size_t begin, std::uint32_t line, const Findings& above);
 
   private:
+    // Whether there is a cue, or a block that may have been meant for one.
+    bool HasBlocks(std::size_t begin, std::uint32_t line);
+    // Of a comment, what was meant for a cue and runs on from it.
+    bool HoldsCue();
     ByteClass Judge(const Block& block, const Verdict& verdict, Findings& findings);
     ByteClass JudgeDelivered(const Block& block, const Verdict& verdict, Findings& findings);
     ByteClass JudgeLost(const Block& block, const Verdict& verdict, Findings& findings);
@@ -59,7 +64,6 @@ class BlockCheck {
     BlockText text_;
     BlockForm above_ = BlockForm::kNothing;  // of the block above
     bool awaits_text_ = false;  // the finding of the block above speaks of the text below it
-    bool has_blocks_ = false;   // that are no comments
     LineCounter line_counter_;
 };
 

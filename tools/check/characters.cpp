@@ -119,6 +119,21 @@ void ForEach(std::string_view text, Callback callback) {
     }
 }
 
+// Control characters, but for those that have names of their own above.
+const LookAlike* ControlOf(char32_t code_point) {
+    constexpr char32_t kEnd = 0xA0;
+    static const std::vector<LookAlike> kControls = [] {
+        std::vector<LookAlike> controls;
+        for (char32_t one = 0; one < kEnd; ++one) {
+            controls.push_back({one, "control character", ""});
+        }
+        return controls;
+    }();
+    const bool is_control =
+        code_point > 0 && code_point < kEnd && (code_point < ' ' || code_point >= 0x7F);
+    return is_control ? &kControls[code_point] : nullptr;
+}
+
 std::string Hex(const char* format, char32_t code_point) {
     std::array<char, 16> text{};
     std::snprintf(text.data(), text.size(), format, static_cast<unsigned>(code_point));
@@ -132,7 +147,7 @@ const LookAlike* LookAlikeOf(char32_t code_point) {
     const LookAlike* const found = std::lower_bound(
         std::begin(kLookAlikes), end, code_point,
         [](const LookAlike& known, char32_t wanted) { return known.code_point < wanted; });
-    return found != end && found->code_point == code_point ? found : nullptr;
+    return found != end && found->code_point == code_point ? found : ControlOf(code_point);
 }
 
 std::string NameOf(char32_t code_point) {

@@ -10,6 +10,7 @@
 #include "tools/check/meant_timing.h"
 #include "tools/check/track_text.h"
 #include "tools/console/escape.h"
+#include "tools/console/suggestion.h"
 #include "tools/console/text.h"
 
 namespace quill::check {
@@ -20,14 +21,6 @@ using namespace std::string_view_literals;
 constexpr std::string_view kSignature = "WEBVTT";
 // As far as is looked for what is not zero.
 constexpr std::size_t kSearched = 1 << 10;
-
-// The same for a prefix in small letters, whatever the case of the text.
-bool BeginsWithAnyCase(std::string_view text, std::string_view prefix) {
-    return text.size() >= prefix.size() &&
-           std::equal(prefix.begin(), prefix.end(), text.begin(), [](char wanted, char c) {
-               return wanted == std::tolower(static_cast<unsigned char>(c));
-           });
-}
 
 std::string_view WithoutBlanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
@@ -163,7 +156,7 @@ Kind KindOfXml(std::string_view text) {
     const std::string_view root = BehindPageComments(
         WithoutBlanks(text.substr(end == std::string_view::npos ? text.size() : end + 2)));
     for (const Beginning& known : kElements) {
-        if (BeginsWithAnyCase(root, known.bytes)) {
+        if (console::BeginsWithAnyCase(root, known.bytes)) {
             return {known.name, known.words};
         }
     }
@@ -183,7 +176,7 @@ Kind KindOfText(std::string_view text, bool has_mark) {
         return KindOfXml(text);
     }
     for (const Beginning& known : kWords) {
-        if (BeginsWithAnyCase(text, known.bytes)) {
+        if (console::BeginsWithAnyCase(text, known.bytes)) {
             return {known.name, known.words};
         }
     }
@@ -224,12 +217,24 @@ Finding ExplainMark(std::string_view track) {
                  : Finding(1, "byte-order-mark", "the track begins with a byte order mark");
 }
 
+// But for one letter, or for what stands between its letters.
+bool IsNearlySignature(std::string_view text) {
+    std::string letters;
+    for (const char c : text.substr(0, 2 * kSignature.size())) {
+        if (std::string_view(" -_.").find(c) == std::string_view::npos) {
+            letters += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        }
+    }
+    return console::Distance(letters, kSignature) <= 1;
+}
+
 // Something that begins with the signature, and goes on otherwise.
 Finding ExplainSignature(std::string_view first) {
     const std::string_view behind = first.substr(kSignature.size());
     if (console::BeginsWith(behind, "\\n") || console::BeginsWith(behind, "\\r")) {
+        const std::size_t size = console::BeginsWith(behind, "\\r\\n") ? 4 : 2;
         return {1, "signature", "the first line is " + Quoted(first),
-                "write each " + std::string(behind.substr(0, 2)) + " as a line end"};
+                "write each " + std::string(behind.substr(0, size)) + " as a line end"};
     }
     const LookAlike* const hidden =
         FindLookAlike(behind.substr(0, console::FirstCharacter(behind).size));
@@ -244,7 +249,10 @@ Finding ExplainSignature(std::string_view first) {
 
 Finding ExplainFirstLine(std::string_view track) {
     const std::string_view first = LineAt(track, 0).all;
-    if (BeginsWithAnyCase(track, "webvtt")) {
+    if (NearlySignatureSize(first) > 0) {
+        return {1, "signature", "the first line is " + Quoted(first)};
+    }
+    if (console::BeginsWithAnyCase(track, "webvtt")) {
         return ExplainSignature(first);
     }
     if (HasLateSignature(track)) {
@@ -258,6 +266,14 @@ Finding ExplainFirstLine(std::string_view track) {
 }
 
 }  // namespace
+
+std::size_t NearlySignatureSize(std::string_view line) {
+    if (line.substr(0, 1) == " " || console::BeginsWithAnyCase(line, "webvtt")) {
+        return 0;
+    }
+    const std::string_view word = line.substr(0, line.find_first_of(" \t"));
+    return IsNearlySignature(word) ? word.size() : IsNearlySignature(line) ? line.size() : 0;
+}
 
 Finding ExplainRejection(std::string_view track) {
     if (track.empty()) {

@@ -145,16 +145,12 @@ HeaderCheck::Use HeaderCheck::ExamineMap(const Line& line, const Verdict& verdic
         findings.emplace_back(line_, "map-throws", Quoted(line.text) + " made the module throw");
         return Use::kIgnored;
     }
-    if (Says(verdict.printed, words::kMapValue)) {
-        findings.emplace_back(line_, "map-value",
-                              "no time is mapped: " + ReadMeantMap(line.text).complaint,
-                              WriteMap(line.text));
-        return Use::kIgnored;
-    }
     if (Says(verdict.printed, words::kMap)) {
-        findings.emplace_back(line_, "map-item",
-                              "no time is mapped: " + ReadMeantMap(line.text).complaint,
-                              WriteMap(line.text));
+        const MeantMap meant = ReadMeantMap(line.text);
+        const Finding finding(line_,
+                              Says(verdict.printed, words::kMapValue) ? "map-value" : "map-item",
+                              "no time is mapped: " + meant.complaint, WriteMap(line.text));
+        findings.push_back(meant.complaint.empty() ? finding : finding.At(line.text, meant.fault));
         return Use::kIgnored;
     }
     ExamineShift(line, findings);

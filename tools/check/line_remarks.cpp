@@ -40,7 +40,10 @@ void ExamineOverrides(std::string_view text, std::uint32_t line, Findings& findi
             const std::size_t end = std::min(text.find('}', at), text.size() - 1);
             findings.push_back(
                 Finding(line, "foreign-code",
-                        Quoted(text.substr(at - 1, end - at + 2)) + " is shown as text")
+                        Quoted(text.substr(at - 1, end - at + 2)) + " is shown as text",
+                        text.substr(at, end - at) == "\\an8"
+                            ? "remove it, and write line:0 behind the times"
+                            : "")
                     .At(text, at - 1));
         } else if (const std::string fix = InsteadOfCode(text.substr(at, 2)); !fix.empty()) {
             findings.push_back(

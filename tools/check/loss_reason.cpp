@@ -26,10 +26,22 @@ Finding WrongArrow(std::string_view text, std::uint32_t line, std::string_view a
         .At(text, arrow.empty() ? kNone : text.find(arrow));
 }
 
+bool IsTime(std::string_view line) {
+    return ReadMeantTime(line).is_certain;
+}
+
 // Whether the time that is not beside the arrow makes up the line next to it.
 bool IsTornOff(const BlockText& block, const std::string& which) {
     const std::size_t next = which == "end" ? block.TimingIndex() + 1 : block.TimingIndex() - 1;
-    return next < block.size() && ReadMeantTime(block.text(next)).is_certain;
+    return next < block.size() && IsTime(block.text(next));
+}
+
+Finding TornOff(std::uint32_t line, const std::string& which) {
+    const bool is_end = which == "end";
+    return {
+        line, which + "-time",
+        "the " + which + " time stands on the line " + (is_end ? "below" : "above"),
+        std::string("remove the line end ") + (is_end ? "behind the arrow" : "before the arrow")};
 }
 
 Finding InvalidTime(const BlockText& block, const std::string& which, std::string_view time,
@@ -49,11 +61,7 @@ Finding InvalidTime(const BlockText& block, const std::string& which, std::strin
         return WrongArrow(text, line, meant->arrow, fix);
     }
     if (time.empty() && IsTornOff(block, which)) {
-        const bool is_end = which == "end";
-        return {line, which + "-time",
-                "the " + which + " time stands on the line " + (is_end ? "below" : "above"),
-                std::string("remove the line end ") +
-                    (is_end ? "behind the arrow" : "before the arrow")};
+        return TornOff(line, which);
     }
     const std::size_t arrow = text.find(kArrow);
     const std::size_t at = text.find(time, which == "end" ? arrow + kArrow.size() : 0);
@@ -87,7 +95,9 @@ Finding NoText(const BlockText& block, const Surroundings& around) {
     if (around.ends_in_two_returns) {
         return {line, "two-returns", "the line ends in two carriage returns and a line feed"};
     }
-    if (const std::string_view text = TextAmongSettings(block.Timing().settings); !text.empty()) {
+    constexpr std::size_t kOneWord = 1;
+    if (const std::string_view text = TextAmongSettings(block.Timing().settings, kOneWord);
+        !text.empty()) {
         return Finding(line, "no-text", "the text stands on the timing line",
                        "put " + QuotedWhole(text) + " on a line of its own below")
             .At(block.text(block.TimingIndex()), text);
@@ -112,6 +122,9 @@ Finding LateTimes(const BlockText& block, std::size_t arrow, LoneParser& asked) 
                     "the line is not blank: it holds " + NamesIn(block.text(index))};
         }
     }
+    if (console::BeginsWith(block.text(arrow), kArrow) && IsTime(block.text(arrow - 1))) {
+        return TornOff(block.number(arrow), "start");
+    }
     std::string fix = BlankLineAbove(block.text(arrow - 1), block.number(arrow - 1));
     if (!IsTimingLine(block.text(arrow), asked)) {
         const std::string instead = WriteInstead(block.text(arrow), asked);
@@ -127,17 +140,20 @@ Finding Stray(const BlockText& block, const Surroundings& around) {
     const bool alone = block.size() == 1;
     const bool is_number = first.find_first_not_of("0123456789") == std::string_view::npos;
     const bool is_below = around.above == BlockForm::kCue || around.above == BlockForm::kComment;
-    std::string fix;
+    const char* const code = alone ? "lone-line" : "no-times";
     if (console::BeginsWith(first, "Region:")) {
-        fix = "move it up to the first line, with no blank line between";
-    } else if (console::BeginsWith(first, "#EXT")) {
+        return {block.number(0), code, "a region behind the header, " + Quoted(first),
+                "move it up to the first line, with no blank line between"};
+    }
+    std::string fix;
+    if (console::BeginsWith(first, "#EXT")) {
         fix = "remove it: it is a line of a playlist";
     } else if (alone && around.below == BlockForm::kCue && (is_number || !is_below)) {
         fix = "remove the blank line below it, if it is the identifier of that cue";
     } else if (is_below) {
         fix = "remove the blank line above it, or put NOTE above it if it is a comment";
     }
-    return {block.number(0), alone ? "lone-line" : "no-times",
+    return {block.number(0), code,
             (alone ? "a line on its own, " : "no timing line in the block ") + Quoted(first), fix};
 }
 

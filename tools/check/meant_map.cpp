@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 
 #include "tools/check/characters.h"
 #include "tools/check/finding.h"
@@ -59,8 +60,13 @@ bool HasItemsOnly(std::string_view plain, const std::string& ticks, const std::s
            (items == mpeg + "," + time || items == time + "," + mpeg);
 }
 
+struct Complaint {
+    std::string words;
+    std::string_view about;
+};
+
 // What is wrong with an item, as the module cuts the line into them.
-std::string ItemComplaint(std::string_view item) {
+Complaint ComplaintOfItem(std::string_view item) {
     for (const std::string_view name : kItems) {
         const std::size_t at = item.find(name);
         if (at == std::string_view::npos) {
@@ -69,30 +75,35 @@ std::string ItemComplaint(std::string_view item) {
         if (at > 0) {
             const std::string_view before = item.substr(0, at);
             const LookAlike* const hidden = FindLookAlike(before);
-            return (LooksBlank(before) ? NameOf(hidden != nullptr ? hidden->code_point : ' ')
-                                       : Quoted(before)) +
-                   " before " + Quoted(name);
+            return LooksBlank(before)
+                       ? Complaint{NameOf(hidden != nullptr ? hidden->code_point : ' ') +
+                                       " before " + Quoted(name),
+                                   item.substr(at)}
+                       : Complaint{Quoted(before) + " before " + Quoted(name), before};
         }
         const std::string_view value = item.substr(name.size());
         if (name == kItems[0]) {
             return value.empty() || value.find_first_not_of("0123456789") != std::string_view::npos
-                       ? Quoted(value) + " is no number"
-                       : "";
+                       ? Complaint{Quoted(value) + " is no number", value}
+                       : Complaint{};
         }
         const MeantTime meant = ReadMeantTime(value);
-        return meant.text == value ? "" : "the time " + Quoted(value) + ": " + meant.complaint;
+        return meant.text == value
+                   ? Complaint{}
+                   : Complaint{"the time " + Quoted(value) + ": " + meant.complaint, value};
     }
-    return "unknown item " + Quoted(item);
+    return {"unknown item " + Quoted(item), item};
 }
 
-std::string Complaint(std::string_view line) {
+Complaint ComplaintOf(std::string_view line) {
     std::string_view items = line.substr(std::min(kMapName.size(), line.size()));
     items.remove_prefix(items.substr(0, 1) == "=" ? 1 : 0);
     items.remove_prefix(std::min(items.find_first_not_of(' '), items.size()));
     items = items.substr(0, items.find_last_not_of(' ') + 1);
     const std::size_t comma = std::min(items.find(','), items.size());
-    const std::string first = ItemComplaint(items.substr(0, comma));
-    return first.empty() && comma < items.size() ? ItemComplaint(items.substr(comma + 1)) : first;
+    const Complaint first = ComplaintOfItem(items.substr(0, comma));
+    return first.words.empty() && comma < items.size() ? ComplaintOfItem(items.substr(comma + 1))
+                                                       : first;
 }
 
 }  // namespace
@@ -121,7 +132,9 @@ std::size_t FindMap(std::string_view text) {
 MeantMap ReadMeantMap(std::string_view line) {
     constexpr std::size_t kMostDigits = 18;
     MeantMap meant;
-    meant.complaint = Complaint(line);
+    Complaint complaint = ComplaintOf(line);
+    meant.complaint = std::move(complaint.words);
+    meant.fault = complaint.about;
     const std::string plain = Plain(line);
     const std::string ticks = ValueOf(plain, kItems[0], "0123456789");
     const std::string written = ValueOf(plain, kItems[1], "0123456789:.,");

@@ -12,7 +12,10 @@ namespace quill::check {
 constexpr std::string_view kMapName = "X-TIMESTAMP-MAP";
 
 struct MeantMap {
-    std::string complaint;    // about the first value that is not valid; empty when none is known
+    // About the first value that is not valid, which is that piece of the line; empty when none is
+    // known.
+    std::string complaint;
+    std::string_view fault;
     std::string text;         // the whole line as it has to be; empty when that would be a guess
     bool is_certain = false;  // the text is the only thing that can have been meant
     // For a line with such a text: what it was to do.

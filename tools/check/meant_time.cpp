@@ -11,8 +11,12 @@
 namespace quill::check {
 namespace {
 
+constexpr std::size_t kNowhere = std::string_view::npos;
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::size_t kFractionDigits = 3;
+constexpr std::string_view kOpening = "[({<\"'";
+constexpr std::string_view kClosing = "])}>\"'";
+constexpr const char* kLabels[] = {"begin", "start", "from", "in", "end", "stop", "to", "out"};
 
 // Digits for 0, digits below 6 for 5, a point or a comma for ".".
 constexpr std::string_view kMinutes = "50:50.000";
@@ -69,10 +73,13 @@ class Reader {
         if (time.empty()) {
             Note("there is none");
         }
-        NoteCharacters(time);
+        NoteLookAlikes(time);
+        RemoveLabel();
+        NoteSpaces();
     }
 
     MeantTime Run() {
+        ReadUnits();
         const bool is_known = is_one_ && RemoveSurroundings() && CutFraction() && CutParts() &&
                               ReadSeconds() && ReadMinutes();
         if (is_known) {
@@ -96,11 +103,24 @@ class Reader {
         }
     }
 
-    void NoteCharacters(std::string_view time) {
+    void NoteLookAlikes(std::string_view time) {
         if (const LookAlike* const found = FindLookAlike(time)) {
+            has_look_alike_ = true;
             Note(NameOf(found->code_point) + " stands in it");
-        } else if (time.find(' ') != std::string_view::npos &&
-                   time.find_first_of(kDigits) != std::string_view::npos) {
+        }
+    }
+
+    void RemoveLabel() {
+        if (const std::size_t label = TimeLabelSize(time_)) {
+            const std::string_view words = std::string_view(time_).substr(0, label);
+            Note(Quoted(words.substr(0, words.find_last_not_of(' ') + 1)) + " stands before it");
+            time_.erase(0, label);
+        }
+    }
+
+    void NoteSpaces() {
+        if (time_.find(' ') != std::string::npos &&
+            time_.find_first_of(kDigits) != std::string::npos) {
             Note(NameOf(' ') + " stands in it");
         }
         // Two numbers would become one.
@@ -110,8 +130,24 @@ class Reader {
                                    end < time_.size() && console::IsDigit(time_[end]));
             at = end;
         }
-        has_look_alike_ = FindLookAlike(time) != nullptr;
         time_.erase(std::remove(time_.begin(), time_.end(), ' '), time_.end());
+    }
+
+    // "1h02m03.000s"
+    void ReadUnits() {
+        std::string parted = time_;
+        parted.resize(parted.size() - (!parted.empty() && parted.back() == 's' ? 1 : 0));
+        const std::size_t minutes = parted.find('m');
+        if (minutes == std::string::npos || parted.find(':') != std::string::npos) {
+            return;
+        }
+        parted[minutes] = ':';
+        const std::size_t hours = std::min(parted.find('h'), minutes);
+        parted[hours] = ':';
+        if (parted.find_first_not_of("0123456789:.,") == std::string::npos) {
+            Note("letters stand for its colons");
+            time_ = parted;
+        }
     }
 
     // Leaves digits and what parts them.
@@ -126,7 +162,9 @@ class Reader {
         }
         if (end < time_.size()) {
             const std::string behind = time_.substr(end);
-            is_certain_ = is_certain_ && (behind == "s" || behind == "S");
+            is_certain_ =
+                is_certain_ && (behind == "s" || behind == "S" ||
+                                (behind.size() == 1 && kClosing.find(behind) != kNowhere));
             Note(behind.find(':') != std::string::npos
                      ? "no space stands between it and " + Quoted(behind)
                      : Quoted(behind) + " stands behind it");
@@ -257,6 +295,24 @@ class Reader {
 MeantTime ReadMeantTime(std::string_view time) {
     return !time.empty() && UsualTimeSize(time) == time.size() ? ReadUsualTime(time)
                                                                : Reader(time).Run();
+}
+
+std::size_t TimeLabelSize(std::string_view text) {
+    if (text.empty() || console::IsDigit(text[0])) {
+        return 0;
+    }
+    if (kOpening.find(text[0]) != kNowhere) {
+        return 1;
+    }
+    for (const std::string_view label : kLabels) {
+        const bool is_label = console::BeginsWithAnyCase(text, label);
+        const std::size_t mark = is_label ? text.find_first_not_of(' ', label.size()) : kNowhere;
+        if (mark != kNowhere && (text[mark] == ':' || text[mark] == '=')) {
+            const std::size_t end = std::min(text.find_first_not_of(' ', mark + 1), text.size());
+            return end + (end < text.size() && kOpening.find(text[end]) != kNowhere ? 1 : 0);
+        }
+    }
+    return 0;
 }
 
 std::size_t UsualTimeSize(std::string_view text) {

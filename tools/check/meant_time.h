@@ -20,6 +20,10 @@ struct MeantTime {
 // The verdict is the module's: ask it for the text.
 MeantTime ReadMeantTime(std::string_view time);
 
+// The size of what may stand before a time and says which one comes, as "Begin: " and "to=" do,
+// with the spaces behind it, or of a bracket; 0 for all else.
+std::size_t TimeLabelSize(std::string_view text);
+
 // The size of the time that the text begins with when that is MM:SS.mmm or HH:MM:SS.mmm, perhaps
 // with a comma for the point; 0 for all else.
 std::size_t UsualTimeSize(std::string_view text);

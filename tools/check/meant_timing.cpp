@@ -59,10 +59,17 @@ struct Parts {
     Place end;
 };
 
+// The size of the time that the text begins with, and of what says there which time it is.
+std::size_t LabelledTimeSize(std::string_view text) {
+    const std::size_t label = TimeLabelSize(text);
+    const std::size_t time = TimeSize(text.substr(label));
+    return time == 0 ? 0 : label + time;
+}
+
 // The time that begins there, with a unit that is glued to it; a setting may be glued to it, too.
 Place EndTime(std::string_view plain, std::size_t begin) {
     begin = std::min(plain.find_first_not_of(' ', begin), plain.size());
-    const std::size_t end = begin + TimeSize(plain.substr(begin));
+    const std::size_t end = begin + LabelledTimeSize(plain.substr(begin));
     const std::size_t glued = std::min(plain.find(' ', end), plain.size());
     const bool is_setting = plain.substr(end, glued - end).find(':') != std::string_view::npos;
     return {begin, is_setting ? end : glued};
@@ -86,14 +93,15 @@ Parts SplitAtArrow(std::string_view plain, std::size_t arrow) {
 std::optional<Parts> SplitAtTimes(std::string_view plain) {
     constexpr std::size_t kLongestArrow = 12;
     const std::size_t begin = std::min(plain.find_first_not_of(' '), plain.size());
-    const std::size_t start = begin + TimeSize(plain.substr(begin));
+    const std::size_t start = begin + LabelledTimeSize(plain.substr(begin));
     const std::size_t next =
         start == begin ? std::string_view::npos : plain.find_first_of("0123456789", start);
     if (next == std::string_view::npos || next - start > kLongestArrow) {
         return std::nullopt;
     }
     const Parts parts = {{begin, start}, Trimmed(plain, {start, next}), EndTime(plain, next)};
-    if (parts.start.In(plain).find_first_of(":.") == std::string_view::npos ||
+    const std::size_t label = TimeLabelSize(plain.substr(begin));
+    if (parts.start.In(plain).find_first_of(":.", label) == std::string_view::npos ||
         parts.end.In(plain).find_first_of(":.") == std::string_view::npos) {
         return std::nullopt;
     }
@@ -196,11 +204,28 @@ std::optional<MeantTiming> ReadMeantTiming(std::string_view line) {
     return meant;
 }
 
-std::string_view TextAmongSettings(std::string_view settings) {
+bool IsSettingName(std::string_view name) {
+    constexpr const char* kNames[] = {"align", "line", "position", "region", "size", "vertical"};
+    return std::any_of(std::begin(kNames), std::end(kNames), [name](std::string_view known) {
+        return name.size() == known.size() && console::BeginsWithAnyCase(name, known);
+    });
+}
+
+std::string_view TextAmongSettings(std::string_view settings, std::size_t fewest_words) {
     const std::size_t text = std::min(settings.find_first_not_of(' '), settings.size());
-    const bool has_words = settings.find(':') == std::string_view::npos &&
-                           settings.find(' ', text) != std::string_view::npos;
-    return has_words ? settings.substr(text) : std::string_view();
+    std::size_t words = 0;
+    for (std::size_t at = text; at < settings.size(); ++words) {
+        const std::size_t end = std::min(settings.find(' ', at), settings.size());
+        const std::string_view item = settings.substr(at, end - at);
+        const std::size_t mark = std::min(item.find_first_of(":="), item.size());
+        // "Bob:" is one who speaks.
+        if (mark + 1 < item.size() || IsSettingName(item.substr(0, mark)) ||
+            item.find_first_not_of("0123456789.,:;%-") == std::string_view::npos) {
+            return {};
+        }
+        at = std::min(settings.find_first_not_of(' ', end), settings.size());
+    }
+    return words >= fewest_words ? settings.substr(text) : std::string_view();
 }
 
 bool IsUsualTiming(std::string_view line) {

@@ -44,8 +44,12 @@ struct MeantTiming {
 // with an arrow and anything. The verdict is the module's: ask it for the text.
 std::optional<MeantTiming> ReadMeantTiming(std::string_view line);
 
-// What stands where the settings do and is no setting, but words of the cue's text; or nothing.
-std::string_view TextAmongSettings(std::string_view settings);
+// Whether a player knows a setting of that name, once it is in small letters.
+bool IsSettingName(std::string_view name);
+
+// What stands where the settings do and is no setting, but words of the cue's text; or nothing. A
+// single word may be meant for a setting.
+std::string_view TextAmongSettings(std::string_view settings, std::size_t fewest_words = 2);
 
 // Two times as they have to be, " --> " between them, and nothing else.
 bool IsUsualTiming(std::string_view line);

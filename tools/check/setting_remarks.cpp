@@ -8,6 +8,7 @@
 
 #include "quillcaption/quillcaption.h"
 #include "tools/check/characters.h"
+#include "tools/check/meant_timing.h"
 #include "tools/check/module_words.h"
 #include "tools/console/text.h"
 
@@ -86,7 +87,8 @@ std::vector<std::string> MeantBy(const std::string& item) {
                                       WithName(small, "l:", "line:"),
                                       WithName(small, "t:", "position:"),
                                       WithName(small, "s:", "size:"),
-                                      WithName(small, "d:", "vertical:")};
+                                      small == "d:vertical" ? "vertical:rl" : small,
+                                      WithName(small, "d:vertical-", "vertical:")};
     if (console::IsDigit(small.back())) {
         meant.push_back(small + "%");
     }
@@ -177,6 +179,13 @@ const Verdict& SettingRemarks::AskCueWith(const std::string& settings) {
 
 void SettingRemarks::Examine(std::string_view text, std::string_view settings, std::uint32_t line,
                              Findings& findings) {
+    if (const std::string_view words = TextAmongSettings(settings); !words.empty()) {
+        findings.push_back(Finding(line, "no-setting",
+                                   Quoted(words) + " stands on the timing line, and is not shown",
+                                   "put it on a line of its own below, or remove it")
+                               .At(text, words));
+        return;
+    }
     std::string torn;  // a name and its colon, behind which the value may be the next item
     while (!settings.empty()) {
         const std::size_t end = std::min(settings.find(' '), settings.size());

@@ -1,7 +1,6 @@
 #include "tools/check/track_check.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "tools/check/block_check.h"
 #include "tools/check/file_kind.h"
@@ -38,12 +37,11 @@ void TrackCheck::Run(std::size_t size) {
     HeaderCheck header(module_, capture_, track_, plan_);
     header.Run(begin, findings, report_.sums());
     report_.Note({1, header.end_line() - 1, 0, ByteClass::kSignature});
-    report_.Say(findings);
 
     Player player(module_, capture_, track_, plan_, header.throwing_maps(), video_pts_);
     const Play play = player.Run(report_);
     BlockCheck blocks(module_, capture_, track_, plan_, play, report_);
-    blocks.Run(header.end(), header.end_line());
+    blocks.Run(header.end(), header.end_line(), findings);
     report_.sums().CheckBytes(size);
 }
 

@@ -5,9 +5,7 @@
 #include <numeric>
 
 namespace quill::console {
-namespace {
 
-// How many letters have to be changed, added, taken out or swapped with the next one.
 std::size_t Distance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> before(b.size() + 1);
     std::vector<std::size_t> last(b.size() + 1);
@@ -26,8 +24,6 @@ std::size_t Distance(std::string_view a, std::string_view b) {
     }
     return last[b.size()];
 }
-
-}  // namespace
 
 std::string Suggest(std::string_view word, const std::vector<std::string>& known) {
     constexpr std::size_t kShortest = 3;

@@ -3,6 +3,7 @@
 #ifndef TOOLS_CONSOLE_TEXT_H_
 #define TOOLS_CONSOLE_TEXT_H_
 
+#include <cstddef>
 #include <string_view>
 
 namespace quill::console {
@@ -15,6 +16,17 @@ constexpr bool IsDigit(char c) {
 
 constexpr bool BeginsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
+}
+
+// The same for a prefix in small letters, whatever the case of the text.
+constexpr bool BeginsWithAnyCase(std::string_view text, std::string_view prefix) {
+    for (std::size_t index = 0; index < prefix.size(); ++index) {
+        const char c = index < text.size() ? text[index] : '\0';
+        if ((c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) != prefix[index]) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace quill::console

@@ -34,7 +34,42 @@ bool IsPageComment(std::string_view line) {
 // Whether words stand behind the times, which may be the cue's text.
 bool HasTextOnTimingLine(std::string_view line) {
     const std::optional<check::MeantTiming> timing = check::ReadMeantTiming(line);
-    return timing && !check::TextAmongSettings(line.substr(timing->settings_begin)).empty();
+    return timing && !check::TextAmongSettings(line.substr(timing->settings_begin), 1).empty();
+}
+
+// What stands in the header, where it is taken for a stray text elsewhere.
+bool IsRegion(std::string_view line) {
+    return console::BeginsWith(line, "Region:");
+}
+
+// "#EXT-X-DISCONTINUITY"
+bool IsOfPlaylist(std::string_view line) {
+    return console::BeginsWith(line, "#EXT");
+}
+
+// Regions go to the header, and what belongs to a playlist goes away.
+void PutAway(const Workshop& shop, const Range& block) {
+    Document& document = shop.document;
+    const auto all_are = [&](bool (*is)(std::string_view)) {
+        return std::all_of(document.lines().begin() + static_cast<std::ptrdiff_t>(block.begin),
+                           document.lines().begin() + static_cast<std::ptrdiff_t>(block.end),
+                           [is](const Line& line) { return !line.frozen && is(line.text); });
+    };
+    const bool are_regions = all_are(IsRegion);
+    const char* const code = block.size() == 1 ? "lone-line" : "no-times";
+    if ((!are_regions && !all_are(IsOfPlaylist)) || !shop.Wants(code)) {
+        return;
+    }
+    for (std::size_t index = block.begin; index < block.end; ++index) {
+        const Line& line = document.lines()[index];
+        if (are_regions) {
+            document.Record(line.number, code, "put below the first line");
+            document.InsertAbove(1, std::string(line.text));
+        } else {
+            document.Record(line.number, code, line.text, "");
+        }
+    }
+    DropBlock(document, block);
 }
 
 }  // namespace
@@ -70,6 +105,8 @@ void FixEmptyBlocks(const Workshop& shop) {
                    shop.Wants("second-track")) {
             document.Record(first.number, "second-track", first.text, "");
             document.Drop(block.begin);
+        } else if (is_free) {
+            PutAway(shop, block);
         }
         block = next;
     }

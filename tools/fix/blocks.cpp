@@ -219,6 +219,15 @@ bool IsNumber(std::string_view line) {
     return !line.empty() && line.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
+void DropBlock(Document& document, const Range& block) {
+    for (std::size_t index = block.begin; index < block.end; ++index) {
+        document.Drop(index);
+    }
+    if (block.end < document.lines().size() && document.lines()[block.end].text.empty()) {
+        document.Remove(block.end);
+    }
+}
+
 bool IsEmptyToTheEye(const Line& line) {
     return line.IsBlank() || check::LooksBlank(line.text);
 }

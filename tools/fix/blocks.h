@@ -19,6 +19,8 @@ bool BlockBeginsAt(const std::vector<Line>& lines, std::size_t index);
 std::string WithoutArrows(std::string_view line);
 // Digits alone: what numbers a cue, and hardly anything else.
 bool IsNumber(std::string_view line);
+// Removes a block of which nothing is to be shown, and the blank line that ends it.
+void DropBlock(Document& document, const Range& block);
 // Blank, or it only looks so.
 bool IsEmptyToTheEye(const Line& line);
 

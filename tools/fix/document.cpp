@@ -24,6 +24,9 @@ std::string Instead(std::string_view before, std::string_view after) {
     if (after.empty()) {
         return check::Quoted(before) + " removed";
     }
+    if (after == "\n") {
+        return check::Quoted(before) + " is a line end now";
+    }
     return before.empty() ? check::Quoted(after) + " put in"
                           : check::Quoted(before) + " is " + check::Quoted(after) + " now";
 }
@@ -113,6 +116,18 @@ void Document::InsertAbove(std::size_t index, std::string text, Note note) {
     insertions_.push_back({index, line});
 }
 
+void Document::InsertBelow(std::size_t index, std::string text, std::string_view original) {
+    Line& above = lines_[index];
+    Line line{Keep(std::move(text)), original, above.end, above.number};
+    line.note = Keep(Note{});
+    line.inserted = true;
+    line.continues = original.empty();
+    if (above.end.empty() && index > 0) {
+        above.end = lines_[index - 1].end;
+    }
+    insertions_.push_back({index + 1, line});
+}
+
 void Document::Commit() {
     if (removed_.empty() && insertions_.empty()) {
         StraightenEnds(lines_);
@@ -121,9 +136,12 @@ void Document::Commit() {
     std::vector<Line> lines;
     lines.reserve(lines_.size() + insertions_.size());
     auto insertion = insertions_.begin();
-    for (std::size_t index = 0; index < lines_.size(); ++index) {
+    for (std::size_t index = 0; index <= lines_.size(); ++index) {
         for (; insertion != insertions_.end() && insertion->index == index; ++insertion) {
             lines.push_back(insertion->line);
+        }
+        if (index == lines_.size()) {
+            break;
         }
         (removed_.count(index) == 0 ? lines : gone_).push_back(lines_[index]);
     }

@@ -50,8 +50,9 @@ struct Line {
     int note = -1;         // index of what the fixes state about the line, -1 when it is as read
     int plan = -1;         // index of what it may be rewritten to
     bool inserted = false;
-    bool timing = false;  // reads as a timing line, outside of comments
-    bool frozen = false;  // no fix may touch it
+    bool continues = false;  // was a part of the line above, which goes on here
+    bool timing = false;     // reads as a timing line, outside of comments
+    bool frozen = false;     // no fix may touch it
 };
 
 // Owns nothing of the track that it is made of, which must outlive it; owns what it adds.
@@ -84,6 +85,9 @@ class Document {
     // Removes a line of which nothing is to be shown.
     void Drop(std::size_t index);
     void InsertAbove(std::size_t index, std::string text = "", Note note = {});
+    // Puts a line below that was read as the end of that one, `original`, or as a part of its
+    // middle, nothing.
+    void InsertBelow(std::size_t index, std::string text, std::string_view original);
     void Commit();
 
     void Record(std::uint32_t line, const char* code, const std::string& words);

@@ -34,6 +34,9 @@ bool GoesOn(std::string_view line) {
 // The signature as it should have been written: in capitals, with a space behind it. Nothing when
 // the line is none.
 std::string Straightened(std::string_view line) {
+    if (const std::size_t size = check::NearlySignatureSize(line)) {
+        return std::string(kSignature) + std::string(line.substr(size));
+    }
     const std::string_view word = line.substr(0, kSignature.size());
     std::string_view rest = line.substr(word.size());
     const bool is_word = std::equal(

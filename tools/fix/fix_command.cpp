@@ -9,6 +9,7 @@
 #include "tools/console/escape.h"
 #include "tools/console/message.h"
 #include "tools/fix/diff.h"
+#include "tools/fix/reason.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/file_writer.h"
 #include "tools/host/module_handle.h"
@@ -20,8 +21,9 @@ constexpr char kFooter[] =
     R"(Without -o, --in-place, --diff or --dry-run the track is written to standard output. What was
 fixed is said on standard error, or with --dry-run on standard output:
   track.vtt:12: fixed: "00:00:01,000" is "00:00:01.000" now [Q102]
-What would have to be guessed stays as it is, and is said as quill check says it:
-  track.vtt:20: left: lost: invalid start time "soon" [Q101]; write MM:SS.mmm or HH:MM:SS.mmm
+What would have to be guessed stays as it is, and is said as quill check says it, with the reason:
+  track.vtt:20: left: lost: invalid start time "soon" [Q101]; the time can be read as more than
+  one, or as none: write MM:SS.mmm or HH:MM:SS.mmm
 Before anything is written the module plays the track as it was and as it would be. Unless each
 cue that was not touched is the same, each other one comes with the stated difference, and a second
 run would change nothing, nothing is written.
@@ -227,11 +229,12 @@ std::string FixCommand::Describe(const Source& source, const FixedTrack& fixed) 
         add(*edit);
     }
     for (const check::Finding& finding : fixed.left) {
-        if (finding.code->severity != check::Severity::kRemark) {
+        if (IsLeft(finding)) {
             lines.Add("left", *finding.code, [&] {
                 return source.name + ":" + std::to_string(finding.line) +
                        ": left: " + check::SeverityName(finding.code->severity) + ": " +
-                       finding.message + " [" + finding.code->number + "]; " + finding.hint();
+                       finding.message + " [" + finding.code->number + "]; " +
+                       WhyLeft(finding, *fixed.document, filter_) + ": " + finding.hint();
             });
         }
     }

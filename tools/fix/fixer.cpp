@@ -9,6 +9,7 @@ void FixAll(const Workshop& shop) {
     if (!FixFirstLine(shop)) {
         return;
     }
+    FixTornLines(shop);
     FindTimings(shop);
     FixMap(shop);
     FixBlankLines(shop);

@@ -29,6 +29,9 @@ void FixReturns(const Workshop& shop);
 // False when the first line is none that makes a track.
 bool FixFirstLine(const Workshop& shop);
 
+// In torn_lines.cpp: timing lines that are two lines, or one with their text.
+void FixTornLines(const Workshop& shop);
+
 // In timings.cpp. Marks the lines that are timing lines, or will be once they are fixed.
 void FindTimings(const Workshop& shop);
 

@@ -4,6 +4,8 @@
 #include <string>
 
 #include "tools/check/meant_map.h"
+#include "tools/console/text.h"
+#include "tools/fix/blocks.h"
 #include "tools/fix/fixer.h"
 
 namespace quill::fix {
@@ -24,7 +26,8 @@ std::vector<Map> FindMaps(const Document& document) {
         maps.push_back({0, check::ReadMeantMap(lines[0].text.substr(on_first))});
     }
     const auto add = [&](std::size_t index) {
-        if (check::IsLikeMap(lines[index].text)) {
+        const std::string_view text = lines[index].text;
+        if (check::IsLikeMap(text) || console::BeginsWith(text, check::kMapName)) {
             maps.push_back({index, check::ReadMeantMap(lines[index].text)});
         }
     };
@@ -58,8 +61,7 @@ void Move(const Workshop& shop, const Map& map) {
         const std::string_view rest = line.substr(0, check::FindMap(line));
         document.Replace(0, std::string(rest.substr(0, rest.find_last_not_of(" \t") + 1)), {});
     } else {
-        document.Drop(map.index);
-        document.Remove(map.index + 1);  // the blank line that ends the block, if there is one
+        DropBlock(document, {map.index, map.index + 1});
     }
     document.InsertAbove(1, TextOf(map.meant));
     document.StateOffset(map.meant.shift);

@@ -139,8 +139,15 @@ bool HasText(const Document& outcome, std::size_t begin, std::size_t end, const 
             text += std::string(line.text) + "\n";
             continue;
         }
+        if (line.continues) {
+            continue;  // was looked at with the line that it is a part of
+        }
         const Note& note = outcome.note(line);
-        if (mark[0] == '\0' || WithSpans(line, note, nullptr) != line.text) {
+        std::string whole(line.text);
+        for (std::size_t next = index + 1; next < end && outcome.lines()[next].continues; ++next) {
+            whole.append("\n").append(outcome.lines()[next].text);
+        }
+        if (mark[0] == '\0' || WithSpans(line, note, nullptr) != whole) {
             return false;
         }
         text += WithSpans(line, note, mark) + "\n";

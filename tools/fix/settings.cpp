@@ -4,13 +4,13 @@
 #include <cctype>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "tools/check/characters.h"
+#include "tools/check/meant_timing.h"
 
 namespace quill::fix {
 namespace {
-
-constexpr const char* kNames[] = {"align", "line", "position", "region", "size", "vertical"};
 
 std::string Lower(std::string text) {
     std::transform(text.begin(), text.end(), text.begin(), [](char c) {
@@ -19,8 +19,21 @@ std::string Lower(std::string text) {
     return text;
 }
 
+// In small letters. An older draft had the first letter of each name, but "t" for the position of
+// the text and "d" for the direction.
+std::string NameOf(const std::string& written) {
+    static constexpr std::pair<const char*, const char*> kLetters[] = {
+        {"A", "align"}, {"D", "vertical"}, {"L", "line"}, {"S", "size"}, {"T", "position"}};
+    for (const auto& [letter, name] : kLetters) {
+        if (written == letter) {
+            return name;
+        }
+    }
+    return Lower(written);
+}
+
 bool IsName(const std::string& text) {
-    return std::find(std::begin(kNames), std::end(kNames), Lower(text)) != std::end(kNames);
+    return check::IsSettingName(NameOf(text));
 }
 
 // A piece of the list, and what stands before it.
@@ -33,6 +46,14 @@ struct Item {
     bool glued = false;  // to the item before, by a comma or a blank that is no space
     bool glues = false;  // the one behind
 };
+
+// What stands between two items and cannot be seen, without the spaces around it.
+std::string HiddenIn(std::string_view between) {
+    const std::size_t begin = between.find_first_not_of(' ');
+    return begin == std::string::npos
+               ? ""
+               : std::string(between.substr(begin, between.find_last_not_of(' ') + 1 - begin));
+}
 
 // Where a comma or a semicolon divides a setting from one that begins there; npos for none.
 std::size_t NextSetting(const std::string& text, std::size_t at) {
@@ -48,7 +69,7 @@ std::size_t NextSetting(const std::string& text, std::size_t at) {
 
 // What quill check finds about several settings in one item.
 const char* GlueCode(const std::string& first) {
-    const std::string name = Lower(first.substr(0, first.find(':')));
+    const std::string name = NameOf(first.substr(0, first.find(':')));
     return name == "align"      ? "align-keyword"
            : name == "vertical" ? "vertical-keyword"
                                 : "setting-value";
@@ -193,8 +214,11 @@ void FixItem(Item& item) {
     if (mark == std::string::npos || !IsName(item.text.substr(0, mark))) {
         return;
     }
-    const std::string name = Lower(item.text.substr(0, mark));
+    const std::string name = NameOf(item.text.substr(0, mark));
     std::string value = item.text.substr(mark + 1);
+    if (item.text == "D:vertical" || item.text == "D:vertical-lr") {
+        value = value == "vertical" ? "rl" : "lr";
+    }
     if (item.text.compare(0, mark, name) != 0) {
         item.code = "unknown-setting";
     }
@@ -258,7 +282,7 @@ std::optional<Effect> EffectOf(const std::string& text) {
 bool HasDoubles(const std::vector<Item>& items) {
     std::set<std::string> names;
     return std::any_of(items.begin(), items.end(), [&names](const Item& item) {
-        const std::string name = Lower(item.text.substr(0, item.text.find_first_of(":=")));
+        const std::string name = NameOf(item.text.substr(0, item.text.find_first_of(":=")));
         return IsName(name) && !names.insert(name).second;
     });
 }
@@ -278,7 +302,21 @@ SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filt
     }
     bool glued_before = false;
     const char* glue = nullptr;
+    std::size_t reached = 0;
+    const auto drop_hidden = [&](std::string_view between) {
+        const std::string hidden = HiddenIn(between);
+        const bool drops = !hidden.empty() && between.front() == ' ' &&
+                           filter.Lets(check::CodeNamed("no-setting"));
+        if (drops) {
+            fix.changes.push_back({"no-setting", hidden, ""});
+        }
+        return drops;
+    };
     for (Item& item : items) {
+        reached += item.before.size() + item.written.size();
+        if (!item.glued && drop_hidden(item.before)) {
+            item.before = " ";
+        }
         const Item as_written = item;
         FixItem(item);
         const std::optional<Effect> effect = EffectOf(item.text);
@@ -313,6 +351,7 @@ SettingsFix FixSettings(std::string_view settings, const check::CodeFilter& filt
             fix.effects.push_back(*effect);
         }
     }
+    drop_hidden(settings.substr(reached));
     if (fix.changes.empty()) {
         return AsItWas(settings);
     }

@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 #include "tools/fix/encoding.h"
+#include "tools/fix/line_ends.h"
 #include "tools/host/track_reader.h"
 
 namespace quill::fix {
@@ -36,6 +38,12 @@ Source ReadSource(const std::string& name, const std::string& encoding,
         if (text != source.text) {
             note("not-utf-8", "converted from " + encoding);
             source.text = std::move(text);
+        }
+    }
+    if (filter.Lets(check::CodeNamed("signature"))) {
+        if (std::optional<LineEnds> ends = FindLineEnds(source.text)) {
+            source.text = std::move(ends->text);
+            note("signature", "lines end in a line feed now, not in " + ends->name);
         }
     }
     return source;

@@ -12,7 +12,7 @@ namespace quill::fix {
 struct Source {
     std::string name;         // "standard input" for "-"
     std::string bytes;        // as they were read
-    std::string text;         // the same unpacked and in UTF-8
+    std::string text;         // the same unpacked, in UTF-8, and with line ends
     std::vector<Edit> edits;  // what that took
 };
 

@@ -1,52 +1,30 @@
 // The text of cues: references, tags, and the signs that begin them.
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "tools/check/references.h"
-#include "tools/check/tag_reason.h"
+#include "tools/check/meant_timing.h"
+#include "tools/fix/blocks.h"
 #include "tools/fix/fixer.h"
+#include "tools/fix/markup.h"
+#include "tools/fix/overrides.h"
 
 namespace quill::fix {
 namespace {
 
-constexpr std::string_view kTagEnds = " \t\f\n.>";
-
-bool IsAlphanumeric(char c) {
-    return std::isalnum(static_cast<unsigned char>(c)) != 0 && static_cast<unsigned char>(c) < 0x80;
+// Whether nothing but spaces stands in a piece of text.
+bool IsEmpty(std::string_view text) {
+    return text.find_first_not_of(' ') == std::string_view::npos;
 }
-
-bool IsKnownTag(std::string_view name) {
-    static constexpr std::array<std::string_view, 8> kTags = {"c",    "i",  "b", "u",
-                                                              "ruby", "rt", "v", "lang"};
-    return std::find(kTags.begin(), kTags.end(), name) != kTags.end();
-}
-
-// Tags of pages and of other formats, which nobody means to show.
-bool IsForeignTag(std::string_view name) {
-    static constexpr std::array<std::string_view, 22> kTags = {
-        "a",   "big", "blink", "br", "br/",   "center", "code",   "del",    "div", "em",  "font",
-        "img", "ins", "p",     "s",  "small", "span",   "strike", "strong", "sub", "sup", "tt"};
-    return std::find(kTags.begin(), kTags.end(), name) != kTags.end();
-}
-
-// A change to the text behind some place: bytes, what they become, what a player shows for them.
-struct Change {
-    std::size_t size;
-    std::string replacement;
-    std::string shown;
-    const char* code;
-};
 
 // The lines of a cue below its timing line, as one text.
 class Payload {
   public:
-    Payload(const Workshop& shop, std::size_t begin, std::size_t end)
-        : shop_(shop), begin_(begin), end_(end) {
+    // From the line behind the timing line on. Up to `breaks` lines may be put to it.
+    Payload(const Workshop& shop, std::size_t begin, std::size_t end, std::size_t breaks)
+        : shop_(shop), begin_(begin), end_(end), breaks_(breaks) {
         for (std::size_t index = begin; index < end; ++index) {
             starts_.push_back(text_.size());
             text_ += shop.document.lines()[index].text;
@@ -58,6 +36,9 @@ class Payload {
         Find();
         for (std::size_t index = begin_; index < end_; ++index) {
             FixLine(index);
+        }
+        if (at_top_) {
+            PutAtTop();
         }
     }
 
@@ -72,11 +53,17 @@ class Payload {
         while (at < text_.size()) {
             const std::string_view rest = std::string_view(text_).substr(at);
             std::size_t done = 1;
-            const std::optional<Change> change =
-                rest[0] == '&' ? Reference(rest, done) : Tag(rest, done);
-            const bool changes = change && shop_.Wants(change->code);
+            std::optional<Change> change = rest[0] == '&'   ? FixReference(rest, done)
+                                           : rest[0] == '<' ? FixTag(rest, done)
+                                                            : FixOverride(text_, at);
+            const bool changes =
+                change && shop_.Wants(change->code) && !(change->at_top && HasSettings());
             if (changes) {
                 KeepReferencesBefore(at);
+                if (change->shown == "\n") {
+                    Break(at, *change);
+                }
+                at_top_ = at_top_ || change->at_top;
                 changes_.push_back({at, *change});
                 done = change->size;
             }
@@ -84,140 +71,85 @@ class Payload {
                 if (!kept_.empty() && kept_end_ != at) {
                     kept_.clear();
                 }
-                kept_.push_back(at);
                 kept_end_ = at + done;
+                if (text_[kept_end_ - 1] == ';') {
+                    kept_.clear();
+                } else {
+                    kept_.push_back(at);
+                }
             }
             at = NextSign(at + done);
         }
     }
 
-    // The next "&" or "<".
+    // The next "&", "<", backslash, or brace before one.
     std::size_t NextSign(std::size_t at) const {
-        while (at < text_.size() && text_[at] != '&' && text_[at] != '<') {
+        while (at < text_.size() && text_[at] != '&' && text_[at] != '<' && text_[at] != '\\' &&
+               !(text_[at] == '{' && text_[at + 1] == '\\')) {
             ++at;
         }
         return at;
     }
 
+    // At the ends of a line there is a line end already; where no more lines fit, and where a line
+    // of nothing but tags would come about, a space has to do.
+    void Break(std::size_t at, Change& change) {
+        const std::size_t begin = std::max(text_.rfind('\n', at) + 1, broken_);
+        const std::size_t end = text_.find('\n', at);
+        const std::size_t behind = at + change.size;
+        const char* instead = "\n";
+        if (IsEmpty(std::string_view(text_).substr(begin, at - begin)) ||
+            IsEmpty(std::string_view(text_).substr(behind, end - behind))) {
+            instead = "";
+        } else if (breaks_ == 0 || !HasLetters(begin, at) || !HasLetters(behind, end)) {
+            instead = " ";
+        } else {
+            --breaks_;
+            broken_ = behind;
+        }
+        change.replacement = change.shown = instead;
+    }
+
+    // Outside of tags, and of what begins like one.
+    bool HasLetters(std::size_t begin, std::size_t end) const {
+        int depth = 0;
+        return std::any_of(text_.begin() + static_cast<std::ptrdiff_t>(begin),
+                           text_.begin() + static_cast<std::ptrdiff_t>(end), [&depth](char c) {
+                               depth += c == '<' || c == '{' ? 1 : 0;
+                               const bool is_text = depth == 0 && c != ' ' && c != '\\';
+                               depth = c == '>' || c == '}' ? 0 : depth;
+                               return is_text;
+                           });
+    }
+
+    bool HasSettings() const {
+        const std::string_view timing = shop_.document.lines()[begin_ - 1].text;
+        const std::optional<check::MeantTiming> meant = check::ReadMeantTiming(timing);
+        return !meant || meant->settings_begin < timing.size();
+    }
+
+    // Where the line of settings is still empty.
+    void PutAtTop() {
+        Document& document = shop_.document;
+        const Line& timing = document.lines()[begin_ - 1];
+        const std::string setting = "line:0";
+        Note note;
+        note.kept_settings = "";
+        note.effects = {{Effect::Field::kLine, 0}};
+        document.Record(timing.number, "foreign-code", "", setting);
+        document.Replace(
+            begin_ - 1, std::string(timing.text) + (timing.text.back() == ' ' ? "" : " ") + setting,
+            note);
+    }
+
     // References without an end are shown as they are only before another sign.
     void KeepReferencesBefore(std::size_t at) {
         for (const std::size_t kept : kept_) {
-            if (kept_end_ == at && text_[at - 1] != ';') {
+            if (kept_end_ == at) {
                 changes_.push_back({kept, {1, "&amp;", "&", "bare-ampersand"}});
             }
         }
         kept_.clear();
-    }
-
-    // `done` comes to be how much has been dealt with when nothing changes.
-    static std::optional<Change> Reference(std::string_view rest, std::size_t& done) {
-        std::size_t end = rest[1] == '#' ? 2 : 1;
-        while (end < rest.size() && IsAlphanumeric(rest[end])) {
-            ++end;
-        }
-        const bool complete = end < rest.size() && rest[end] == ';';
-        const std::string_view name = rest.substr(1, end - 1);
-        const std::string character = check::CharacterOf(name);
-        if (complete && (character.empty() ? rest[1] != '#' : check::IsOwn(name))) {
-            done = end + 1;
-            return name == "amp" ? Twice(rest) : std::nullopt;
-        }
-        if (complete && !character.empty()) {
-            const char* const code = rest[1] == '#' ? "bare-ampersand" : "unknown-reference";
-            return Change{end + 1, check::InText(character), character, code};
-        }
-        // Before another sign the module keeps what it has read.
-        if (rest[1] != '#' && end < rest.size() && (rest[end] == '&' || rest[end] == '<')) {
-            done = end;
-            return std::nullopt;
-        }
-        if (!character.empty() && !complete) {
-            return Change{end, check::InText(character), character, "bare-ampersand"};
-        }
-        return Change{1, "&amp;", "&", "bare-ampersand"};
-    }
-
-    // A reference that was written as a text once more, or more often. Only a bracket may be shown
-    // as a reference on purpose.
-    static std::optional<Change> Twice(std::string_view rest) {
-        constexpr std::string_view kOnceMore = "amp;";
-        std::size_t begin = 1 + kOnceMore.size();
-        while (rest.substr(begin, kOnceMore.size()) == kOnceMore) {
-            begin += kOnceMore.size();
-        }
-        const std::size_t end = std::min(rest.find(';', begin), rest.size());
-        const std::string character = check::CharacterOf(rest.substr(begin, end - begin));
-        if (end < rest.size() && !character.empty() && character != "<" && character != ">") {
-            return Change{end + 1, check::InText(character), character, "escaped-twice"};
-        }
-        if (begin == 1 + kOnceMore.size()) {
-            return std::nullopt;
-        }
-        return Change{begin, "&amp;", "&", "escaped-twice"};
-    }
-
-    static std::optional<Change> Tag(std::string_view rest, std::size_t& done) {
-        const std::size_t close = rest.find('>');
-        const std::size_t name_end = std::min(rest.find_first_of(kTagEnds, 1), rest.size());
-        const std::string_view name = rest.substr(1, name_end - 1);
-        const bool is_known = IsKnownTag(name.substr(0, 1) == "/" ? name.substr(1) : name);
-        if (close == std::string_view::npos) {
-            // It may be that a tag was not closed, or that none was meant. As it is, it swallows
-            // all that follows.
-            const bool is_tag = is_known || name == "/";
-            done = is_tag ? rest.size() : 1;
-            return is_tag ? std::nullopt : Bracket(name);
-        }
-        const std::string_view inner = rest.substr(1, close - 1);
-        done = close + 1;
-        if (name.empty() || (!is_known && inner.find('<') != std::string_view::npos)) {
-            return Bracket(name);
-        }
-        if (name[0] >= '0' && name[0] <= '9') {
-            return inner.find_first_not_of("0123456789:.,") == std::string_view::npos
-                       ? std::nullopt
-                       : Bracket(name);
-        }
-        if (inner.find('\n') != std::string_view::npos) {
-            return std::nullopt;
-        }
-        return name[0] == '/' ? EndTag(inner)
-               : is_known     ? std::nullopt
-                              : StartTag(inner, name, rest.substr(close));
-    }
-
-    static std::optional<Change> Bracket(std::string_view name) {
-        return Change{1, "&lt;", "<", name.empty() ? "unnamed-tag" : "open-tag"};
-    }
-
-    static std::optional<Change> EndTag(std::string_view inner) {
-        if (IsKnownTag(inner.substr(1))) {
-            return std::nullopt;
-        }
-        std::string name = check::TagOfTrack(std::string(inner.substr(1)));
-        name.erase(std::min(name.find_last_not_of(" \t") + 1, name.size()));
-        return Change{inner.size() + 2, IsKnownTag(name) ? "</" + name + ">" : "", "",
-                      "unknown-end-tag"};
-    }
-
-    // The text of a tag stays, and of what may be no tag at all the name, too. A line break comes
-    // to be a space.
-    static std::optional<Change> StartTag(std::string_view inner, std::string_view name,
-                                          std::string_view behind) {
-        const std::string known = check::TagOfTrack(std::string(name));
-        if (IsKnownTag(known)) {
-            return Change{inner.size() + 2,
-                          "<" + known + std::string(inner.substr(name.size())) + ">", "",
-                          "unknown-tag"};
-        }
-        const std::string end = "</" + std::string(name) + ">";
-        if (!IsForeignTag(known) && inner.back() != '/' &&
-            inner.find('=') == std::string_view::npos &&
-            behind.find(end) == std::string_view::npos) {
-            return Change{1, "&lt;", "<", "unknown-tag"};
-        }
-        const char* const space = known == "br" || known == "br/" ? " " : "";
-        return Change{inner.size() + 2, space, space, "unknown-tag"};
     }
 
     // A line of nothing but tags that are gone would be a blank line.
@@ -250,12 +182,21 @@ class Payload {
         if (text.empty()) {
             document.Remove(index);
         }
+        const std::size_t first = std::min(text.find('\n'), text.size());
+        for (std::size_t begin = first + 1; begin <= text.size();) {
+            const std::size_t end = std::min(text.find('\n', begin), text.size());
+            document.InsertBelow(index, text.substr(begin, end - begin), "");
+            begin = end + 1;
+        }
+        text.resize(first);
         document.Replace(index, std::move(text), std::move(note));
     }
 
     const Workshop& shop_;
     std::size_t begin_;
     std::size_t end_;
+    std::size_t breaks_;
+    std::size_t broken_ = 0;  // where the last line that was put to it begins
     std::string text_;
     std::vector<std::size_t> starts_;
     std::vector<Placed> changes_;
@@ -263,10 +204,12 @@ class Payload {
     std::vector<std::size_t> kept_;  // references without an end, one right behind the other
     std::size_t kept_end_ = 0;
     bool has_text_ = false;  // above the line
+    bool at_top_ = false;
 };
 
 bool HasMarkup(std::string_view text) {
-    return text.find('<') != std::string_view::npos || text.find('&') != std::string_view::npos;
+    return text.find('<') != std::string_view::npos || text.find('&') != std::string_view::npos ||
+           text.find('\\') != std::string_view::npos;
 }
 
 }  // namespace
@@ -283,7 +226,8 @@ void FixTexts(const Workshop& shop) {
             is_free = is_free && !lines[index].frozen;
         }
         if (has_markup && is_free) {
-            Payload(shop, timing + 1, block.end).Fix();
+            Payload(shop, timing + 1, block.end, kMostLines - std::min(block.size(), kMostLines))
+                .Fix();
         }
     }
     shop.document.Commit();

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "tools/check/characters.h"
+#include "tools/check/meant_time.h"
 #include "tools/check/meant_timing.h"
 #include "tools/check/surroundings.h"
 #include "tools/console/escape.h"
@@ -113,12 +114,15 @@ class Rewriter {
     bool is_wanted_ = true;
 };
 
-// Cheap for lines of text, which begin with letters.
+// Cheap for lines of text, most of which begin with other letters than what is put before times.
 bool MayBeTiming(std::string_view text) {
     constexpr std::size_t kShortest = 7;  // "0:1>0:2"
     text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-    if (text.size() < kShortest || static_cast<unsigned char>(text[0]) < 0x80) {
-        return text.size() >= kShortest && console::IsDigit(text[0]);
+    if (text.size() < kShortest) {
+        return false;
+    }
+    if (text[0] > ' ' && text[0] < '\x7F') {
+        return console::IsDigit(text[0]) || check::TimeLabelSize(text) > 0;
     }
     const console::Character first = console::FirstCharacter(text);
     return first.is_valid && check::LookAlikeOf(first.code_point) != nullptr;
