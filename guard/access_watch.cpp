@@ -42,7 +42,7 @@ void tell(const DeliveredPages& pages, const char* address) {
         line << " (" << detail.c_str() << ")";
     }
     line << ". What to do: " << text.way_out << ".";
-    write_line(line);
+    report_mistake(text, pages.call, line);
 }
 
 void on_signal(int number, siginfo_t* info, void* /*context*/) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "guard/bytes.h"
 #include "guard/mistakes.h"
 #include "quillcaption/quillcaption.h"
 
@@ -31,7 +32,7 @@ struct Call {
     Function function;
 
     // Arguments, of those functions that have them.
-    unsigned handle;
+    unsigned handle;  ///< that of Create is known afterwards
     unsigned* new_handle = nullptr;
     const void* data = nullptr;
     unsigned size = 0;
@@ -44,7 +45,8 @@ struct Call {
     long thread = 0;
     const void* frame = nullptr;  ///< where its thread's stack was
     Parser* parser = nullptr;     ///< null when the handle is not live
-    unsigned inner = 0;           ///< the module's handle; 0, which it refuses, when there is none
+    unsigned long parser_number = 0;
+    unsigned inner = 0;  ///< the module's handle; 0, which it refuses, when there is none
     bool is_passed_on = true;
     long long begun_ns = 0;
 
@@ -52,6 +54,7 @@ struct Call {
     int result = 0;
     bool has_thrown = false;
     Findings found;
+    Bytes printed;  ///< when it is recorded
 };
 
 }  // namespace guard

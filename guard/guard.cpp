@@ -4,13 +4,12 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include <cerrno>
 #include <cstdlib>
-#include <ctime>
 #include <new>
 #include <numeric>
 
 #include "guard/access_watch.h"
+#include "guard/kept_errno.h"
 #include "guard/report.h"
 #include "guard/rules.h"
 
@@ -28,24 +27,6 @@ long own_thread() {
     }
     return own_number;
 }
-
-long long now_ns() {
-    timespec now = {};
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return now.tv_sec * 1000000000LL + now.tv_nsec;
-}
-
-/// The host finds errno as the module left it.
-class KeptErrno {
-  public:
-    KeptErrno() : m_error(errno) {}
-    KeptErrno(const KeptErrno&) = delete;
-    KeptErrno& operator=(const KeptErrno&) = delete;
-    ~KeptErrno() { errno = m_error; }
-
-  private:
-    int m_error;
-};
 
 void count_cues(WEBVTT_EVENT_T /*event*/, void* tag, void* info) {
     *static_cast<unsigned*>(tag) += static_cast<const WebvttDataInfo*>(info)->u4CueCount;
@@ -94,6 +75,7 @@ Guard& Guard::instance() {
 void Guard::load() {
     m_settings = read_settings();
     m_module.load(read_module_path());
+    m_recorder.open(m_settings, m_module.name(), PrintedCapture::is_possible(m_module.library()));
     m_pages.open();
     AccessWatch::keep(m_pages);
     UncaughtWatch::keep();
@@ -127,6 +109,7 @@ void Guard::unload() {
     AccessWatch::end();
     m_pages.close();
     m_parsers.live().clear();
+    PrintedCapture::end();
     m_module.unload();
 }
 
@@ -148,9 +131,11 @@ void Guard::begin(Call& call) {
         if (call.parser != nullptr) {
             ++call.parser->calls;
             call.parser->is_released = call.function == Function::kRelease;
+            call.parser_number = call.parser->number;
         }
         m_in_progress.add(call);
     }
+    m_recorder.note_call(call);
     tell(call);
     if (m_settings.slow_ms != 0) {
         call.begun_ns = now_ns();
@@ -164,6 +149,8 @@ void Guard::end(Call& call) {
                    static_cast<unsigned long>((now_ns() - call.begun_ns) / 1000000));
     }
     tell(call);  // now: behind the last call on a parser that was released there is no parser
+    m_recorder.note_fed(call);
+    const bool releases = call.function == Function::kRelease && call.parser != nullptr;
     bool is_last = false;
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
@@ -176,6 +163,10 @@ void Guard::end(Call& call) {
     if (is_last) {
         release(call);
     }
+    using Release = Recorder::Release;
+    m_recorder.note_return(call, releases == is_last ? Release::kNone
+                                 : releases          ? Release::kPutOff
+                                                     : Release::kMadeUpFor);
 }
 
 void Guard::release(Call& call) {
@@ -207,7 +198,8 @@ void Guard::adopt(Call& call, unsigned inner) {
         call.result = WEBVTT_RESULT_ERROR;
         return;
     }
-    *call.new_handle = call.parser->handle;
+    *call.new_handle = call.handle = call.parser->handle;
+    call.parser_number = call.parser->number;
     ++call.parser->calls;
 }
 
@@ -244,6 +236,8 @@ void Guard::deliver(WEBVTT_EVENT_T event, Parser& parser, void* info) {
         if (delivered->prCueList != nullptr) {
             AccessWatch::renew();
         }
+        m_recorder.note_delivery(copy.info(), number, parser.number);
+        const PrintedCapture::Pause pause;
         notify(event, tag, copy.info() != nullptr ? copy.info() : info);
     }
     const std::lock_guard<std::mutex> lock(m_mutex);
@@ -275,7 +269,7 @@ void Guard::tell(Call& call) {
     }
     call.found = Findings();
     for (const Finding& finding : told) {
-        write_line(line_of(call, finding));
+        report_mistake(text_of(finding.mistake), call.number, line_of(call, finding));
         if (m_settings.aborts) {
             std::abort();
         }
@@ -287,6 +281,7 @@ void Guard::sum_up() {
         m_mistakes[static_cast<std::size_t>(mistake)] = AccessWatch::found(mistake);
     }
     const unsigned long all = std::accumulate(m_mistakes.begin(), m_mistakes.end(), 0UL);
+    m_recorder.note_end({m_calls, m_parsers.created(), m_cues, all});
     if (all == 0 && !m_settings.always_sums_up) {
         return;
     }
@@ -309,9 +304,13 @@ void Guard::sum_up() {
 void Guard::before_fork() {
     m_mutex.lock();
     m_pages.mutex().lock();
+    m_recorder.before_fork();
+    PrintedCapture::before_fork();
 }
 
 void Guard::after_fork() {
+    PrintedCapture::after_fork();
+    m_recorder.after_fork();
     m_pages.mutex().unlock();
     m_mutex.unlock();
 }
@@ -321,7 +320,10 @@ void Guard::after_fork_in_child() {
     own_number = 0;
     m_in_progress.keep_only(forked, own_thread());
     m_pages.open();
-    after_fork();
+    PrintedCapture::after_fork_in_child();
+    m_recorder.after_fork_in_child();
+    m_pages.mutex().unlock();
+    m_mutex.unlock();
 }
 
 }  // namespace guard

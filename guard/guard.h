@@ -8,6 +8,8 @@
 #include "guard/delivery_pages.h"
 #include "guard/loaded_module.h"
 #include "guard/parser_table.h"
+#include "guard/printed_capture.h"
+#include "guard/recorder.h"
 #include "guard/settings.h"
 #include "guard/uncaught.h"
 
@@ -31,6 +33,7 @@ class Guard {
         begin(call);
         if (call.is_passed_on) {
             try {
+                const PrintedCapture capture(m_recorder.printed_of(call));
                 pass_on(m_module.methods());
             } catch (...) {
                 call.has_thrown = true;
@@ -71,6 +74,7 @@ class Guard {
     Settings m_settings;
     LoadedModule m_module;
     DeliveryPages m_pages;  ///< has a lock of its own
+    Recorder m_recorder;    ///< and so has this
 
     std::mutex m_mutex;  ///< for all below
     ParserTable m_parsers;

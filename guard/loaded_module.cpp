@@ -103,6 +103,7 @@ void LoadedModule::load(std::string path) {
     if (path.empty()) {
         path = path_beside_guard();
     }
+    m_name = path.substr(path.rfind('/') + 1);
     m_methods = kNothing;
     m_library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     const char* reason = m_library == nullptr ? dlerror() : nullptr;

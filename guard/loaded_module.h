@@ -18,8 +18,13 @@ class LoadedModule {
     void unload();
 
     const WebvttModuleMethods& methods() const { return m_methods; }
+    /// Its file name, without the folder.
+    const std::string& name() const { return m_name; }
+    /// As dlopen gave it; null when there is none.
+    void* library() const { return m_library; }
 
   private:
+    std::string m_name;
     void* m_library = nullptr;
     WebvttModuleMethods m_methods = {};
 };

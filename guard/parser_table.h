@@ -6,12 +6,20 @@
 #include <cstdint>
 #include <cstdlib>
 #include <list>
+#include <memory>
 #include <new>
 
 #include "guard/block_tracker.h"
 #include "quillcaption/quillcaption.h"
 
 namespace guard {
+
+class TrackHider;
+
+/// For what lies in memory that is not the host's operator new, and needs no destructor.
+struct Freed {
+    void operator()(void* memory) const { std::free(memory); }
+};
 
 /// What the guard keeps of a parser.
 struct Parser {
@@ -31,6 +39,7 @@ struct Parser {
     bool has_video_time = false;
     unsigned long video_time = 0;
     BlockTracker blocks;
+    std::unique_ptr<TrackHider, Freed> hider;  ///< when what is recorded is hidden
 
     unsigned calls = 0;        ///< in progress
     bool is_released = false;  ///< by the host; the module's is when no call is in progress

@@ -30,17 +30,19 @@ bool is_second(const char* name, const char* first, const char* second, const ch
     return value == second;
 }
 
-unsigned number(const char* name, const char* possible) {
+/// A number of at most nine digits; 0 when there is none.
+unsigned number(const char* name, unsigned least, const char* possible) {
     constexpr std::size_t kMostDigits = 9;
     const std::string value = variable(name);
-    if (value.empty()) {
-        return 0;
-    }
-    if (value.size() > kMostDigits || value.find_first_not_of("0123456789") != std::string::npos) {
+    const bool is_number =
+        value.size() <= kMostDigits && value.find_first_not_of("0123456789") == std::string::npos;
+    const auto found =
+        static_cast<unsigned>(is_number ? std::strtoul(value.c_str(), nullptr, 10) : 0);
+    if (!value.empty() && (!is_number || found < least)) {
         complain(name, value, possible);
         return 0;
     }
-    return static_cast<unsigned>(std::strtoul(value.c_str(), nullptr, 10));
+    return found;
 }
 
 }  // namespace
@@ -49,9 +51,14 @@ Settings read_settings() {
     Settings settings;
     settings.aborts =
         is_second("QUILLCAPTION_GUARD_ON_MISTAKE", "report", "abort", "report or abort");
-    settings.slow_ms = number("QUILLCAPTION_GUARD_SLOW_MS", "a number of milliseconds");
+    settings.slow_ms = number("QUILLCAPTION_GUARD_SLOW_MS", 0, "a number of milliseconds");
     settings.always_sums_up =
         is_second("QUILLCAPTION_GUARD_SUMMARY", "mistakes", "always", "mistakes or always");
+    settings.log = variable("QUILLCAPTION_GUARD_LOG");
+    settings.log_most =
+        number("QUILLCAPTION_GUARD_LOG_MAX", 4096, "a number of bytes from 4096 to 999999999");
+    settings.hides_text =
+        is_second("QUILLCAPTION_GUARD_LOG_TEXT", "shown", "hidden", "shown or hidden");
     return settings;
 }
 

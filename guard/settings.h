@@ -12,6 +12,12 @@ struct Settings {
     unsigned slow_ms = 0;
     /// QUILLCAPTION_GUARD_SUMMARY=always: the sum is told when there were no mistakes too.
     bool always_sums_up = false;
+    /// QUILLCAPTION_GUARD_LOG: where to record the session; empty for nowhere.
+    std::string log;
+    /// QUILLCAPTION_GUARD_LOG_MAX: bytes at which the record ends; 0 for never.
+    unsigned log_most = 0;
+    /// QUILLCAPTION_GUARD_LOG_TEXT=hidden: what is recorded can't be read.
+    bool hides_text = false;
 };
 
 /// Says on standard error which variable has a value that it can't have, and goes on without it.

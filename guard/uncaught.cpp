@@ -43,7 +43,7 @@ const std::exception* current() {
         line << text.code << " at call " << leaving.call << ", pfnParse, parser " << leaving.parser
              << ", thread " << leaving.thread << ": " << text.sentence << " (";
         line.foreign(exception->what()) << "). What to do: " << text.way_out << ".";
-        write_line(line);
+        report_mistake(text, leaving.call, line);
     }
     terminate_before();
     std::abort();

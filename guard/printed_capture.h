@@ -1,0 +1,53 @@
+// What the module writes to standard output.
+#pragma once
+
+#include "guard/bytes.h"
+
+namespace guard {
+
+/// While it lives, what its thread writes by printf or std::cout is kept, and goes where it goes
+/// otherwise, byte for byte and in the same order.
+///
+/// For that the C library's variable `stdout` and the buffer of std::cout lead to the guard as long
+/// as any thread captures. What other threads write meanwhile passes through. The stream that
+/// `stdout` leads to then shares its lock with the one before, so that whoever holds that with
+/// flockfile() holds it still.
+class PrintedCapture {
+  public:
+    /// Whether it can be done: the C library's `stdout` is a variable, and the module has no
+    /// std::cout of its own.
+    /// @param library the loaded module
+    static bool is_possible(void* library);
+
+    /// @param bytes where what is captured is kept; null to capture nothing
+    explicit PrintedCapture(Bytes* bytes);
+    PrintedCapture(const PrintedCapture&) = delete;
+    PrintedCapture& operator=(const PrintedCapture&) = delete;
+    ~PrintedCapture();
+
+    /// The host's own code runs, which writes as ever and isn't captured.
+    class Pause {
+      public:
+        Pause();
+        Pause(const Pause&) = delete;
+        Pause& operator=(const Pause&) = delete;
+        ~Pause();
+
+      private:
+        Bytes* m_kept;
+    };
+
+    // A process that forks: the child has one thread, and captures nothing more.
+    static void before_fork();
+    static void after_fork();
+    static void after_fork_in_child();
+
+    /// Nothing leads to the guard any more.
+    static void end();
+
+  private:
+    Bytes* m_before = nullptr;
+    bool m_is_capturing;
+};
+
+}  // namespace guard
