@@ -176,7 +176,7 @@ class Cue {
     Outcome eParseTimes(const Split& times, std::string_view& left);
     Outcome eReadPayloadText(std::string_view payload, char* pcText);
     void vParseSettings(std::string_view& settings);
-    void vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon);
+    void vParseSetting(std::string_view item);
     void vDeriveSettings();
 
     void vSetRegion(std::string_view value);

@@ -16,7 +16,7 @@
 namespace webvtt {
 namespace {
 
-constexpr std::ptrdiff_t kShortestItem = 3;
+constexpr std::size_t kShortestItem = 3;
 
 template <typename Value>
 struct Keyword {
@@ -58,10 +58,11 @@ struct Cue::Setting {
     void (Cue::*vSet)(std::string_view value);
 };
 
+// Those that tracks use most come first.
 const Cue::Setting Cue::kSettings[6] = {
-    {CUE_SETTING_REGION, &Cue::vSetRegion},     {CUE_SETTING_VERTICAL, &Cue::vSetVertical},
+    {CUE_SETTING_ALIGN, &Cue::vSetAlign},       {CUE_SETTING_POSITION, &Cue::vSetPosition},
     {CUE_SETTING_LINE, &Cue::vSetLine},         {CUE_SETTING_SIZE, &Cue::vSetSize},
-    {CUE_SETTING_POSITION, &Cue::vSetPosition}, {CUE_SETTING_ALIGN, &Cue::vSetAlign},
+    {CUE_SETTING_VERTICAL, &Cue::vSetVertical}, {CUE_SETTING_REGION, &Cue::vSetRegion},
 };
 
 Text_Align_Type Cue::eMapTextAlign(const WebvttString& keyword) const {
@@ -80,54 +81,41 @@ Line_Align_Type Cue::eMapLineAlign(const WebvttString& keyword) const {
 void Cue::vParseSettings(std::string_view& settings) {
     fgPositionSet = false;
     fgPositionAlignSet = false;
-    // One look at each character finds the items and the colons in them.
-    const char* const end = settings.data() + settings.size();
-    for (const char* item = settings.data();; ++item) {
-        settings = {item, static_cast<std::size_t>(end - item)};
-        const char* at = item;
-        while (at != end && *at != ' ' && *at != ':') {
-            ++at;
-        }
-        const char* const colon = at != end && *at == ':' ? at : nullptr;
-        while (at != end && *at != ' ') {
-            ++at;
-        }
-        vParseSetting(item, at, colon);
-        if (at == end) {
+    while (!settings.empty()) {
+        const char* const item = settings.data();
+        const char* const end = item + settings.size();
+        const char* const item_end = find_byte(item, end, ' ');
+        vParseSetting({item, static_cast<std::size_t>(item_end - item)});
+        if (item_end == end) {
             break;
         }
-        item = at;
+        settings.remove_prefix(static_cast<std::size_t>(item_end + 1 - item));
     }
     vDeriveSettings();
 }
 
 void Cue::vParseCueSettingItem(const WebvttString& item) {
-    const char* const begin = item.text.data();
-    const char* const end = begin + item.text.size();
-    const char* const colon = find_byte(begin, end, ':');
-    vParseSetting(begin, end, colon != end ? colon : nullptr);
+    vParseSetting(item.text);
 }
 
-/// @param pcColon the item's first colon, or null
-void Cue::vParseSetting(const char* pcItem, const char* pcEnd, const char* pcColon) {
-    if (pcEnd - pcItem < kShortestItem) {  // one of the spaces between items, too
-        return;
-    }
-    if (pcColon == nullptr || pcColon == pcItem) {
-        print_error("Item is Empty");
-        return;
-    }
-    const std::string_view name(pcItem, static_cast<std::size_t>(pcColon - pcItem));
-    const std::string_view value(pcColon + 1, static_cast<std::size_t>(pcEnd - pcColon - 1));
-    if (value.empty()) {
-        print_error("Item %.*s value is empty!", WEBVTT_PRINTABLE(name));
+void Cue::vParseSetting(std::string_view item) {
+    if (item.size() < kShortestItem) {  // one of the spaces between items, too
         return;
     }
     for (const Setting& known : kSettings) {
-        if (same_word(name, known.name.text)) {
+        const std::string_view name = known.name.text;
+        if (item.size() > name.size() + 1 && item[name.size()] == ':' &&
+            same_word(item.substr(0, name.size()), name)) {
+            const std::string_view value = item.substr(name.size() + 1);
             (this->*known.vSet)(value);
             return;
         }
+    }
+    const Split parts = split_first(item, ':');
+    if (!parts.found || parts.head.empty()) {
+        print_error("Item is Empty");
+    } else if (parts.tail.empty()) {
+        print_error("Item %.*s value is empty!", WEBVTT_PRINTABLE(parts.head));
     }
 }
 

@@ -12,13 +12,21 @@ bool BlockBuffer::fgCopyLines(const ChunkLines& lines) {
     if (!fgReserve(lines.text.size() + 1)) {
         return false;
     }
-    vPut(lines.text);
-    if (!lines.is_cut) {
+    const char* line = lines.text.data();
+    for (unsigned i = 0;; ++i) {
+        const char* const end = lines.ends[i];
+        vPut({line, static_cast<std::size_t>(end - line)});
+        if (lines.is_cut) {
+            return true;
+        }
         m_data[m_size] = '\n';
         m_data[++m_size] = '\0';
-        m_line_feeds += lines.count;
+        ++m_line_feeds;
+        if (i + 1 == lines.count) {
+            return true;
+        }
+        line = end + (end[0] == '\r' && end[1] == '\n' ? 2 : 1);
     }
-    return true;
 }
 
 bool BlockBuffer::fgAppendText(std::string_view text) {

@@ -10,7 +10,7 @@
 namespace webvtt {
 namespace {
 
-constexpr unsigned kMostLines = 10;
+constexpr unsigned kMostLines = ChunkLines::kMost;
 
 bool has_markup(std::string_view text) {
     const char* const end = text.data() + text.size();

@@ -215,7 +215,8 @@ TEST(AllocationFailureCreate, StoresZeroAndRegistersNothing) {
 TEST(AllocationFailureBlockBuffer, LeavesTheTextAsBefore) {
     const std::string chunk = kLong + "\r\n";
     const std::string_view text(chunk.data(), kLong.size());
-    const ChunkLines long_line{text, text, chunk.size(), 1, false, false, false, false};
+    const ChunkLines long_line{
+        text, text, chunk.size(), 1, false, false, false, false, {text.data() + text.size()}};
     BlockBuffer buffer;
     {
         const FailingNew failing(1);

@@ -81,6 +81,19 @@ TEST(BlockBuffer, BorrowsOrCopiesLinesThatAreUsedTogether) {
     }
 }
 
+TEST(BlockBuffer, TakesLineEndsOutOfLinesThatAreUsedTogether) {
+    Chunk chunk("one\r\ntwo\rthree\nfour\r\n\r\nfive");
+    LineFinder finder;
+    finder.start(chunk.block.data() + chunk.block.size());
+    ChunkLines lines;
+    ASSERT_TRUE(finder.find(chunk.block.data(), ChunkLines::kMost, &lines));
+    BlockBuffer buffer;
+    ASSERT_TRUE(buffer.fgAppendLines(lines));
+    EXPECT_EQ(buffer.strText(), "one\ntwo\nthree\nfour\n");
+    EXPECT_STREQ(buffer.pcOwned(), "one\ntwo\nthree\nfour\n");
+    EXPECT_EQ(buffer.uLineFeeds(), 4u);
+}
+
 TEST(BlockBuffer, CopiesWhatDoesNotLieAsItIsUsed) {
     const struct {
         std::string chunk, text;

@@ -101,20 +101,21 @@ TEST(LineFinder, FindsLinesThatAreUsedTogether) {
         {"a\nb\nc\n\nd\n", "[a\nb\nc]3 takes 6, []1 takes 1, [d]1 takes 2, +"},
         {"a\nb\nc\nd\n", "[a\nb\nc]3 takes 6, [d]1 takes 2, +"},
         {" \n\n", "[ ]1 takes 3 blank, +"},
-        // A line that does not lie as it is used is found alone.
-        {"a\nb\r\n\nc\n", "[a]1 takes 2, [b]1 takes 3, []1 takes 1, [c]1 takes 2, +"},
-        {"a\nb\rc\n", "[a]1 takes 2, [b]1 takes 2, [c]1 takes 2, +"},
-        {"a\nb\0\n\n"s, "[a]1 takes 2, [b]1 takes 3, []1 takes 1, +"},
-        {"a\n\r\nb", "[a]1 takes 2, []1 takes 2, +b"},
-        // Nor is a blank line behind it looked for, but for CR LF behind CR LF.
+        // Whatever their line ends are.
+        {"a\r\nb\r\n", "[a\r\nb]2 takes 6, +"},
+        {"a\nb\rc\n", "[a\nb\rc]3 takes 6, +"},
+        {"a\nb\r\n\nc\n", "[a\nb]2 takes 6 blank, [c]1 takes 2, +"},
+        {"a\n\r\nb", "[a]1 takes 4 blank, +b"},
         {"a\r\n\r\nb\r\n", "[a]1 takes 5 blank, [b]1 takes 3, +"},
-        {"a\r\n\r", "[a]1 takes 3, []1 takes 1, +"},
-        {"a\r\n\rb", "[a]1 takes 3, []1 takes 1, +b"},
-        {"a\r\n\n\n", "[a]1 takes 3, []1 takes 1, []1 takes 1, +"},
-        {"a\r\nb\r\n", "[a]1 takes 3, [b]1 takes 3, +"},
+        {"a\r\n\rb", "[a]1 takes 4 blank, +b"},
+        {"a\r\n\n\n", "[a]1 takes 4 blank, []1 takes 1, +"},
         {"\r\n\r\n", "[]1 takes 2, []1 takes 2, +"},
+        // A line that a zero cuts is found alone, and so is one whose line end may go on.
+        {"a\nb\0\n\n"s, "[a]1 takes 2, [b]1 takes 3, []1 takes 1, +"},
         {"a\0\r\n\r\nb"s, "[a]1 takes 4, []1 takes 2, +b"},
-        {"ab\0\r\n\r\nc"s, "[ab]1 takes 7 blank, +c"},
+        {"ab\0\r\n\r\nc"s, "[ab]1 takes 5, []1 takes 2, +c"},
+        {"a\r\nb\r", "[a]1 takes 3, [b]1 takes 2, +"},
+        {"a\r\n\r", "[a]1 takes 3, []1 takes 1, +"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.chunk));
