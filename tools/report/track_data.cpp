@@ -52,7 +52,7 @@ class CheckLines {
 
     Columns findings;
     Columns blocks;
-    Json sums;
+    Json sums = Json::object();
     std::set<std::string> codes;
 
   private:

@@ -89,8 +89,8 @@ class Timeline {
         });
         const act = (text, name, action) =>
             bar.append(button(text, name, () => this.#change(action)));
-        act('−', 'Zoom out', (view) => view.zoom(ZOOM));
-        act('+', 'Zoom in', (view) => view.zoom(1 / ZOOM));
+        act('−', 'Zoom out', () => this.#zoom(ZOOM));
+        act('+', 'Zoom in', () => this.#zoom(1 / ZOOM));
         act('⟷', 'Show everything', (view) => view.zoom(Infinity));
         act('◀', 'Move the view back', (view) => view.pan(-0.25));
         act('▶', 'Move the view on', (view) => view.pan(0.25));
@@ -100,6 +100,12 @@ class Timeline {
     #change(action) {
         action(this.#view);
         this.#draw();
+    }
+
+    /** Around the playhead, if that is in sight. */
+    #zoom(factor) {
+        const part = (this.#store.time - this.#view.start) / this.#view.span;
+        this.#view.zoom(factor, part >= 0 && part <= 1 ? part : 0.5);
     }
 
     #reveal(time) {
@@ -148,8 +154,8 @@ class Timeline {
             ArrowRight: arrow,
             Home: () => this.#store.seek(this.layout.start),
             End: () => this.#store.seek(this.layout.end),
-            '+': () => this.#change((view) => view.zoom(1 / ZOOM)),
-            '-': () => this.#change((view) => view.zoom(ZOOM)),
+            '+': () => this.#change(() => this.#zoom(1 / ZOOM)),
+            '-': () => this.#change(() => this.#zoom(ZOOM)),
             0: () => this.#change((view) => view.zoom(Infinity)),
             n: () => this.#store.step(cues, 1),
             p: () => this.#store.step(cues, -1),
