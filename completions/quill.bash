@@ -7,7 +7,7 @@ declare -gA _quill_options=(
     [quill]='--help --version'
     [check]='--help --files-from --format --color --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --blocks --module --quiet'
     [conform]='--help --list --only --failed-only --cases --time --timeout --format'
-    [cues]='--help --format --chunk --pts --module --quiet'
+    [cues]='--help --format --chunk --pts --record --module --quiet'
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
     [inspect]='--help --format'
     [replay]='--help --show --track --case --check --parser --pace --timeout --format --module'
@@ -24,7 +24,7 @@ _quill_value() {
         *:--format) values='text json' ;;
         check:--color) values='auto always never' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | *:--files-from | *:--output | *:-o | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--module | *:--files-from | *:--output | *:-o | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track | cues:--record) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | *:--timeout | *:--parser | *:--only | fix:--skip | fix:--from) ;;
         *) return 1 ;;
     esac

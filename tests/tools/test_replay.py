@@ -375,7 +375,7 @@ class Showing(ReplayTest):
             '00:02.000\\nHello\\n\\n"  = 0',
             "    4    0.004000  thread 1  pfnGetParseResult, parser 1  1 cue",
             "    5    0.005000  thread 1    pfnRelease, parser 1  put off",
-            "      H105 at call 5: what is wrong. What to do: the right thing.",
+            "      H105: what is wrong. What to do: the right thing.",
             '    6    0.006000  thread 1  pfnParse, parser 1, 50 bytes "' + "x" * 40 + '"...  no return',
             "      H118 at call 7: what is wrong. What to do: the right thing.",
             "6 calls, 2 mistakes"])

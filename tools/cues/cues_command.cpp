@@ -5,6 +5,7 @@
 #include "tools/cues/track_player.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
+#include "tools/host/recording.h"
 #include "tools/host/track_reader.h"
 
 namespace quill::cues {
@@ -63,6 +64,9 @@ CuesCommand::CuesCommand(CLI::App& app)
         "--pts", "TICKS", [this](const std::string& text) { video_pts_ = ParseVideoPts(text); },
         "The video's presentation time, 90000 ticks a second; its\n"
         "whole seconds are subtracted from all cue times");
+    line.AddOption("--record", "LOG", record_,
+                   "Write all calls and what came of them to this file, for\n"
+                   "quill replay");
     console::AddModuleArguments(line, module_);
     line.SetFooter(kFooter);
 }
@@ -72,7 +76,7 @@ console::ExitCode CuesCommand::Run(console::Output& output) {
     const std::string path = module_.path.empty() ? host::FindDefaultModule() : module_.path;
     host::DiagnosticsCapture capture(module_.quiet ? host::DiagnosticsCapture::Mode::kDrop
                                                    : host::DiagnosticsCapture::Mode::kShow);
-    const host::ModuleHandle module(path);
+    const host::ModuleHandle module(record_.empty() ? path : host::RecordTo(record_, path));
     CuePrinter printer(output, format_);
     try {
         TrackPlayer player(module, capture, track, printer);

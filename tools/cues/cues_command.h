@@ -23,6 +23,7 @@ class CuesCommand : public console::Command {
     CueFormatter format_ = FormatAsText;
     std::optional<unsigned int> chunk_size_;
     std::uint32_t video_pts_ = 0;
+    std::string record_;  // empty: nothing is recorded
     console::ModuleArguments module_;
 };
 

@@ -12,6 +12,7 @@ namespace quill::host {
 namespace {
 
 constexpr char kModuleName[] = "quillcaption.so";
+constexpr char kGuardName[] = "quillcaption-guard.so";
 
 // Of an installation; a relative one starts at the program's folder. The build sets it.
 constexpr char kInstalledFolder[] = QUILL_MODULE_DIR;
@@ -22,6 +23,22 @@ std::string OwnFolder() {
     const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
     const std::string program(path.data(), length > 0 ? static_cast<std::size_t>(length) : 0);
     return program.substr(0, program.rfind('/') + 1);
+}
+
+// A file that belongs to this program, in its own folder or in the one of an installation.
+std::string FindOwnFile(const char* name, const std::string& lack, const std::string& way_out) {
+    const std::string own_folder = OwnFolder();
+    std::string beside = own_folder + name;
+    if (access(beside.c_str(), F_OK) == 0) {
+        return beside;
+    }
+    const std::string start = kInstalledFolder[0] == '/' ? "" : own_folder;
+    std::string installed = start + kInstalledFolder + "/" + name;
+    if (access(installed.c_str(), F_OK) == 0) {
+        return installed;
+    }
+    throw console::Failure(console::kExitUnloadable, lack + ": there is neither " + beside +
+                                                         " nor " + installed + "; " + way_out);
 }
 
 const WebvttModuleMethods* FindMethods(const Library& library, const std::string& path) {
@@ -48,19 +65,12 @@ const WebvttModuleMethods* FindMethods(const Library& library, const std::string
 }  // namespace
 
 std::string FindDefaultModule() {
-    const std::string own_folder = OwnFolder();
-    std::string beside = own_folder + kModuleName;
-    if (access(beside.c_str(), F_OK) == 0) {
-        return beside;
-    }
-    const std::string start = kInstalledFolder[0] == '/' ? "" : own_folder;
-    std::string installed = start + kInstalledFolder + "/" + kModuleName;
-    if (access(installed.c_str(), F_OK) == 0) {
-        return installed;
-    }
-    throw console::Failure(console::kExitUnloadable, "no module: there is neither " + beside +
-                                                         " nor " + installed +
-                                                         "; name one with --module FILE");
+    return FindOwnFile(kModuleName, "no module", "name one with --module FILE");
+}
+
+std::string FindGuard() {
+    return FindOwnFile(kGuardName, "no guard, which records",
+                       "cmake --install --component guard installs it");
 }
 
 Library::Library(const std::string& path) {

@@ -13,6 +13,9 @@ namespace quill::host {
 // neither.
 std::string FindDefaultModule();
 
+// The guard that belongs to this program, from the same two places.
+std::string FindGuard();
+
 // A file that is loaded into this program; unloads it at the end.
 class Library {
   public:

@@ -7,6 +7,7 @@
 
 #include "support/notation.h"
 #include "tools/console/escape.h"
+#include "tools/console/text.h"
 
 namespace quill::replay {
 namespace {
@@ -58,6 +59,13 @@ std::size_t DepthOf(const Session& session, const Call& call) {
     return depth;
 }
 
+// "H105: what is wrong", for a mistake below its call.
+std::string WithoutPlace(const Mistake& mistake) {
+    const bool has_place = console::BeginsWith(mistake.text, mistake.code + " at call ");
+    const std::size_t end = has_place ? mistake.text.find(": ") : std::string::npos;
+    return end == std::string::npos ? mistake.text : mistake.code + mistake.text.substr(end);
+}
+
 std::string ShowCall(const Session& session, const Call& call) {
     std::array<char, 64> front;
     std::snprintf(front.data(), front.size(), "%5u %11.6f  thread %u  ",
@@ -67,7 +75,7 @@ std::string ShowCall(const Session& session, const Call& call) {
     std::string text = TextLine(front.data() + std::string(2 * DepthOf(session, call), ' ') +
                                 DescribeCall(call) + (outcome.empty() ? "" : "  " + outcome));
     for (const Mistake& mistake : call.mistakes) {
-        text += TextLine("      " + mistake.text);
+        text += TextLine("      " + WithoutPlace(mistake));
     }
     return text;
 }

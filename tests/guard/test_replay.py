@@ -1,0 +1,142 @@
+"""What the guard records is played again by quill, and comes out as recorded: of every host that
+makes a mistake, of a right one, and of quill itself.
+
+GUARD is the guard's file, GUARD_QUILL quill, GUARD_HOST the example host, GUARD_MISTAKES the folder
+of the built hosts of examples/mistakes, GUARD_SOURCE the top folder, GUARD_EMULATOR what runs
+programs of the target, if anything, GUARD_SANITIZE the sanitizers of the build, if any.
+"""
+
+import json
+import os
+import pathlib
+import re
+import subprocess
+import tempfile
+import unittest
+
+GUARD = os.environ["GUARD"]
+QUILL = os.environ["GUARD_QUILL"]
+HOSTS = pathlib.Path(os.environ["GUARD_MISTAKES"])
+SOURCE = pathlib.Path(os.environ["GUARD_SOURCE"])
+EMULATOR = os.environ["GUARD_EMULATOR"].split()
+SANITIZED = "address" in os.environ["GUARD_SANITIZE"]
+
+MISTAKES = sorted(path.stem for path in (SOURCE / "examples/mistakes").glob("*.c"))
+SAMPLE = SOURCE / "samples/three-mistakes.log"
+
+# How many calls of a host do not return, because that ends within one.
+WITHOUT_RETURN = {"H119_unloaded_in_call": 1, "H122_record_changed": 1, "H122_record_freed": 1}
+# A sanitizer has a heap of its own, which knows by itself what was not its, and gives no address
+# again soon.
+ONLY_WITHOUT_SANITIZER = {"H104_given_again", "H122_record_freed"}
+
+
+class ReplayTest(unittest.TestCase):
+    maxDiff = None
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.log = self.folder / "session.log"
+
+    def run_program(self, *command, **variables):
+        done = subprocess.run([*EMULATOR, *map(str, command)], check=False, timeout=60,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=self.folder,
+                              env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0", **variables})
+        return done.returncode, done.stdout.decode("latin-1"), done.stderr.decode("latin-1")
+
+    def record(self, host, *arguments, **variables):
+        return self.run_program(host, GUARD, *arguments, QUILLCAPTION_GUARD_LOG=str(self.log),
+                                **variables)
+
+    def replay(self, *arguments):
+        code, out, said = self.run_program(QUILL, "replay", *arguments, self.log)
+        self.assertEqual((code, said), (0, ""), out)
+        return out
+
+    def expect_same(self, without_return=0):
+        verdict = self.replay()
+        self.assertRegex(verdict, r"session.log: all \d+ calls? came out as recorded")
+        returned = re.search(r"(\d+) more did not return", verdict)
+        self.assertEqual(int(returned[1]) if returned else 0, without_return, verdict)
+        self.assertNotIn("cut off", verdict)
+
+    def expect_same_case(self):
+        self.folder.joinpath("session.cases").write_text(self.replay("--case"))
+        code, out, _ = self.run_program(QUILL, "conform", "--cases", "session.cases")
+        self.assertEqual((code, out), (0, "passed  session/session\n1 case: 1 passed\n"))
+
+    def test_every_mistaken_host_comes_out_as_recorded(self):
+        self.assertGreater(len(MISTAKES), 20)
+        for name in MISTAKES:
+            if SANITIZED and name in ONLY_WITHOUT_SANITIZER:
+                continue
+            with self.subTest(name):
+                self.record(HOSTS / name, QUILLCAPTION_GUARD_SLOW_MS="400")
+                self.expect_same(WITHOUT_RETURN.get(name, 0))
+                self.assertIn(f"\n      {name[:4]}", self.replay("--show"))
+
+    def test_a_right_host(self):
+        for track in sorted((SOURCE / "samples").glob("*.vtt")):
+            with self.subTest(track.name):
+                self.record(os.environ["GUARD_HOST"], track)
+                self.expect_same()
+                self.expect_same_case()
+
+    def test_a_hidden_session(self):
+        self.record(os.environ["GUARD_HOST"], SOURCE / "samples/dialogue.vtt",
+                    QUILLCAPTION_GUARD_LOG_TEXT="hidden")
+        self.assertNotIn("ferry", self.log.read_text())
+        self.expect_same()
+        self.expect_same_case()
+
+    def test_what_was_fed(self):
+        track = SOURCE / "samples/dialogue.vtt"
+        code, out, said = self.run_program(QUILL, "cues", "--chunk", "100", "--record", self.log,
+                                           track)
+        self.assertEqual((code, out, said), self.run_program(QUILL, "cues", "--chunk", "100", track))
+        self.expect_same()
+        self.replay("--track", "fed.vtt")
+        self.assertEqual(self.folder.joinpath("fed.vtt").read_bytes(),
+                         track.read_bytes() + b"\n\n\n")
+
+    def test_quill_records_itself(self):
+        for track in sorted((SOURCE / "samples").glob("*.vtt")):
+            with self.subTest(track.name):
+                told = self.run_program(QUILL, "cues", "--pts", "90000", track)
+                self.assertEqual(self.run_program(QUILL, "cues", "--pts", "90000", "--record",
+                                                  self.log, track), told)
+                self.expect_same()
+                self.assertIn("pfnSetVideoPTS, parser 1, 90000 ticks\n", self.replay("--show"))
+
+    def test_quill_cannot_record(self):
+        track = SOURCE / "samples/dialogue.vtt"
+        for log, module, code, words in (
+                ("/none/x.log", [], 2, "quill: /none/x.log: No such file"),
+                ("x%p.log", [], 2, 'quill: x%p.log: "%p" cannot be part of a log\'s name'),
+                (".", [], 2, "quill: .: Is a directory"),
+                ("x.log", ["--module", "none.so"], 3, "quill: cannot read the module none.so")):
+            with self.subTest(log):
+                done = self.run_program(QUILL, "cues", "--record", log, *module, track)
+                self.assertEqual((done[0], done[1]), (code, ""))
+                self.assertTrue(done[2].startswith(words), done[2])
+
+    def test_the_sample_is_what_its_host_does(self):
+        """But for the times, the thread's number and the version of the guard."""
+        self.record(HOSTS / "three_mistakes")
+        self.assertEqual(self.without_chance(self.log), self.without_chance(SAMPLE))
+
+    @staticmethod
+    def without_chance(log):
+        lines = [json.loads(line) for line in log.read_text().splitlines()]
+        for line in lines:
+            for name in ("us", "started", "guard"):
+                line.pop(name, None)
+            if "mistake" in line:
+                line["text"] = re.sub(r"thread \d+", "thread T", line["text"])
+        return lines
+
+
+if __name__ == "__main__":
+    unittest.main()
