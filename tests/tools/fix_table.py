@@ -42,6 +42,8 @@ start(b"00:00:01:12", b"00:00:01:12", "", "3:Q101")
 start(b"00:61:00.000", b"00:61:00.000", "", "3:Q101")
 start(b"00:00:61.000", b"00:00:61.000", "", "3:Q101")
 start(b"1 00:01.000", b"1 00:01.000", "", "3:Q101")
+for kept in (b"1: 00:01.000", b"1) 00:01.000", b"2026-01-01T00:00:01.000"):
+    start(kept, kept, "", "3:Q101")
 start(b"\x1b[1m00:01.000", b"\x1b[1m00:01.000", "", "3:Q101")
 start(b"00:01:000", b"00:01:000", "", "3:Q101")
 start(b"00.00.01", b"00.00.01", "", "3:Q101")
@@ -62,7 +64,7 @@ row(gzip.compress(GOOD), GOOD, "1:Q136")
 row(gzip.compress(b"\xef\xbb\xbf" + GOOD), GOOD, "1:Q136 1:Q131")
 row(b"webvtt" + GOOD[6:], GOOD, "1:Q141")
 row(b"WebVTT\ttitle" + GOOD[6:], b"WEBVTT\ttitle" + GOOD[6:], "1:Q141")
-for word in (b"WEBVT", b"WEBVVT", b"Web VTT", b"#WEBVTT", b"WEB-VTT"):
+for word in (b"WEBVT", b"WEBVVT", b"Web VTT", b"#WEBVTT", b"WEB-VTT", b"[WEBVTT]"):
     row(word + GOOD[6:], GOOD, "1:Q141")
 row(b"WEBVT title" + GOOD[6:], b"WEBVTT title" + GOOD[6:], "1:Q141")
 for line_end in (b"\\n", b"\\r\\n", b"\\r", "\u2028".encode(), "\u2029".encode(), "\u0085".encode(),
@@ -116,6 +118,7 @@ timing(b"00:01.000 --> 00:02", b"00:01.000 --> 00:02.000", "3:Q103")
 timing(b"00:01.000 --> 00:02.000\t", b"00:01.000 --> 00:02.000", "3:Q103")
 timing(b"00:01.000 --> 00:02.000align:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
 timing(b"00:01.000 --> 00:02.000\talign:end", b"00:01.000 --> 00:02.000 align:end", "3:Q103")
+timing(b"00:01.000 --> 00:02.000;", b"00:01.000 --> 00:02.000", "3:Q103")
 timing(b"[00:01.000 --> 00:02.000]", b"00:01.000 --> 00:02.000", "3:Q101 3:Q103")
 timing(b"Begin: 00:01.000 --> End: 00:02.000 align:end", b"00:01.000 --> 00:02.000 align:end",
        "3:Q101 3:Q103")

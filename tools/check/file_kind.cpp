@@ -49,7 +49,7 @@ bool IsSubRip(std::string_view text) {
 // "0:00:01.000,0:00:02.000"
 bool IsSbv(std::string_view text) {
     const std::optional<MeantTiming> meant = ReadMeantTiming(LineAt(text, 0).text);
-    return meant && meant->arrow == "," && meant->has_thousandths;
+    return meant && meant->arrow == "," && meant->has_thousandths && meant->is_certain;
 }
 
 struct Kind {
@@ -221,7 +221,7 @@ Finding ExplainMark(std::string_view track) {
 bool IsNearlySignature(std::string_view text) {
     std::string letters;
     for (const char c : text.substr(0, 2 * kSignature.size())) {
-        if (std::string_view(" -_.").find(c) == std::string_view::npos) {
+        if (std::string_view(" -_.[]").find(c) == std::string_view::npos) {
             letters += static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
         }
     }
@@ -268,7 +268,9 @@ Finding ExplainFirstLine(std::string_view track) {
 }  // namespace
 
 std::size_t NearlySignatureSize(std::string_view line) {
-    if (line.substr(0, 1) == " " || console::BeginsWithAnyCase(line, "webvtt")) {
+    constexpr std::string_view kFirst = "#[ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    if (line.empty() || kFirst.find(line[0]) == std::string_view::npos ||
+        console::BeginsWithAnyCase(line, "webvtt")) {
         return 0;
     }
     const std::string_view word = line.substr(0, line.find_first_of(" \t"));
@@ -286,7 +288,8 @@ Finding ExplainRejection(std::string_view track) {
         return {1, "empty", "the file is all zero bytes"};
     }
     Kind kind = KindOfBytes(track);
-    if (kind.name == nullptr && !HasLateSignature(unmarked)) {
+    if (kind.name == nullptr && !HasLateSignature(unmarked) &&
+        NearlySignatureSize(LineAt(track, 0).all) == 0) {
         kind = KindOfText(WithoutBlanks(unmarked), has_mark);
     }
     if (kind.name != nullptr) {

@@ -75,6 +75,7 @@ class Reader {
         }
         NoteLookAlikes(time);
         RemoveLabel();
+        RemoveNumber();
         NoteSpaces();
     }
 
@@ -118,6 +119,19 @@ class Reader {
         }
     }
 
+    // "1: 00:01.000" is a number before a time, or a time with an hour.
+    void RemoveNumber() {
+        const std::size_t mark = std::min(time_.find_first_not_of(kDigits), time_.size());
+        const std::size_t begin = std::min(time_.find_first_not_of(' ', mark + 1), time_.size());
+        const std::size_t usual = UsualTimeSize(std::string_view(time_).substr(begin));
+        if (mark > 0 && begin > mark + 1 && time_[mark] != ' ' && usual > 0 &&
+            usual == time_.size() - begin) {
+            Note(Quoted(time_.substr(0, mark + 1)) + " stands before it");
+            time_.erase(0, begin);
+            is_certain_ = false;
+        }
+    }
+
     void NoteSpaces() {
         if (time_.find(' ') != std::string::npos &&
             time_.find_first_of(kDigits) != std::string::npos) {
@@ -156,6 +170,11 @@ class Reader {
             Note("it is negative");
             return false;
         }
+        const std::size_t last = time_.find_last_not_of(",;");
+        if (last != kNowhere && last + 1 < time_.size() && time_.find_first_of(".,") < last) {
+            Note(Quoted(time_.substr(last + 1)) + " stands behind it");
+            time_.resize(last + 1);
+        }
         const std::size_t end = std::min(time_.find_first_not_of("0123456789:.,;"), time_.size());
         if (end == 0) {
             return false;
@@ -165,11 +184,11 @@ class Reader {
             is_certain_ =
                 is_certain_ && (behind == "s" || behind == "S" ||
                                 (behind.size() == 1 && kClosing.find(behind) != kNowhere));
-            Note(behind.find(':') != std::string::npos
-                     ? "no space stands between it and " + Quoted(behind)
-                     : Quoted(behind) + " stands behind it");
-            if (behind.find(':') == std::string::npos &&
-                behind.find_first_of(kDigits) != std::string::npos) {
+            const bool is_setting =
+                behind.find(':') != std::string::npos && behind[0] >= 'A' && behind[0] <= 'z';
+            Note(is_setting ? "no space stands between it and " + Quoted(behind)
+                            : Quoted(behind) + " stands behind it");
+            if (!is_setting && behind.find_first_of(kDigits) != std::string::npos) {
                 return false;  // a time in another form
             }
         }
