@@ -144,7 +144,24 @@ void BlockCheck::ExplainLost(const Block& block, const Verdict& verdict, Finding
     if (!has_times && (awaits_text_ || is_identifier)) {
         return;
     }
-    findings.push_back(ExplainLoss(text_, verdict, around, asked_));
+    findings.push_back(ExplainLostOnce(block, verdict, around));
+}
+
+// A track that consists of one stray line over and over again has it explained once.
+Finding BlockCheck::ExplainLostOnce(const Block& block, const Verdict& verdict,
+                                    const Surroundings& around) {
+    const bool may_repeat = text_.size() == 1 && !block.is_open;
+    if (may_repeat && explained_ && explained_->text == text_.line(0).all &&
+        explained_->around == around) {
+        Finding finding = explained_->finding;
+        finding.line = block.first_line;
+        return finding;
+    }
+    Finding finding = ExplainLoss(text_, verdict, around, asked_);
+    if (may_repeat) {
+        explained_ = Explained{text_.line(0).all, around, finding};
+    }
+    return finding;
 }
 
 // The rest of a block that was cut after ten lines.

@@ -46,6 +46,7 @@ class BlockCheck {
     ByteClass JudgeLost(const Block& block, const Verdict& verdict, Findings& findings);
     ByteClass JudgeComment(Findings& findings);
     void ExplainLost(const Block& block, const Verdict& verdict, Findings& findings);
+    Finding ExplainLostOnce(const Block& block, const Verdict& verdict, const Surroundings& around);
     void ExplainRest(const Block& block, const Verdict& verdict, Findings& findings);
     void NoteForm(const Block& block, const Verdict& verdict);
     void Note(const Block& block, const Verdict& verdict, ByteClass fate);
@@ -64,6 +65,12 @@ class BlockCheck {
     BlockText text_;
     BlockForm above_ = BlockForm::kNothing;  // of the block above
     bool awaits_text_ = false;  // the finding of the block above speaks of the text below it
+    struct Explained {
+        std::string_view text;
+        Surroundings around;
+        Finding finding;
+    };
+    std::optional<Explained> explained_;  // the last block of one line that is lost
     LineCounter line_counter_;
 };
 

@@ -13,6 +13,12 @@ namespace quill::check {
 enum class BlockForm { kNothing, kCue, kComment, kText };
 
 struct Surroundings {
+    bool operator==(const Surroundings& other) const {
+        return above == other.above && below == other.below &&
+               blank_lines_below == other.blank_lines_below &&
+               ends_in_two_returns == other.ends_in_two_returns;
+    }
+
     BlockForm above = BlockForm::kNothing;
     BlockForm below = BlockForm::kNothing;
     std::uint32_t blank_lines_below = 0;
