@@ -74,8 +74,8 @@ Guard& Guard::instance() {
 
 void Guard::load() {
     m_settings = read_settings();
-    m_module.load(read_module_path());
-    m_recorder.open(m_settings, m_module.name(), PrintedCapture::is_possible(m_module.library()));
+    const std::string name = m_module.load(read_module_path());
+    m_recorder.open(read_log_settings(), name, PrintedCapture::is_possible(m_module.library()));
     m_pages.open();
     AccessWatch::keep(m_pages);
     UncaughtWatch::keep();

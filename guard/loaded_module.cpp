@@ -99,11 +99,10 @@ WebvttModuleMethods find_methods(void* library, const char*& reason) {
 
 }  // namespace
 
-void LoadedModule::load(std::string path) {
+std::string LoadedModule::load(std::string path) {
     if (path.empty()) {
         path = path_beside_guard();
     }
-    m_name = path.substr(path.rfind('/') + 1);
     m_methods = kNothing;
     m_library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     const char* reason = m_library == nullptr ? dlerror() : nullptr;
@@ -122,6 +121,7 @@ void LoadedModule::load(std::string path) {
                                 "that the guard is to watch";
         write_line(line);
     }
+    return path.substr(path.rfind('/') + 1);
 }
 
 void LoadedModule::unload() {

@@ -12,19 +12,17 @@ namespace guard {
 class LoadedModule {
   public:
     /// @param path the module's file; empty for quillcaption.so in the folder of the guard
-    void load(std::string path);
+    /// @return its file name, without the folder
+    std::string load(std::string path);
 
     /// Afterwards the functions refuse everything.
     void unload();
 
     const WebvttModuleMethods& methods() const { return m_methods; }
-    /// Its file name, without the folder.
-    const std::string& name() const { return m_name; }
     /// As dlopen gave it; null when there is none.
     void* library() const { return m_library; }
 
   private:
-    std::string m_name;
     void* m_library = nullptr;
     WebvttModuleMethods m_methods = {};
 };

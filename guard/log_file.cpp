@@ -46,10 +46,12 @@ int write_all(int file, std::string_view bytes) {
 }  // namespace
 
 void LogFile::open(const std::string& path, unsigned most) {
-    m_path = with_process(path);
+    const std::string name = with_process(path);
+    m_path = Text<300>();
+    m_path.foreign(name.c_str());
     m_left = most != 0 ? most : ~0ULL;
     // A pipe that nobody reads must not keep the host waiting; files don't mind.
-    m_file = ::open(m_path.c_str(),
+    m_file = ::open(name.c_str(),
                     O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_LARGEFILE,
                     0666);
     if (!is_open()) {
@@ -82,9 +84,8 @@ void LogFile::write(std::string_view line) {
         fail(error);
     } else if (was_open && !fits) {
         Line said;
-        said << "the log ";
-        said.foreign(m_path.c_str())
-            << " has reached QUILLCAPTION_GUARD_LOG_MAX; nothing is recorded from here on";
+        said << "the log " << m_path.c_str()
+             << " has reached QUILLCAPTION_GUARD_LOG_MAX; nothing is recorded from here on";
         write_line(said);
     }
 }
@@ -108,8 +109,7 @@ void LogFile::leave() {
 
 void LogFile::fail(int error) {
     Line line;
-    line << "cannot record to ";
-    line.foreign(m_path.c_str()) << ": ";
+    line << "cannot record to " << m_path.c_str() << ": ";
     line.foreign(std::strerror(error))
         << "; going on without. Set QUILLCAPTION_GUARD_LOG to a file that can be written, on a "
            "system with room for it";

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "guard/text.h"
+
 namespace guard {
 
 /// Takes whole lines, each in one write, so that a crash loses at most the one in progress. What it
@@ -35,7 +37,7 @@ class LogFile {
 
     std::atomic<int> m_file{-1};
     std::atomic_flag m_is_busy = ATOMIC_FLAG_INIT;
-    std::string m_path;
+    Text<300> m_path;  ///< fit to be shown
     dev_t m_device = 0;
     ino64_t m_inode = 0;
     unsigned long long m_left = 0;  ///< bytes until the limit

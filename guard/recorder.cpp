@@ -85,14 +85,14 @@ TrackHider* hider_of(Parser& parser) {
 
 }  // namespace
 
-void Recorder::open(const Settings& settings, const std::string& module, bool captures) {
-    if (settings.log.empty()) {
+void Recorder::open(const LogSettings& settings, const std::string& module, bool captures) {
+    if (settings.file.empty()) {
         return;
     }
     m_started_ns = now_ns();
     m_captures = captures;
     m_hides_text = settings.hides_text;
-    m_file.open(settings.log, settings.log_most);
+    m_file.open(settings.file, settings.most);
     LogLine line;
     const std::string_view name = session_log::kName;
     line.add(field::kLog, name)

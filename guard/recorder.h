@@ -26,7 +26,7 @@ class Recorder {
   public:
     /// @param module the file name of the module that is recorded
     /// @param captures whether what it prints can be captured
-    void open(const Settings& settings, const std::string& module, bool captures);
+    void open(const LogSettings& settings, const std::string& module, bool captures);
 
     bool is_recording() const { return m_file.is_open(); }
 

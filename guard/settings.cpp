@@ -54,8 +54,13 @@ Settings read_settings() {
     settings.slow_ms = number("QUILLCAPTION_GUARD_SLOW_MS", 0, "a number of milliseconds");
     settings.always_sums_up =
         is_second("QUILLCAPTION_GUARD_SUMMARY", "mistakes", "always", "mistakes or always");
-    settings.log = variable("QUILLCAPTION_GUARD_LOG");
-    settings.log_most =
+    return settings;
+}
+
+LogSettings read_log_settings() {
+    LogSettings settings;
+    settings.file = variable("QUILLCAPTION_GUARD_LOG");
+    settings.most =
         number("QUILLCAPTION_GUARD_LOG_MAX", 4096, "a number of bytes from 4096 to 999999999");
     settings.hides_text =
         is_second("QUILLCAPTION_GUARD_LOG_TEXT", "shown", "hidden", "shown or hidden");

@@ -12,16 +12,21 @@ struct Settings {
     unsigned slow_ms = 0;
     /// QUILLCAPTION_GUARD_SUMMARY=always: the sum is told when there were no mistakes too.
     bool always_sums_up = false;
+};
+
+/// What to record. Needed only while the log is opened.
+struct LogSettings {
     /// QUILLCAPTION_GUARD_LOG: where to record the session; empty for nowhere.
-    std::string log;
+    std::string file;
     /// QUILLCAPTION_GUARD_LOG_MAX: bytes at which the record ends; 0 for never.
-    unsigned log_most = 0;
+    unsigned most = 0;
     /// QUILLCAPTION_GUARD_LOG_TEXT=hidden: what is recorded can't be read.
     bool hides_text = false;
 };
 
 /// Says on standard error which variable has a value that it can't have, and goes on without it.
 Settings read_settings();
+LogSettings read_log_settings();
 
 /// QUILLCAPTION_GUARD_MODULE: the module to load in place of the one beside the guard; or empty.
 std::string read_module_path();
