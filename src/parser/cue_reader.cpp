@@ -77,6 +77,7 @@ WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgHasMarkup) {
             if (!m_block.fgAppendLines(lines)) {
                 if (lines.count > 1) {
                     most = 1;  // one of them may still find room, and the next one is to blame
+                    m_lines.look_again();
                     continue;
                 }
                 print_error("Alloc %d B memory failed", static_cast<int>(lines.bytes.size() + 1));

@@ -43,9 +43,12 @@ class LineFinder {
         }
     }
 
+    /// Forgets what lies ahead: the next begin may lie in front of the last one.
+    void look_again() { start(m_end); }
+
     /// Finds the lines that begin at begin, at least one and at most so many (1 to
     /// ChunkLines::kMost), up to a blank one. False when not even the first has its end in the
-    /// chunk. From start on begin never goes back.
+    /// chunk. From start or look_again on begin moves behind what was found.
     bool find(const char* begin, unsigned most_lines, ChunkLines* lines);
 
     /// What follows from begin on, up to the first zero.

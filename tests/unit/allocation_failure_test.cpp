@@ -241,7 +241,8 @@ TEST(AllocationFailureBlockBuffer, LeavesBorrowedTextAsBefore) {
     const std::string chunk = "one\n";
     BlockBuffer buffer;
     const std::string_view text(chunk.data(), 3);
-    ASSERT_TRUE(buffer.fgAppendLines({text, text, 4, 1, false, false, true, false}));
+    ASSERT_TRUE(buffer.fgAppendLines(
+        {text, text, 4, 1, false, false, true, false, {text.data() + text.size()}}));
     {
         const FailingNew failing(1);
         EXPECT_FALSE(buffer.fgAppendText("two"));
