@@ -13,20 +13,20 @@ namespace guard {
 namespace {
 
 /// Where the thread's output is kept; null when nothing is captured.
-thread_local Bytes* kept = nullptr;
+thread_local Bytes* captured_to = nullptr;
 
 /// While it lives, what a capture passes on is not captured again.
 class PassingOn {
   public:
-    explicit PassingOn(std::string_view bytes) : m_kept(kept) {
-        if (kept != nullptr) {
-            *kept << bytes;
+    explicit PassingOn(std::string_view bytes) : m_kept(captured_to) {
+        if (captured_to != nullptr) {
+            *captured_to << bytes;
         }
-        kept = nullptr;
+        captured_to = nullptr;
     }
     PassingOn(const PassingOn&) = delete;
     PassingOn& operator=(const PassingOn&) = delete;
-    ~PassingOn() { kept = m_kept; }
+    ~PassingOn() { captured_to = m_kept; }
 
   private:
     Bytes* m_kept;
@@ -183,23 +183,24 @@ bool PrintedCapture::is_possible(void* library) {
            dlsym(library, "_ZSt4cout") != nullptr;
 }
 
-PrintedCapture::PrintedCapture(Bytes* bytes) : m_before(kept), m_is_capturing(bytes != nullptr) {
+PrintedCapture::PrintedCapture(Bytes* bytes)
+    : m_before(captured_to), m_is_capturing(bytes != nullptr) {
     if (m_is_capturing) {
         ways().enter();
-        kept = bytes;
+        captured_to = bytes;
     }
 }
 
 PrintedCapture::~PrintedCapture() {
     if (m_is_capturing) {
-        kept = m_before;
+        captured_to = m_before;
         ways().leave();
     }
 }
 
-PrintedCapture::Pause::Pause() : m_kept(kept) {
+PrintedCapture::Pause::Pause() : m_kept(captured_to) {
     if (m_kept != nullptr) {
-        kept = nullptr;
+        captured_to = nullptr;
         ways().leave();
     }
 }
@@ -207,7 +208,7 @@ PrintedCapture::Pause::Pause() : m_kept(kept) {
 PrintedCapture::Pause::~Pause() {
     if (m_kept != nullptr) {
         ways().enter();
-        kept = m_kept;
+        captured_to = m_kept;
     }
 }
 
@@ -222,7 +223,7 @@ void PrintedCapture::after_fork() {
 void PrintedCapture::after_fork_in_child() {
     ways().captures = 0;
     ways().lead_back();
-    kept = nullptr;
+    captured_to = nullptr;
     after_fork();
 }
 
