@@ -49,19 +49,29 @@ class Bytes {
         if (m_data != nullptr && m_size + more <= m_capacity) {
             return true;
         }
-        const std::size_t capacity = m_size + more + m_capacity + kFirstCapacity;
-        void* const grown = std::realloc(m_data, capacity);
+        void* const grown =
+            more <= kMost - m_size ? std::realloc(m_data, capacity_for(m_size + more)) : nullptr;
         if (grown == nullptr) {
             m_is_lost = true;
             m_size = 0;
             return false;
         }
         m_data = static_cast<char*>(grown);
-        m_capacity = capacity;
+        m_capacity = capacity_for(m_size + more);
         return true;
     }
 
-    static constexpr std::size_t kFirstCapacity = 256;
+    /// Few different sizes, none so small that the allocator keeps it for later: the heap is seen
+    /// to be as it was.
+    static std::size_t capacity_for(std::size_t size) {
+        std::size_t capacity = 2048;
+        while (capacity < size) {
+            capacity *= 2;
+        }
+        return capacity;
+    }
+
+    static constexpr std::size_t kMost = std::size_t{1} << 30;
 
     char* m_data = nullptr;
     std::size_t m_size = 0;
