@@ -6,8 +6,8 @@ import re
 
 PAGE = os.path.join(os.environ["QUILL_DOCS"], "diagnostics.md")
 
-# `track`, `fixed` and `chunk` are None where the page has none.
-Entry = collections.namedtuple("Entry", "code name text track fixed chunk")
+# `track`, `fixed` and the chunk sizes of both are None where the page has none.
+Entry = collections.namedtuple("Entry", "code name text track fixed chunk fixed_chunk")
 
 ENTRY = re.compile(r"^### (Q\d{3}) (\S+)\n\n(.*?)(?=^##|\Z)", re.MULTILINE | re.DOTALL)
 EXAMPLE = re.compile(r"^```text\n(.*?)^```$", re.MULTILINE | re.DOTALL)
@@ -26,10 +26,10 @@ def read_entries():
 
 def read_entry(code, name, body):
     tracks = [read_track(example) for example in EXAMPLE.findall(body)]
-    chunk = CHUNK.search(body)
+    chunk, fixed_chunk, *_ = (CHUNK.findall(body) or [None]) * 2
     text = " ".join(EXAMPLE.sub("", body).split())
     track, fixed, *_ = tracks + [None, None]
-    return Entry(code, name, text, track, fixed, chunk and chunk.group(1))
+    return Entry(code, name, text, track, fixed, chunk, fixed_chunk)
 
 
 def read_track(example):

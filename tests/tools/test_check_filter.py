@@ -95,7 +95,7 @@ class Filter(QuillTest):
                 self.assertEqual((result.code, result.err), (0, b""))
                 self.assertTrue(text.startswith(f"{entry.code} {entry.name}\n\n"))
                 words = " ".join(text.split())
-                for part in entry.text.split(" Fixed:"):
+                for part in entry.text.split(" Fixed"):
                     self.assertIn(part, words)
                 self.assertNotIn("```", text)
                 self.assertNotIn("#", text)
