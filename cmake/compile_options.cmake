@@ -47,7 +47,7 @@ function(quillcaption_count_lines)
   if(QUILL_COUNT_LINES)
     foreach(target ${ARGN})
       target_compile_options(${target} PRIVATE -O0 --coverage -fprofile-abs-path
-        "-fprofile-filter-files=/(tools|guard|support)/")
+        -fprofile-update=prefer-atomic "-fprofile-filter-files=/(tools|guard|support)/")
       target_link_options(${target} PUBLIC --coverage)
     endforeach()
   endif()
