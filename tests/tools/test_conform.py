@@ -12,8 +12,6 @@ from quill_runner import EMULATOR, MODULE, QUILL, SANITIZED, QuillTest, broken, 
 from test_module import X86_64, described, elf
 
 CASES = os.environ["QUILL_CASES"]
-# A case is a process of its own, which takes its time to start there.
-SLOW = EMULATOR or SANITIZED
 GROUPS = ["descriptor", "layout", "handles", "results", "signature", "line-endings", "chunks",
           "blocks", "times", "settings", "numbers", "markup", "headers", "maps", "delivery",
           "lifetime"]
@@ -128,7 +126,7 @@ class Suite(Conforming):
         shutil.copy(MODULE, os.path.join(self.folder, "some/folder"))
         lines = re.findall("^  quill (conform.*)$", text, re.MULTILINE)
         self.assertEqual(len(lines), 5)
-        for line in lines[2:] if SLOW else lines[1:]:  # the others run all cases
+        for line in lines[2:] if EMULATOR else lines[1:]:  # the others run all cases
             result = self.quill(*line.replace("'", "").split(), cwd=self.folder)
             self.assertEqual((result.code, result.err), (0, b""), line)
 
@@ -152,8 +150,8 @@ class Suite(Conforming):
 class BrokenModules(Conforming):
     def fails(self, fault, expected, *more):
         """Compares the cases that do not pass with what is expected of the groups concerned, or
-        of a few cases where every process takes its time."""
-        if SLOW:
+        of a few cases under an emulator, where every process takes its time."""
+        if EMULATOR:
             patterns = set(expected) | {"*/no-*"}
         else:
             patterns = {name.split("/")[0] for name in expected} | {"results"}
@@ -165,12 +163,12 @@ class BrokenModules(Conforming):
         return {one["case"]: "\n".join(one["details"]) for one in records}
 
     def test_without_a_fault_all_cases_pass(self):
-        groups = only("descriptor", "layout", "handles", "lifetime") if SLOW else []
+        groups = only("descriptor", "layout", "handles", "lifetime") if EMULATOR else []
         lines = self.conform(fixture("broken"), "--failed-only", *groups, env=broken(""))
         self.assertRegex(lines[0], "^([0-9]+) cases: \\1 passed$")
 
     def test_a_fault_fails_no_other_group(self):
-        groups = only("layout", "settings", "delivery") if SLOW else []
+        groups = only("layout", "settings", "delivery") if EMULATOR else []
         records, _ = self.conform_json(fixture("broken"), "--failed-only", *groups, code=1,
                                        env=broken("right-is-left"))
         self.assertEqual([one["case"] for one in records],

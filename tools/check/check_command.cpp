@@ -82,20 +82,13 @@ CheckCommand::CheckCommand(CLI::App& app)
         },
         "Whether text has colours: auto (default: on a terminal,\n"
         "unless NO_COLOR is set), always or never");
-    line.AddOption(
-        "--chunk", "BYTES",
-        [this](const std::string& text) {
-            chunk_size_ = console::ParseWholeNumber("--chunk", "a whole number of bytes", text, 1,
-                                                    kLargestTrack);
-        },
+    line.AddNumber(
+        "--chunk", "BYTES", {"a whole number of bytes", 1, kLargestTrack},
+        [this](std::uint32_t bytes) { chunk_size_ = bytes; },
         "Play the track in chunks of this size (default: 65536, as\n"
         "quill cues does); the first one always holds the first line");
-    line.AddOption(
-        "--pts", "TICKS",
-        [this](const std::string& text) {
-            video_pts_ = console::ParseWholeNumber("--pts", "a whole number of 90 kHz ticks", text,
-                                                   0, UINT32_MAX);
-        },
+    line.AddNumber(
+        "--pts", "TICKS", console::kTicks, [this](std::uint32_t ticks) { video_pts_ = ticks; },
         "The video's presentation time, as in quill cues: says\nwhich cues end before it");
     line.AddOption(
         "--fail-on", "LEVEL", [this](const std::string& name) { fail_on_ = ParseFailOn(name); },
@@ -103,12 +96,9 @@ CheckCommand::CheckCommand(CLI::App& app)
         "lost), remark (any finding), or never");
     AddCodeOptions();
     line.AddFlag("--codes", only_codes_, "List all codes with cause and fix, and do nothing else");
-    line.AddOption(
-        "--jobs", "COUNT",
-        [this](const std::string& text) {
-            jobs_ = console::ParseWholeNumber("--jobs", "a whole number of processes", text, 1,
-                                              kMostJobs);
-        },
+    line.AddNumber(
+        "--jobs", "COUNT", {"a whole number of processes", 1, kMostJobs},
+        [this](std::uint32_t count) { jobs_ = count; },
         "Check so many tracks at a time (default: one a core)");
     line.AddFlag("--all", all_, "Print every finding, however many there are of one code");
     line.AddFlag("--sums", in_full_,

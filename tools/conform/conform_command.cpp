@@ -14,7 +14,6 @@ namespace quill::conform {
 namespace {
 
 constexpr std::uint32_t kDefaultSeconds = 10;
-constexpr std::uint32_t kMostSeconds = 3600;
 
 constexpr char kFooter[] = R"(Each case runs in a process of its own: a crash or a hang is a result.
 
@@ -57,12 +56,9 @@ ConformCommand::ConformCommand(CLI::App& app)
     line.AddFlag("--time", time_,
                  "Run no cases, but time the module on this machine: loading, the first cue,\n"
                  "and dialogue, in microseconds a cue and a megabyte");
-    line.AddOption(
-        "--timeout", "SECONDS",
-        [this](const std::string& text) {
-            timeout_ = std::chrono::seconds(console::ParseWholeNumber(
-                "--timeout", "a whole number of seconds", text, 1, kMostSeconds));
-        },
+    line.AddNumber(
+        "--timeout", "SECONDS", console::kSeconds,
+        [this](std::uint32_t seconds) { timeout_ = std::chrono::seconds(seconds); },
         "How long a case, or a time, may take before it counts as hung (default: 10)");
     console::AddTextOrJson(line, as_json_, "How the results are printed");
     line.SetFooter(kFooter);

@@ -38,6 +38,26 @@ void CommandLine::AddOption(const std::string& name, const std::string& type, co
     app_->add_option_function<std::string>(name, take, what)->type_name(type);
 }
 
+void CommandLine::AddNumber(const std::string& name, const std::string& type,
+                            const WholeNumber& wanted, const TakeNumber& take,
+                            const std::string& what) {
+    AddOption(
+        name, type,
+        [name, wanted, take](const std::string& text) {
+            std::uint32_t number = 0;
+            const char* const end = text.data() + text.size();
+            const auto [parsed, error] = std::from_chars(text.data(), end, number);
+            if (parsed != end || error != std::errc() || number < wanted.least ||
+                number > wanted.most) {
+                RejectArgument(name + " takes " + wanted.what + " from " +
+                               std::to_string(wanted.least) + " to " + std::to_string(wanted.most) +
+                               ", not \"" + text + "\"");
+            }
+            take(number);
+        },
+        what);
+}
+
 void CommandLine::AddRepeatedOption(const std::string& name, const std::string& type,
                                     const Take& take, const std::string& what) {
     app_->add_option_function<std::string>(name, take, what)->type_name(type)->trigger_on_parse();
@@ -53,18 +73,6 @@ bool CommandLine::IsChosen() const {
 
 void RejectArgument(const std::string& message) {
     throw CLI::ValidationError(message, CLI::ExitCodes::ValidationError);
-}
-
-std::uint32_t ParseWholeNumber(const std::string& option, const std::string& what,
-                               const std::string& text, std::uint32_t least, std::uint32_t most) {
-    std::uint32_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto [parsed, error] = std::from_chars(text.data(), end, number);
-    if (parsed != end || error != std::errc() || number < least || number > most) {
-        RejectArgument(option + " takes " + what + " from " + std::to_string(least) + " to " +
-                       std::to_string(most) + ", not \"" + text + "\"");
-    }
-    return number;
 }
 
 void AddModuleOption(CommandLine& line, std::string& path) {

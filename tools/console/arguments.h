@@ -14,12 +14,22 @@ class App;
 
 namespace quill::console {
 
+// What an option takes a number of, and from where to where.
+struct WholeNumber {
+    const char* what;  // "a whole number of bytes"
+    std::uint32_t least;
+    std::uint32_t most;
+};
+constexpr WholeNumber kSeconds = {"a whole number of seconds", 1, 3600};
+constexpr WholeNumber kTicks = {"a whole number of 90 kHz ticks", 0, UINT32_MAX};
+
 // The command line of one subcommand. It stands between the subcommands and CLI11, which takes ten
 // seconds to compile wherever it is included. What is added is told to --help in the same order;
 // the variables must live as long as the command line is parsed.
 class CommandLine {
   public:
     using Take = std::function<void(const std::string& text)>;
+    using TakeNumber = std::function<void(std::uint32_t number)>;
 
     // Does not own the app, which must outlive it.
     CommandLine(CLI::App& app, const std::string& name, const std::string& what);
@@ -34,7 +44,10 @@ class CommandLine {
     // `take` gets the option's text; RejectArgument is how it refuses one.
     void AddOption(const std::string& name, const std::string& type, const Take& take,
                    const std::string& what);
-    // The same for an option that may be given more than once.
+    // The same for decimal digits; refuses other texts and numbers, saying what it takes.
+    void AddNumber(const std::string& name, const std::string& type, const WholeNumber& wanted,
+                   const TakeNumber& take, const std::string& what);
+    // As AddOption, for an option that may be given more than once.
     void AddRepeatedOption(const std::string& name, const std::string& type, const Take& take,
                            const std::string& what);
     // What --help says behind the options.
@@ -49,11 +62,6 @@ class CommandLine {
 
 // Ends parsing with a message that says what would be right.
 [[noreturn]] void RejectArgument(const std::string& message);
-
-// A whole number in decimal digits, from `least` to `most`. Rejects others, saying that `option`
-// takes `what` ("a whole number of bytes") in that range.
-std::uint32_t ParseWholeNumber(const std::string& option, const std::string& what,
-                               const std::string& text, std::uint32_t least, std::uint32_t most);
 
 // The place of the text among the choices, of which there are two or more. Rejects others, saying
 // what `option` takes.

@@ -38,15 +38,6 @@ CueFormatter ParseFormat(const std::string& name) {
     return kFormatters[console::ParseChoice("--format", {"text", "json", "srt"}, name)];
 }
 
-std::uint32_t ParseChunkSize(const std::string& text) {
-    return console::ParseWholeNumber("--chunk", "a whole number of bytes", text, 1, kLargestChunk);
-}
-
-std::uint32_t ParseVideoPts(const std::string& text) {
-    return console::ParseWholeNumber("--pts", "a whole number of 90 kHz ticks", text, 0,
-                                     UINT32_MAX);
-}
-
 }  // namespace
 
 CuesCommand::CuesCommand(CLI::App& app)
@@ -56,12 +47,13 @@ CuesCommand::CuesCommand(CLI::App& app)
     line.AddOption(
         "--format", "FORMAT", [this](const std::string& name) { format_ = ParseFormat(name); },
         "How cues are printed: text (default), json or srt");
-    line.AddOption(
-        "--chunk", "BYTES", [this](const std::string& text) { chunk_size_ = ParseChunkSize(text); },
+    line.AddNumber(
+        "--chunk", "BYTES", {"a whole number of bytes", 1, kLargestChunk},
+        [this](std::uint32_t bytes) { chunk_size_ = bytes; },
         "Feed chunks of this size (default: what a read returns,\n"
         "up to 65536); the first one always holds the whole first line");
-    line.AddOption(
-        "--pts", "TICKS", [this](const std::string& text) { video_pts_ = ParseVideoPts(text); },
+    line.AddNumber(
+        "--pts", "TICKS", console::kTicks, [this](std::uint32_t ticks) { video_pts_ = ticks; },
         "The video's presentation time, 90000 ticks a second; its\n"
         "whole seconds are subtracted from all cue times");
     line.AddOption("--record", "LOG", record_,

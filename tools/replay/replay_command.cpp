@@ -13,7 +13,6 @@ namespace quill::replay {
 namespace {
 
 constexpr std::uint32_t kDefaultSeconds = 60;
-constexpr std::uint32_t kMostSeconds = 3600;
 
 constexpr char kFooter[] =
     R"(A LOG is what quillcaption-guard.so writes when QUILLCAPTION_GUARD_LOG names a file, and what
@@ -51,20 +50,14 @@ ReplayCommand::ReplayCommand(CLI::App& app)
     line.AddFlag("--check", checks_,
                  "Say what quill check says of what was fed, in the chunks in\n"
                  "which it was fed");
-    line.AddOption(
-        "--parser", "NUMBER",
-        [this](const std::string& text) {
-            parser_ = console::ParseWholeNumber("--parser", "the number of a parser", text, 1,
-                                                UINT32_MAX);
-        },
+    line.AddNumber(
+        "--parser", "NUMBER", {"the number of a parser", 1, UINT32_MAX},
+        [this](std::uint32_t number) { parser_ = number; },
         "Which parser --track and --check are about, counted in the\norder of creation");
     line.AddFlag("--pace", keeps_pace_, "Make each call at its recorded time");
-    line.AddOption(
-        "--timeout", "SECONDS",
-        [this](const std::string& text) {
-            timeout_ = std::chrono::seconds(console::ParseWholeNumber(
-                "--timeout", "a whole number of seconds", text, 1, kMostSeconds));
-        },
+    line.AddNumber(
+        "--timeout", "SECONDS", console::kSeconds,
+        [this](std::uint32_t seconds) { timeout_ = std::chrono::seconds(seconds); },
         "How long the play may take, pauses of --pace not counted,\n"
         "before it counts as hung (default: 60)");
     console::AddTextOrJson(line, as_json_,

@@ -57,19 +57,13 @@ ReportCommand::ReportCommand(CLI::App& app)
                    "The film, which the page plays in step; it is linked, not\nput into the page");
     line.AddOption("--background", "FILE", background_,
                    "A picture to show the cues upon; it is put into the page");
-    line.AddOption(
-        "--chunk", "BYTES",
-        [this](const std::string& text) {
-            options_.chunk_size = console::ParseWholeNumber("--chunk", "a whole number of bytes",
-                                                            text, 1, kLargestTrack);
-        },
+    line.AddNumber(
+        "--chunk", "BYTES", {"a whole number of bytes", 1, kLargestTrack},
+        [this](std::uint32_t bytes) { options_.chunk_size = bytes; },
         "Play the track in chunks of this size (default: 65536)");
-    line.AddOption(
-        "--pts", "TICKS",
-        [this](const std::string& text) {
-            options_.video_pts = console::ParseWholeNumber(
-                "--pts", "a whole number of 90 kHz ticks", text, 0, UINT32_MAX);
-        },
+    line.AddNumber(
+        "--pts", "TICKS", console::kTicks,
+        [this](std::uint32_t ticks) { options_.video_pts = ticks; },
         "The video's presentation time, as in quill cues");
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
