@@ -1,25 +1,12 @@
-"""Every mistake of a host is found: with its code, at its call, and with a way out.
-
-GUARD is the guard's file, GUARD_MISTAKES the folder of the built hosts of examples/mistakes,
-GUARD_SOURCE the top folder, GUARD_EMULATOR what runs programs of the target, if anything,
-GUARD_SANITIZE the sanitizers of the build, if any.
-"""
+"""Every mistake of a host is found: with its code, at its call, and with a way out."""
 
 import ast
-import os
-import pathlib
 import re
 import signal
-import subprocess
 import unittest
 
-GUARD = os.environ["GUARD"]
-FOLDER = pathlib.Path(os.environ["GUARD_MISTAKES"])
-SOURCE = pathlib.Path(os.environ["GUARD_SOURCE"])
-EMULATOR = os.environ["GUARD_EMULATOR"].split()
-SANITIZED = "address" in os.environ["GUARD_SANITIZE"]
+from hosts import GUARD, MISTAKES, ONLY_WITHOUT_SANITIZER, SANITIZED, SOURCE, mistake, run
 
-HOSTS = sorted((SOURCE / "examples/mistakes").glob("*.c"))
 HEAD = re.compile(r"/\* (H\d+) at call (\d+), (\w+): ")
 LINE = re.compile(r"quillcaption-guard: (H\d+) at call (\d+), (\w+), (?:(?:parser|handle) \w+, )?"
                   r"thread \d+: .*\. What to do: .*\.$")
@@ -31,16 +18,11 @@ CRASHES = {"H119": signal.SIGSEGV, "H120": signal.SIGABRT,
 # What comes of a mistake besides: who unloads in the midst of a call has released nothing.
 COMES_WITH = {"H119": ["H118"]}
 SETTINGS = {"H121": {"QUILLCAPTION_GUARD_SLOW_MS": "400"}}
-# A sanitizer has a heap of its own, which knows by itself what was not its, and gives no address
-# again soon.
-ONLY_WITHOUT_SANITIZER = {"H104_given_again", "H122_record_freed"}
 
 
-def run(name, **variables):
+def run_mistake(name, **variables):
     """How it ended, and what was said."""
-    done = subprocess.run([*EMULATOR, FOLDER / name, GUARD], check=False, timeout=60,
-                          stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                          env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0", **variables})
+    done = run(mistake(name), GUARD, **variables)
     return done.returncode, done.stderr.decode().splitlines()
 
 
@@ -51,7 +33,7 @@ class MistakesTest(unittest.TestCase):
         table = (SOURCE / "guard/mistakes.cpp").read_text()
         codes = re.findall(r'"(H\d+)"', table)
         self.assertEqual(codes, [f"H{number}" for number in range(101, 101 + len(codes))])
-        self.assertEqual(sorted({path.stem[:4] for path in HOSTS}), codes)
+        self.assertEqual(sorted({path.stem[:4] for path in MISTAKES}), codes)
 
     def test_the_page_says_what_the_guard_says(self):
         source = (SOURCE / "guard/mistakes.cpp").read_text().split("kTexts = {{")[1].split("}};")[0]
@@ -65,13 +47,13 @@ class MistakesTest(unittest.TestCase):
         self.assertEqual([row[1][:4] for row in table], [row[0] for row in table])
 
     def test_each_is_found_at_its_call(self):
-        for path in HOSTS:
+        for path in MISTAKES:
             if SANITIZED and path.stem in ONLY_WITHOUT_SANITIZER:
                 continue
             with self.subTest(path.stem):
                 wanted = HEAD.match(path.read_text()).groups()
                 self.assertEqual(wanted[0], path.stem[:4])
-                code, lines = run(path.stem, **SETTINGS.get(wanted[0], {}))
+                code, lines = run_mistake(path.stem, **SETTINGS.get(wanted[0], {}))
                 found = [LINE.match(line) for line in lines if re.search(r": H\d+ at ", line)]
                 self.assertNotIn(None, found, lines)
                 self.assertEqual(found[0].groups(), wanted, lines)
@@ -94,12 +76,12 @@ class MistakesTest(unittest.TestCase):
                             ("H123_record_kept", "record 2 of 3, field dStartTime"),
                             ("H123_text_kept", "record 1 of 1, field pcText, the text")):
             with self.subTest(name):
-                self.assertIn(f" ({place}). What to do: ", run(name)[1][0])
+                self.assertIn(f" ({place}). What to do: ", run_mistake(name)[1][0])
 
     def test_the_process_ends_where_asked_for(self):
         for name in ("H101_no_callback", "H114_cues_waiting", "H118_never_released"):
             with self.subTest(name):
-                code, lines = run(name, QUILLCAPTION_GUARD_ON_MISTAKE="abort")
+                code, lines = run_mistake(name, QUILLCAPTION_GUARD_ON_MISTAKE="abort")
                 self.assertIn(code, (-signal.SIGABRT, 128 + signal.SIGABRT))
                 self.assertEqual([line.split()[1] for line in lines if "guard: " in line], [name[:4]])
 

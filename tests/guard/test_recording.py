@@ -1,43 +1,21 @@
 """What the guard records of a host, and what it does when it can't.
 
-GUARD is the guard's file, QUILLCAPTION_MODULE the module's, GUARD_HOST the example host,
-GUARD_ODD_HOST the one of odd_host.c, GUARD_PRINTING_HOST the one of printing_host.cpp,
-GUARD_MISTAKES the folder of the built hosts of examples/mistakes, GUARD_EMULATOR what runs programs
-of the target, if anything, GUARD_SOURCE the top folder, GUARD_SANITIZE the sanitizers of the build,
-if any.
+Besides what hosts.py needs: QUILLCAPTION_MODULE is the module's file, GUARD_HOST the example host,
+GUARD_ODD_HOST the one of odd_host.c, GUARD_PRINTING_HOST the one of printing_host.cpp.
 """
 
 import json
 import os
-import pathlib
 import resource
-import subprocess
-import tempfile
 import unittest
 
-GUARD = os.environ["GUARD"]
+from hosts import GUARD, SAMPLES, FolderTest, mistake, run
+
 MODULE = os.environ["QUILLCAPTION_MODULE"]
-EMULATOR = os.environ["GUARD_EMULATOR"].split()
-MISTAKES = pathlib.Path(os.environ["GUARD_MISTAKES"])
-SAMPLES = pathlib.Path(os.environ["GUARD_SOURCE"]) / "samples"
 HEADER = '{"log":"quillcaption","version":1,'
 
 
-def run(host, *arguments, preexec=None, **variables):
-    return subprocess.run([*EMULATOR, host, *arguments], check=False, timeout=60, capture_output=True,
-                          preexec_fn=preexec,
-                          env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0", **variables})
-
-
-class RecordingTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        self.log = self.folder / "session.log"
-
+class RecordingTest(FolderTest):
     def entries(self):
         return [json.loads(line) for line in self.log.read_text().splitlines()]
 
@@ -65,14 +43,14 @@ class RecordingTest(unittest.TestCase):
                                  ("H120_uncaught_exception", "H120", 4),
                                  ("H123_record_kept", "H123", 5)):
             with self.subTest(name):
-                done = run(MISTAKES / name, GUARD, QUILLCAPTION_GUARD_LOG=str(self.log))
+                done = run(mistake(name), GUARD, QUILLCAPTION_GUARD_LOG=str(self.log))
                 mistakes = [entry for entry in self.entries() if "mistake" in entry]
                 self.assertEqual([(one["mistake"], one["call"]) for one in mistakes], [(code, call)])
                 self.assertIn("quillcaption-guard: " + mistakes[0]["text"],
                               done.stderr.decode().splitlines())
 
     def test_a_release_that_is_put_off_is_told(self):
-        run(MISTAKES / "H105_release_in_callback", GUARD, QUILLCAPTION_GUARD_LOG=str(self.log))
+        run(mistake("H105_release_in_callback"), GUARD, QUILLCAPTION_GUARD_LOG=str(self.log))
         returns = [entry for entry in self.entries() if "return" in entry]
         self.assertEqual([one["return"] for one in returns if one.get("passed") is False], [6])
         self.assertEqual([one["return"] for one in returns if one.get("released")], [5])

@@ -1,49 +1,26 @@
 """What the guard records is played again by quill, and comes out as recorded: of every host that
 makes a mistake, of a right one, and of quill itself.
 
-GUARD is the guard's file, GUARD_QUILL quill, GUARD_HOST the example host, GUARD_MISTAKES the folder
-of the built hosts of examples/mistakes, GUARD_SOURCE the top folder, GUARD_EMULATOR what runs
-programs of the target, if anything, GUARD_SANITIZE the sanitizers of the build, if any.
+Besides what hosts.py needs: GUARD_QUILL is quill, GUARD_HOST the example host.
 """
 
 import json
 import os
-import pathlib
 import re
-import subprocess
-import tempfile
 import unittest
 
-GUARD = os.environ["GUARD"]
-QUILL = os.environ["GUARD_QUILL"]
-HOSTS = pathlib.Path(os.environ["GUARD_MISTAKES"])
-SOURCE = pathlib.Path(os.environ["GUARD_SOURCE"])
-EMULATOR = os.environ["GUARD_EMULATOR"].split()
-SANITIZED = "address" in os.environ["GUARD_SANITIZE"]
+from hosts import (GUARD, MISTAKES, ONLY_WITHOUT_SANITIZER, SAMPLES, SANITIZED, FolderTest, mistake,
+                   run)
 
-MISTAKES = sorted(path.stem for path in (SOURCE / "examples/mistakes").glob("*.c"))
-SAMPLE = SOURCE / "samples/three-mistakes.log"
+QUILL = os.environ["GUARD_QUILL"]
 
 # How many calls of a host do not return, because that ends within one.
 WITHOUT_RETURN = {"H119_unloaded_in_call": 1, "H122_record_changed": 1, "H122_record_freed": 1}
-# A sanitizer has a heap of its own, which knows by itself what was not its, and gives no address
-# again soon.
-ONLY_WITHOUT_SANITIZER = {"H104_given_again", "H122_record_freed"}
 
 
-class ReplayTest(unittest.TestCase):
-    maxDiff = None
-
-    def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
-        self.log = self.folder / "session.log"
-
+class ReplayTest(FolderTest):
     def run_program(self, *command, **variables):
-        done = subprocess.run([*EMULATOR, *map(str, command)], check=False, timeout=60,
-                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=self.folder,
-                              env={**os.environ, "ASAN_OPTIONS": "detect_leaks=0", **variables})
+        done = run(*command, cwd=self.folder, **variables)
         return done.returncode, done.stdout.decode("latin-1"), done.stderr.decode("latin-1")
 
     def record(self, host, *arguments, **variables):
@@ -69,30 +46,30 @@ class ReplayTest(unittest.TestCase):
 
     def test_every_mistaken_host_comes_out_as_recorded(self):
         self.assertGreater(len(MISTAKES), 20)
-        for name in MISTAKES:
+        for name in (path.stem for path in MISTAKES):
             if SANITIZED and name in ONLY_WITHOUT_SANITIZER:
                 continue
             with self.subTest(name):
-                self.record(HOSTS / name, QUILLCAPTION_GUARD_SLOW_MS="400")
+                self.record(mistake(name), QUILLCAPTION_GUARD_SLOW_MS="400")
                 self.expect_same(WITHOUT_RETURN.get(name, 0))
                 self.assertIn(f"\n      {name[:4]}", self.replay("--show"))
 
     def test_a_right_host(self):
-        for track in sorted((SOURCE / "samples").glob("*.vtt")):
+        for track in sorted(SAMPLES.glob("*.vtt")):
             with self.subTest(track.name):
                 self.record(os.environ["GUARD_HOST"], track)
                 self.expect_same()
                 self.expect_same_case()
 
     def test_a_hidden_session(self):
-        self.record(os.environ["GUARD_HOST"], SOURCE / "samples/dialogue.vtt",
+        self.record(os.environ["GUARD_HOST"], SAMPLES / "dialogue.vtt",
                     QUILLCAPTION_GUARD_LOG_TEXT="hidden")
         self.assertNotIn("ferry", self.log.read_text())
         self.expect_same()
         self.expect_same_case()
 
     def test_what_was_fed(self):
-        track = SOURCE / "samples/dialogue.vtt"
+        track = SAMPLES / "dialogue.vtt"
         code, out, said = self.run_program(QUILL, "cues", "--chunk", "100", "--record", self.log,
                                            track)
         self.assertEqual((code, out, said), self.run_program(QUILL, "cues", "--chunk", "100", track))
@@ -102,7 +79,7 @@ class ReplayTest(unittest.TestCase):
                          track.read_bytes() + b"\n\n\n")
 
     def test_quill_records_itself(self):
-        for track in sorted((SOURCE / "samples").glob("*.vtt")):
+        for track in sorted(SAMPLES.glob("*.vtt")):
             with self.subTest(track.name):
                 told = self.run_program(QUILL, "cues", "--pts", "90000", track)
                 self.assertEqual(self.run_program(QUILL, "cues", "--pts", "90000", "--record",
@@ -111,7 +88,7 @@ class ReplayTest(unittest.TestCase):
                 self.assertIn("pfnSetVideoPTS, parser 1, 90000 ticks\n", self.replay("--show"))
 
     def test_quill_cannot_record(self):
-        track = SOURCE / "samples/dialogue.vtt"
+        track = SAMPLES / "dialogue.vtt"
         for log, module, code, words in (
                 ("/none/x.log", [], 2, "quill: /none/x.log: No such file"),
                 ("x%p.log", [], 2, 'quill: x%p.log: "%p" cannot be part of a log\'s name'),
@@ -124,8 +101,8 @@ class ReplayTest(unittest.TestCase):
 
     def test_the_sample_is_what_its_host_does(self):
         """But for the times, the thread's number and the version of the guard."""
-        self.record(HOSTS / "three_mistakes")
-        self.assertEqual(self.without_chance(self.log), self.without_chance(SAMPLE))
+        self.record(mistake("three_mistakes"))
+        self.assertEqual(self.without_chance(self.log), self.without_chance(SAMPLES / "three-mistakes.log"))
 
     @staticmethod
     def without_chance(log):

@@ -1,23 +1,20 @@
 """A right host: through the guard it prints, says and returns what it does without.
 
-GUARD is the guard's file, QUILLCAPTION_MODULE the module's, GUARD_HOST the example host,
-GUARD_ODD_HOST the one of odd_host.c, GUARD_QUILL quill, if there is one, GUARD_EMULATOR what runs
-programs of the target, if anything, GUARD_SOURCE the top folder, GUARD_SANITIZE the sanitizers of
-the build, if any.
+Besides what hosts.py needs: QUILLCAPTION_MODULE is the module's file, GUARD_HOST the example host,
+GUARD_ODD_HOST the one of odd_host.c, GUARD_QUILL quill, if there is one.
 """
 
 import os
-import pathlib
 import shutil
 import subprocess
-import tempfile
 import unittest
 
-GUARD = os.environ["GUARD"]
+import hosts
+from hosts import EMULATOR, GUARD, SANITIZED, FolderTest
+
 MODULE = os.environ["QUILLCAPTION_MODULE"]
-EMULATOR = os.environ["GUARD_EMULATOR"].split()
 HOST = [*EMULATOR, os.environ["GUARD_HOST"]]
-SAMPLES = sorted((pathlib.Path(os.environ["GUARD_SOURCE"]) / "samples").glob("*.vtt"))
+SAMPLES = sorted(hosts.SAMPLES.glob("*.vtt"))
 
 
 def play(module, track, **variables):
@@ -55,24 +52,20 @@ class RightHostTest(unittest.TestCase):
         self.assertEqual((code, output), play(MODULE, track)[:2])
         self.assertEqual(said, "quillcaption-guard: 9 calls, 1 parser, 5 cues, 0 mistakes\n")
 
-
     def test_odd_hosts_are_right_too(self):
         done = subprocess.run([*EMULATOR, os.environ["GUARD_ODD_HOST"], GUARD], check=False,
                               timeout=60, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
         self.assertEqual((done.returncode, done.stderr), (0, b""))
 
-
-    @unittest.skipIf(EMULATOR or "address" in os.environ["GUARD_SANITIZE"],
+    @unittest.skipIf(EMULATOR or SANITIZED,
                      "emulators and sanitizers want nothing loaded before them")
     def test_names_that_all_can_see_do_not_lead_the_module_back_to_the_guard(self):
         self.assertEqual(play(GUARD, SAMPLES[0], LD_PRELOAD=GUARD), play(MODULE, SAMPLES[0]))
 
 
-class SettingsTest(unittest.TestCase):
+class SettingsTest(FolderTest):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.folder = pathlib.Path(folder.name)
+        super().setUp()
         self.track = SAMPLES[0].with_name("regions.vtt")
 
     def test_another_module_may_be_named(self):
