@@ -1,15 +1,20 @@
-// Chunk borders do not show: a track gives the same cues whole and byte by byte.
+// Chunk borders do not show: a track gives the same cues whole and in chunks.
 //
-// An input is what follows the header section of a track. Where a border does show, the input is
-// changed or the comparison loosened:
+// An input is what follows the header section of a track. The byte FF, which UTF-8 never has, is
+// not part of it: a chunk ends there. Without any the track is fed byte by byte, which costs most,
+// and a short one is in any case.
+//
+// Where a border does show, the input is changed or the comparison loosened:
 //   - A block that is lost may take the rest of its chunk with it. The whole track is compared as
 //     far as it was read, and begins with a sound block, behind which a bad start time costs its
-//     own block only.
+//     own block only. In chunks of many bytes it is compared if every block became a cue; else
+//     it is fed byte by byte.
 //   - A zero byte hides the rest of its line, but not what lies in the next chunk: none is left.
 //   - A CR at the end of a chunk takes a LF with it even if that begins a later chunk than the
 //     next: only CR LF pairs are left.
 #include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -17,28 +22,42 @@
 
 #include "api/entry_points.h"
 #include "fuzz/check.h"
+#include "fuzz/mutator.h"
 #include "support/parser.h"
 
 namespace {
+
+constexpr unsigned kMostLines = 10;
+constexpr char kBorder = '\xFF';
+constexpr std::string_view kSound = "00:00.000 --> 00:01.000\nsound\n\n";
+constexpr std::size_t kShort = 64;  // bytes
 
 struct Played {
     std::vector<support::CueRecord> cues;
     bool was_read_whole = true;
 };
 
-/// Feeds the signature, and then the text in chunks of so many bytes.
-Played play(std::string_view text, std::size_t chunk_size) {
+using Borders = std::vector<std::size_t>;  // where chunks end, in ascending order
+
+/// Feeds the signature, and then the text with a chunk for each border and one for the rest.
+Played play(std::string_view text, const Borders& borders) {
     static const support::Methods kMethods = support::methods_at(WEBVTT_MODULE_INFO.prMethods);
     support::Parser parser(kMethods);
     FUZZ_CHECK(parser.feed("WEBVTT\n\n") == support::Ending::kOk);
     Played played;
-    for (std::size_t at = 0; at < text.size(); at += chunk_size) {
-        const support::Ending ending = parser.feed(text.substr(at, chunk_size));
+    std::size_t at = 0;
+    const auto feed_up_to = [&](std::size_t end) {
+        const support::Ending ending = parser.feed(text.substr(at, end - at));
+        at = end;
         played.was_read_whole &= ending == support::Ending::kOk;
         for (support::CueRecord& cue : parser.take()) {
             played.cues.push_back(std::move(cue));
         }
+    };
+    for (const std::size_t border : borders) {
+        feed_up_to(border);
     }
+    feed_up_to(text.size());
     FUZZ_CHECK(parser.complaint().empty());
     return played;
 }
@@ -59,19 +78,62 @@ std::string without_odd_bytes(std::string_view text) {
     return result;
 }
 
+/// Whether every block became a cue, as far as that can be said without reading them: none has more
+/// lines than a block may have.
+bool is_sound(std::string_view text, std::size_t cues) {
+    std::size_t blocks = 0;
+    unsigned lines = 0;  // of the block so far
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size() - 1);
+        const bool is_blank = text.substr(0, end).find_first_not_of('\r') == std::string_view::npos;
+        lines = is_blank ? 0 : lines + 1;
+        blocks += lines == 1 ? 1 : 0;
+        if (lines > kMostLines) {
+            return false;
+        }
+        text.remove_prefix(end + 1);
+    }
+    return blocks == cues;
+}
+
+void check_borders(const Played& whole, std::string_view text, const Borders& borders) {
+    const Played cut = play(text, borders);
+    FUZZ_CHECK(whole.was_read_whole == cut.was_read_whole);
+    FUZZ_CHECK(whole.was_read_whole ? whole.cues.size() == cut.cues.size()
+                                    : whole.cues.size() <= cut.cues.size());
+    FUZZ_CHECK(std::equal(whole.cues.begin(), whole.cues.end(), cut.cues.begin(), is_same));
+}
+
 }  // namespace
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    std::string text("00:00.000 --> 00:01.000\nsound\n\n");
-    text += without_odd_bytes({reinterpret_cast<const char*>(data), size});
-    text += "\n\n\n";
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t largest, unsigned seed) {
+    return fuzz::mutate(fuzz::Format::kBlocks, data, size, largest, seed);
+}
 
-    const Played whole = play(text, text.size());
-    const Played bytes = play(text, 1);
-    FUZZ_CHECK(whole.was_read_whole == bytes.was_read_whole);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string input;
+    Borders borders;
+    for (const std::uint8_t* byte = data; byte != data + size; ++byte) {
+        if (*byte != static_cast<std::uint8_t>(kBorder)) {
+            input += static_cast<char>(*byte);
+        } else if (const std::size_t at = kSound.size() + input.size();
+                   borders.empty() || borders.back() != at) {
+            borders.push_back(at);
+        }
+    }
+    const std::string text = std::string(kSound) + without_odd_bytes(input) + "\n\n\n";
+
+    const Played whole = play(text, {});
     FUZZ_CHECK(!whole.cues.empty());
-    FUZZ_CHECK(whole.was_read_whole ? whole.cues.size() == bytes.cues.size()
-                                    : whole.cues.size() <= bytes.cues.size());
-    FUZZ_CHECK(std::equal(whole.cues.begin(), whole.cues.end(), bytes.cues.begin(), is_same));
+    const bool is_to_be_cut = !borders.empty() && is_sound(text, whole.cues.size());
+    if (is_to_be_cut) {
+        check_borders(whole, text, borders);
+    }
+    if (!is_to_be_cut || input.size() <= kShort) {
+        Borders everywhere(text.size() - kSound.size());
+        std::iota(everywhere.begin(), everywhere.end(), kSound.size());
+        check_borders(whole, text, everywhere);
+    }
     return 0;
 }

@@ -77,6 +77,12 @@ class Worker {
     std::thread m_thread;
 };
 
+/// One for each depth. They serve all inputs: starting threads takes longer than playing a script.
+Worker& worker(unsigned depth) {
+    static std::array<Worker, kDeepest + 1> workers;
+    return workers[depth];
+}
+
 class Host {
   public:
     explicit Host(std::string_view calls) : m_calls(calls) {}
@@ -129,7 +135,7 @@ class Host {
         const unsigned byte = next_byte();
         const auto call = [this, byte] { make(byte % 8, m_parsers[byte / 8 % m_parsers.size()]); };
         if ((byte & 0x80) != 0) {
-            m_workers[m_depth].run(call);
+            worker(m_depth).run(call);
         } else {
             call();
         }
@@ -187,7 +193,6 @@ class Host {
     std::array<support::Handle, 4> m_parsers = {};
     std::set<support::Handle> m_given;
     unsigned m_depth = 0;
-    std::array<Worker, kDeepest + 1> m_workers;
 };
 
 }  // namespace

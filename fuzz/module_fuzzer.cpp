@@ -26,6 +26,7 @@
 
 #include "fuzz/check.h"
 #include "fuzz/hosted_parser.h"
+#include "fuzz/mutator.h"
 
 namespace {
 
@@ -175,6 +176,11 @@ class Script {
 };
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t largest, unsigned seed) {
+    return fuzz::mutate(fuzz::Format::kScript, data, size, largest, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Budget budget;

@@ -7,6 +7,7 @@
 #include "base/errors.h"
 #include "cue/cue.h"
 #include "fuzz/check.h"
+#include "fuzz/mutator.h"
 #include "payload/node_walk.h"
 #include "payload/tokenizer.h"
 #include "support/exact_block.h"
@@ -126,6 +127,11 @@ void check_both_ways(std::string_view payload) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t largest, unsigned seed) {
+    return fuzz::mutate(fuzz::Format::kPayload, data, size, largest, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view payload(reinterpret_cast<const char*>(data), size);

@@ -4,6 +4,7 @@
 
 #include "fuzz/check.h"
 #include "fuzz/expected_values.h"
+#include "fuzz/mutator.h"
 #include "fuzz/parsed_settings.h"
 #include "support/exact_block.h"
 
@@ -68,6 +69,11 @@ void check_string(const WebvttString& text) {
 }
 
 }  // namespace
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t largest, unsigned seed) {
+    return fuzz::mutate(fuzz::Format::kValue, data, size, largest, seed);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view input(reinterpret_cast<const char*>(data), size);
