@@ -1,6 +1,7 @@
 // Remembers where a byte occurs next.
 #pragma once
 
+#include <cassert>
 #include <cstring>
 
 namespace webvtt {
@@ -19,20 +20,33 @@ class ByteFinder {
     explicit ByteFinder(char wanted) : m_wanted(wanted) {}
 
     /// Starts on a new chunk, which may be empty. Nothing is looked for before it is asked for.
-    void start() { m_found = nullptr; }
+    void start() {
+        m_found = nullptr;
+#ifndef NDEBUG
+        m_from = nullptr;
+#endif
+    }
 
     /// The first occurrence in [from, end), or end. From start on, end stays the same and from
     /// never goes back.
     const char* find(const char* from, const char* end) {
+#ifndef NDEBUG
+        assert(from >= m_from);
+        m_from = from;
+#endif
         if (m_found < from) {
             m_found = find_byte(from, end, m_wanted);
         }
+        assert(m_found == end || (m_found < end && *m_found == m_wanted));
         return m_found;
     }
 
   private:
     char m_wanted;
     const char* m_found = nullptr;
+#ifndef NDEBUG
+    const char* m_from = nullptr;  // of the last search
+#endif
 };
 
 }  // namespace webvtt

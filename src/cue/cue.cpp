@@ -6,6 +6,7 @@
 #include "cue/cue.h"
 
 #include "base/diagnostics.h"
+#include "base/fast_paths.h"
 #include "base/text.h"
 #include "base/usual_timestamp.h"
 #include "base/value_parsers.h"
@@ -89,7 +90,7 @@ Outcome Cue::eParseHead(std::string_view block, std::string_view* pstrPayload) {
     // The first line is the identifier unless it has an arrow. The second one is the timing line,
     // whatever it looks like.
     for (const char* const number : {"1st", "2nd"}) {
-        if (fgParseUsualHead(line.tail, pstrPayload)) {
+        if (kFastPaths && fgParseUsualHead(line.tail, pstrPayload)) {
             return Outcome::kDone;
         }
         line = split_line(line.tail);

@@ -2,6 +2,8 @@
 //
 // A longer block is cut: its first ten lines are one cue, and what follows is a block of its own,
 // which normally fails for want of a timing line.
+#include <cassert>
+
 #include "base/byte_finder.h"
 #include "base/diagnostics.h"
 #include "cue/cue.h"
@@ -59,6 +61,7 @@ Outcome WebVTTParser::eParseCue(int* result) {
 /// Appends lines to the carried text until the block is complete or the chunk has no more lines.
 /// @param pfgHasMarkup whether there is a "<" or a "&" in a complete block
 WebVTTParser::Block_Result WebVTTParser::eReadBlock(bool* pfgHasMarkup) {
+    assert(fgHoldsOnlyCarried());
     const bool carried = fgTakeCarried();
     const std::size_t carried_size = m_block.strText().size();
     const unsigned carried_line_feeds = m_block.uLineFeeds();

@@ -3,6 +3,9 @@
 // A header line that is split over chunks is joined from the tail of the last chunk and the head
 // of this one only: with three chunks or more its earlier pieces are lost. Hosts that cut headers
 // so finely see them ignored, and count on it; cue blocks are always kept whole.
+#include <cassert>
+#include <new>
+
 #include "base/diagnostics.h"
 #include "base/errors.h"
 #include "base/text.h"
@@ -14,12 +17,13 @@ namespace webvtt {
 int WebVTTParser::ersltParseMetadataHeader() {
     bool map_made = false;
     for (;;) {
+        assert(fgHoldsOnlyCarried());
         char* collected = nullptr;
         try {
             if (!fgCollectLine(&collected)) {
                 break;
             }
-        } catch (const BadAllocException&) {
+        } catch (const std::bad_alloc&) {  // of ours or, where even its text has no room, another
             return WEBVTT_RESULT_ERROR;
         }
         const std::unique_ptr<char[]> line(collected);

@@ -1,6 +1,7 @@
 // One parser: one WebVTT track, fed chunk by chunk.
 #pragma once
 
+#include <cassert>
 #include <cstdint>
 #include <memory>
 #include <string_view>
@@ -134,6 +135,7 @@ class WebVTTParser {
     Outcome eCarryTail();
     void vCarryBlock();
     bool fgTakeCarried();
+    bool fgHoldsOnlyCarried();
     Outcome eAppendCue(const Cue& cue, std::string_view text);
     void vFreeQueue();
 
@@ -154,6 +156,11 @@ inline bool WebVTTParser::fgTakeCarried() {
     const bool carried = pcUnusedBuffer != nullptr;
     pcUnusedBuffer = nullptr;
     return carried;
+}
+
+/// Whether nothing but carried text is in m_block, as it is in front of every block and line.
+inline bool WebVTTParser::fgHoldsOnlyCarried() {
+    return pcUnusedBuffer != nullptr ? pcUnusedBuffer == m_block.pcOwned() : m_block.fgIsEmpty();
 }
 
 /// Looks for the next complete lines without consuming them. Notes a CR that ends the chunk.

@@ -4,6 +4,7 @@
 
 #include "base/byte_finder.h"
 #include "base/diagnostics.h"
+#include "base/fast_paths.h"
 #include "base/text.h"
 #include "base/value_parsers.h"
 #include "payload/references.h"
@@ -53,9 +54,9 @@ class PayloadReader {
     Outcome read(const char* stop) {
         Outcome outcome = Outcome::kDone;
         do {
-            if (m_rest.front() != '<') {
+            if (kFastPaths && m_rest.front() != '<') {
                 read_text();
-            } else if (!read_plain_tag()) {
+            } else if (!kFastPaths || !read_plain_tag()) {
                 outcome = read_token();
             }
         } while (outcome == Outcome::kDone && m_rest.data() < stop);
@@ -178,6 +179,12 @@ Outcome PayloadReader::read_token() {
             read_timestamp(token.strResult.text);
             break;
         default:  // a list of classes that a line feed ended
+            if constexpr (!kFastPaths) {
+                if (m_rest.front() != '<') {
+                    m_sink.vText(token.strResult.text);
+                    m_sink.vEndText();
+                }
+            }
             break;
     }
     m_rest.remove_prefix(static_cast<std::size_t>(token.iPosition));

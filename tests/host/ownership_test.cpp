@@ -70,6 +70,35 @@ TEST_F(Ownership, UndeliveredRecordsAreFreedBehindADeliveryToo) {
     EXPECT_EQ(memory.live_blocks(), 0);
 }
 
+TEST_F(Ownership, WhatACallbackCompletesIsFreedUndelivered) {
+    struct Host {
+        const Methods& call;
+        Handle handle = 0;
+        unsigned cues = 0;
+    } host{call};
+    const Quiet quiet;
+    const Memory::Use use(memory);
+    ASSERT_EQ(call.create(&host.handle), 0);
+    call.parse(host.handle, "WEBVTT\n\n", 8);
+    call.set_callback(host.handle, &host, [](int, void* tag, void* info) {
+        Host& player = *static_cast<Host*>(tag);
+        player.cues += value_at<unsigned>(info, 4);
+        player.call.parse(player.handle, kCue.data(), static_cast<unsigned>(kCue.size()));
+    });
+    call.get_result(host.handle);  // a slab is kept from now on
+    const long before = memory.live_blocks();
+    for (int i = 0; i < 100; ++i) {
+        call.get_result(host.handle);
+        ASSERT_EQ(memory.live_blocks(), before) << i;
+    }
+    EXPECT_EQ(host.cues, 0u);
+    call.parse(host.handle, kCue.data(), static_cast<unsigned>(kCue.size()));
+    call.get_result(host.handle);
+    EXPECT_EQ(host.cues, 1u);
+    call.release(host.handle);
+    EXPECT_EQ(memory.live_blocks(), 0);
+}
+
 TEST_F(Ownership, BlocksThatFailLeaveNothing) {
     Parser parser(call, memory);
     feed(parser, "WEBVTT\n\n" + kCue);

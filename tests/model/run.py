@@ -4,6 +4,7 @@
     run.py --player build/i386/tests/model/script_player --module build/i386/quillcaption.so
     run.py ... --count 20000 --seed 7          many more, others
     run.py ... --script failing.script         one script out of a file
+    run.py --player .../failing_player ... --failing --count 50     every allocation fails once
     run.py --show --seed 7 --first 12 --count 1          print a generated script
 
 Exit codes: 0 all agree; 1 a script failed (the smallest one found is printed); 2 wrong usage.
@@ -15,6 +16,7 @@ import struct
 import sys
 import time
 
+import failing
 import generate
 from model.module import Module
 from player import Player, PlayerError
@@ -38,6 +40,8 @@ def parse_arguments():
                         help="generate scripts around this track, not around random ones")
     parser.add_argument("--failures", metavar="DIR", help="also write failing scripts there")
     parser.add_argument("--reached", action="store_true", help="print what the scripts reached")
+    parser.add_argument("--failing", action="store_true",
+                        help="play short scripts, and every single allocation of theirs fails")
     parser.add_argument("--show", action="store_true", help="print the scripts, play nothing")
     arguments = parser.parse_args()
     if not arguments.show and not (arguments.player and arguments.module):
@@ -134,6 +138,25 @@ def compare(arguments):
     return True
 
 
+def compare_failing(arguments):
+    """Whether every run in which an allocation fails ends as one that the model knows."""
+    player = Player(arguments.player, arguments.module, arguments.emulator)
+    scripts = [*failing.long_scripts(), *failing.small_scripts(arguments.seed, arguments.first,
+                                                              arguments.count)]
+    runs, started = 0, time.monotonic()
+    for name, calls in scripts:
+        try:
+            runs += failing.check(calls, player, Module)
+        except failing.Disagreement as found:
+            print(f"\nFAILED: {name}\n{format_script(found.calls)}\n{found.explain(format_call)}")
+            return False
+    if runs == 0:
+        raise PlayerError("this player's memory never fails: give failing_player")
+    print(f"{len(scripts)} scripts agree, with memory failing in {runs} runs, "
+          f"{time.monotonic() - started:.0f} s")
+    return True
+
+
 def main():
     arguments = parse_arguments()
     try:
@@ -141,7 +164,8 @@ def main():
             for name, calls in scripts_of(arguments):
                 print(f"# {name}\n{format_script(calls)}")
             return 0
-        return 0 if compare(arguments) else 1
+        agree = compare_failing if arguments.failing else compare
+        return 0 if agree(arguments) else 1
     except (PlayerError, ScriptError, OSError, UnicodeError) as error:
         print(f"run.py: {error}", file=sys.stderr)
         return 2

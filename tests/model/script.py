@@ -10,7 +10,10 @@
     parse_size0 a               feed a good pointer with size 0
     pts a 180000                set the video time
     result a                    ask for the cues
+    result_feeding a "x"        ask for them, and have the callback feed a chunk
     release a                   give the parser back
+    fail once 3                 in the next call, the third allocation fails
+    fail from 3                 in the next call, the third and all behind it fail
 
 A handle may also be a number such as 0x0 or 0xdeadbeef, which the module never gave out.
 """
@@ -22,7 +25,8 @@ from model.report import quote
 
 Call = namedtuple("Call", "verb handle number data")
 
-WITH_NUMBER = ("callback", "callback_null", "parse_null", "pts")
+WITH_NUMBER = ("callback", "callback_null", "parse_null", "pts", "fail")
+WITH_BYTES = ("parse", "result_feeding")
 WITHOUT = ("create", "parse_size0", "result", "release")
 
 LINE = re.compile(r'(\w+)(?: (\w+))?(?: (\d+|"(?:[^"\\]|\\.)*"))?')
@@ -54,7 +58,7 @@ def parse_call(line):
         return call(verb, handle)
     if handle and verb in WITH_NUMBER and argument and argument.isdigit():
         return call(verb, handle, number=int(argument))
-    if handle and verb == "parse" and argument and argument.startswith('"') and len(argument) > 2:
+    if handle and verb in WITH_BYTES and argument and argument.startswith('"') and len(argument) > 2:
         return call(verb, handle, data=unquote(argument))
     raise ScriptError(f"not a call: {line}")
 
@@ -107,13 +111,13 @@ class Duties:
             # A handle released earlier may be this parser's address.
             self.stale |= self.released
             self.released.clear()
-        elif name is None or is_stray(name) or name in self.released:
+        elif name is None or one.verb == "fail" or is_stray(name) or name in self.released:
             return None
         elif name not in self.live:
             return f"{name} is not created, or used when another parser may have its handle"
         elif one.verb == "callback":
             self.registered.add(name)
-        elif one.verb == "result" and name not in self.registered:
+        elif one.verb in ("result", "result_feeding") and name not in self.registered:
             return f"{name} has no callback"
         elif one.verb == "release":
             self.live.remove(name)

@@ -8,6 +8,7 @@ import tempfile
 import unittest
 from unittest import mock
 
+import failing
 import generate
 import run
 import script
@@ -18,7 +19,7 @@ from model.text import saturate
 from model.tokenizer import Tokenizer
 from player import Player
 from reach import Reach
-from script import ScriptError, call, format_script, parse_script
+from script import ScriptError, call, format_call, format_script, parse_script
 from shrink import shrink
 
 HERE = pathlib.Path(__file__).parent
@@ -111,6 +112,68 @@ class ShrinkTest(unittest.TestCase):
                 self.assertLessEqual(len(small), most_calls, format_script(small))
                 size = sum(len(one.data or b"") for one in small)
                 self.assertLessEqual(size, most_bytes, format_script(small))
+
+
+def carry_in_spite_of_it(lines, prefix):
+    text = prefix + lines.unread
+    lines.memory.fails()
+    lines.carried = text or None
+
+
+def forget_the_carried_block(reader):
+    try:
+        return READ_BLOCK(reader)
+    finally:
+        if reader.memory.passed == reader.memory.failing:
+            reader.lines.carried = None
+
+
+READ_BLOCK = parser.Parser.read_block
+FORGETFUL = (
+    ("a text for which there is no memory is carried", LineCollector, "carry",
+     carry_in_spite_of_it),
+    ("a line for which there is no memory takes what was carried", parser.Parser, "read_block",
+     forget_the_carried_block),
+)
+
+
+class FailingModelPlayer(Player):
+    """Plays the model as if each of its places were an allocation, in this process."""
+
+    def __init__(self, *fault):
+        self.fault = fault
+
+    def play(self, scripts):
+        with mock.patch.object(*self.fault):
+            return [list(self.play_script(calls)) for calls in scripts]
+
+    @staticmethod
+    def play_script(calls):
+        module, plan = Module(), None
+        for one in calls:
+            module.memory.start(plan or 0)
+            lines = module.play_call(one)
+            if plan is not None:
+                lines.insert(-1, f"allocations {module.memory.passed} failed ?")
+            plan = one.number if one.verb == "fail" else None
+            yield lines
+
+
+class FailingTest(unittest.TestCase):
+    SCRIPT = [call("create", "a"), call("callback", "a", number=1),
+              call("parse", "a", data=b"WEBVTT\n\n00:01.000 --> 00:02.000\nx"),
+              call("parse", "a", data=b"\ny\nhalf"), call("parse", "a", data=b"\n\n"),
+              call("result", "a")]
+
+    def test_the_model_agrees_with_itself(self):
+        sound = FailingModelPlayer(parser, "DONE", parser.DONE)
+        self.assertGreater(failing.check(self.SCRIPT, sound, Module), 20)
+
+    def test_faults_are_found_and_explained(self):
+        for name, *fault in FORGETFUL:
+            with self.subTest(name), self.assertRaises(failing.Disagreement) as found:
+                failing.check(self.SCRIPT, FailingModelPlayer(*fault), Module)
+            self.assertRegex(found.exception.explain(format_call), "explains all but|and the model")
 
 
 # Speaks as the player program does, but plays the model, and crashes where a chunk begins with

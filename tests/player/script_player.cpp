@@ -9,6 +9,8 @@
 // This host deliberately does not include the public header: it finds the functions and reads the
 // records by number, so that a mistake which the module and its header share does not go unseen.
 // Every chunk lies in a block of its exact size, which is overwritten and freed after the call.
+//
+// Memory fails only in failing_player, which is this program with an operator new of its own.
 
 #include <dlfcn.h>
 
@@ -19,6 +21,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
@@ -28,6 +31,7 @@
 #include <string>
 
 #include "report.h"
+#include "support/memory.h"
 
 namespace {
 
@@ -85,7 +89,10 @@ std::string bits_at(const void* record, size_t offset) {
     return digits;
 }
 
-void on_event(int event, void* tag, void* info) {
+/// What the callback is to do besides reporting; nothing most of the time.
+std::function<void()> in_callback;
+
+void report_event(int event, const void* tag, const void* info) {
     report().take_output();
     std::ostringstream head;
     head << "event " << event << " tag " << reinterpret_cast<uintptr_t>(tag) << " cues "
@@ -101,6 +108,13 @@ void on_event(int event, void* tag, void* info) {
              << int{read_at<uint8_t>(cue, 34)} << " size " << int{read_at<uint8_t>(cue, 35)}
              << " align " << read_at<int32_t>(cue, 36) << " vertical " << read_at<int32_t>(cue, 40);
         report().line(line.str());
+    }
+}
+
+void on_event(int event, void* tag, void* info) {
+    report_event(event, tag, info);
+    if (in_callback) {
+        in_callback();
     }
 }
 
@@ -131,19 +145,15 @@ class Player {
 
     // Makes the call of one script line and reports it.
     void play(const std::string& line) {
-        std::string ending;
-        try {
-            ending = call(line);
-        } catch (const std::out_of_range& error) {
-            ending = "throw std::out_of_range " + quote(error.what());
-        } catch (const std::bad_alloc& error) {
-            ending = "throw std::bad_alloc " + quote(error.what());
-        } catch (const std::exception& error) {
-            ending = "throw std::exception " + quote(error.what());
-        } catch (...) {
-            ending = "throw";
-        }
+        const bool is_plan = line.rfind("fail ", 0) == 0;
+        const std::string ending = ending_of([&] { return call(line); });
         report().take_output();
+        if (is_planned_) {
+            report().line("allocations " + std::to_string(memory_.allocations()) + " failed " +
+                          std::to_string(memory_.failures()));
+            memory_.fail_nothing();
+        }
+        is_planned_ = is_plan;
         report().line(ending);
         report().flush();
     }
@@ -159,6 +169,20 @@ class Player {
     }
 
   private:
+    static std::string ending_of(const std::function<std::string()>& call) {
+        try {
+            return call();
+        } catch (const std::out_of_range& error) {
+            return "throw std::out_of_range " + quote(error.what());
+        } catch (const std::bad_alloc& error) {
+            return "throw std::bad_alloc " + quote(error.what());
+        } catch (const std::exception& error) {
+            return "throw std::exception " + quote(error.what());
+        } catch (...) {
+            return "throw";
+        }
+    }
+
     // How the call ended: "ret" with its result, or "done" where there is none.
     std::string call(const std::string& line) {
         std::istringstream words(line);
@@ -173,10 +197,13 @@ class Player {
         if (verb == "create_null") {
             return result(module_.create(nullptr));
         }
+        if (verb == "fail") {
+            plan(name, number(rest));
+            return "done";
+        }
         const Handle handle = find(name);
         if (verb == "parse") {
-            const Chunk chunk(unquote(rest));
-            return result(module_.parse(handle, chunk.data(), chunk.size()));
+            return parse(handle, rest);
         }
         if (verb == "parse_null") {
             return result(module_.parse(handle, nullptr, number(rest)));
@@ -189,6 +216,14 @@ class Player {
             module_.set_callback(handle, reinterpret_cast<void*>(number(rest)), notify);
         } else if (verb == "result") {
             module_.get_result(handle);
+        } else if (verb == "result_feeding") {
+            in_callback = [&] {
+                const std::string ending = ending_of([&] { return parse(handle, rest); });
+                report().take_output();
+                report().line("fed " + ending);
+            };
+            module_.get_result(handle);
+            in_callback = nullptr;
         } else if (verb == "pts") {
             module_.set_video_time(handle, number(rest));
         } else if (verb == "release") {
@@ -202,7 +237,7 @@ class Player {
 
     std::string create(const std::string& name) {
         Handle handle = 0xFFFFFFFF;
-        const std::string ending = result(module_.create(&handle));
+        const std::string ending = result(create_under_plan(&handle));
         const bool is_taken = std::any_of(live_.begin(), live_.end(), [handle](const auto& entry) {
             return entry.second == handle;
         });
@@ -212,6 +247,31 @@ class Player {
         }
         live_[name] = handle;
         return ending + (is_taken ? " handle taken" : " handle new");
+    }
+
+    // The module's calls that need memory are made under the plan, and nothing else is.
+    int create_under_plan(Handle* handle) {
+        const support::Memory::Use use(memory_);
+        return module_.create(handle);
+    }
+
+    int parse_under_plan(Handle handle, const Chunk& chunk) {
+        const support::Memory::Use use(memory_);
+        return module_.parse(handle, chunk.data(), chunk.size());
+    }
+
+    std::string parse(Handle handle, const std::string& quoted) {
+        return result(parse_under_plan(handle, Chunk(unquote(quoted))));
+    }
+
+    void plan(const std::string& kind, unsigned int number) {
+        if (kind == "once") {
+            memory_.fail_once(number);
+        } else if (kind == "from") {
+            memory_.fail_from(number);
+        } else {
+            give_up("unknown plan: " + kind);
+        }
     }
 
     Handle find(const std::string& name) const {
@@ -229,6 +289,8 @@ class Player {
     }
 
     Module module_;
+    support::Memory memory_;                 // of the calls that need some
+    bool is_planned_ = false;                // and whether it may fail in the next call
     std::map<std::string, Handle> handles_;  // all that the script was given, dead ones too
     std::map<std::string, Handle> live_;
 };

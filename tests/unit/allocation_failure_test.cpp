@@ -100,6 +100,14 @@ TEST_F(AllocationFailure, HeaderLineEndsTheHeaderSection) {
     expect_next_cue_is_read();
 }
 
+TEST_F(AllocationFailure, HeaderLineEndsTheHeaderSectionWithNoMemoryAtAll) {
+    EXPECT_EQ(feed("WEBVTT\n"), 1);
+    EXPECT_EQ(feed_failing("x\n", 1), "2");
+    expect_errors(
+        {"Alloc 2 B memory failed", "Parse Meta Header Failed, ignore and continue parse"});
+    expect_next_cue_is_read();
+}
+
 TEST_F(AllocationFailure, HeaderTextEndsTheHeaderSection) {
     EXPECT_EQ(feed("WEBVTT\n"), 1);
     EXPECT_EQ(feed_failing(kLong + "\n", kLarge, 1), "2");  // the line itself is spared

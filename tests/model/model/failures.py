@@ -6,7 +6,14 @@ class InputFailure(Exception):
 
 
 class OutOfMemory(Exception):
-    """The module's bad-allocation exception. An unknown start tag raises it too."""
+    """The module's bad-allocation exception. An unknown start tag raises it too.
+
+    Where the module does not catch it, a host sees the standard library's.
+    """
+
+
+class NoMemory(Exception):
+    """The standard library's own error. The module never catches it: the host does."""
 
 
 class OutOfRange(Exception):

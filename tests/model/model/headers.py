@@ -71,6 +71,7 @@ class TimestampMap:
 
     def parse_item(self, item, number):
         """The name is looked for anywhere in the item, but the value begins at a fixed place."""
+        self.out.step()
         if b"LOCAL:" in item:
             self.local = get_timestamp(item[len(b"LOCAL:"):], self.out)
             good = self.local is not None

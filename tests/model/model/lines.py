@@ -1,5 +1,6 @@
 """Lines out of chunks, and what is carried from one chunk to the next."""
 
+from .failures import OutOfMemory
 from .text import c_string
 
 LF, CR = b"\n", b"\r"
@@ -8,8 +9,9 @@ LF, CR = b"\n", b"\r"
 class LineCollector:
     """The unread part of the current chunk and the text carried over from earlier ones."""
 
-    def __init__(self, out):
+    def __init__(self, out, memory):
         self.out = out
+        self.memory = memory
         self.unread = b""
         self.pending_cr = False  # a chunk ended with a carriage return
         self.carried = None      # None, or a text without zero bytes, which may be empty
@@ -29,7 +31,8 @@ class LineCollector:
     def collect_line(self):
         """The next complete line, ended by a line feed; None when there is none left.
 
-        A zero byte ends the line for everyone who looks at it, its line feed included.
+        A zero byte ends the line for everyone who looks at it, its line feed included. A line
+        for which there is no memory stays unread.
         """
         ends = [i for i in (self.unread.find(LF), self.unread.find(CR)) if i >= 0]
         if not ends:
@@ -41,6 +44,9 @@ class LineCollector:
                 self.pending_cr = True
             elif rest.startswith(LF):
                 rest = rest[1:]
+        if self.memory.fails():
+            self.out.error(b"Alloc %d B memory failed" % (length + 1))
+            raise OutOfMemory
         if not rest:
             self.out.error(b"Buffer Exhausted")
         self.unread = rest
@@ -58,4 +64,7 @@ class LineCollector:
         The tail's bytes are kept as they came, but are read back up to the first zero byte.
         """
         text = prefix + self.unread
+        self.carried = None
+        if text and self.memory.fails():
+            raise OutOfMemory
         self.carried = c_string(text) if text else None

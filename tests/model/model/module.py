@@ -4,7 +4,8 @@
 bytes that came out on standard output, the events of the callback, and how the call ended.
 """
 
-from .failures import OutOfRange
+from .failures import NoMemory, OutOfMemory, OutOfRange
+from .memory import Memory
 from .output import Output
 from .parser import ERROR, Parser
 from .report import quote, report_delivery
@@ -18,6 +19,7 @@ FUNCTIONS = {
     "callback": "vSetWebvttEventNty",
     "callback_null": "vSetWebvttEventNty",
     "result": "vGetParseResult",
+    "result_feeding": "vGetParseResult",
     "pts": "vSetVideoPTS",
 }
 
@@ -27,6 +29,7 @@ class Module:
 
     def __init__(self):
         self.out = Output()
+        self.memory = Memory()
         self.parsers = {}  # by the name that the script gave to the handle
 
     def play(self, calls):
@@ -39,14 +42,23 @@ class Module:
             ending = self.make_call(call, events)
         except OutOfRange as error:
             ending = f'throw std::out_of_range "{error.what}"'
-        written = self.out.take()
+        except (NoMemory, OutOfMemory):
+            ending = 'throw std::bad_alloc "std::bad_alloc"'
         # No function writes anything behind its callback, so the output comes first.
-        return ([f"out {quote(written)}"] if written else []) + events + [ending]
+        return self.take_output() + events + [ending]
+
+    def take_output(self):
+        written = self.out.take()
+        return [f"out {quote(written)}"] if written else []
 
     def make_call(self, call, events):
         """How the call ended: "ret" with a result, or "done" where there is none."""
+        if call.verb == "fail":
+            return "done"
         if call.verb == "create":
-            self.parsers[call.handle] = self.parser_class(self.out)
+            if self.memory.fails():
+                return f"ret {ERROR} handle missing"
+            self.parsers[call.handle] = self.parser_class(self.out, self.memory)
             return "ret 0 handle new"
         parser = self.parsers.get(call.handle)
         if parser is None:  # unknown, released or null, or no place to store a handle
@@ -67,6 +79,10 @@ class Module:
         elif call.verb == "release":
             del self.parsers[call.handle]
         elif call.verb == "result":
-            tag, records = parser.take_result()
-            events += report_delivery(tag, records)
+            events += report_delivery(*parser.take_result())
+        elif call.verb == "result_feeding":
+            events += report_delivery(*parser.take_result())
+            *lines, ending = self.play_call(call._replace(verb="parse"))
+            events += [*lines, f"fed {ending}"]
+            parser.take_result()  # a cue that the callback itself completes is never delivered
         return "done"

@@ -8,8 +8,15 @@ class Output:
 
     def __init__(self):
         self._bytes = bytearray()
+        self.on_step = None
+
+    def step(self):
+        """Memory may run out here, and in front of whatever is written."""
+        if self.on_step:
+            self.on_step()
 
     def write(self, data):
+        self.step()
         self._bytes += data
 
     def line(self, text):

@@ -3,7 +3,7 @@
 from collections import namedtuple
 
 from .cue import Cue
-from .failures import InputFailure, OutOfMemory
+from .failures import InputFailure, NoMemory, OutOfMemory
 from .headers import REGION, TIMESTAMP_MAP, TimestampMap, parse_region
 from .lines import LineCollector
 from .text import double_to_byte, double_to_signed32, signed32
@@ -27,9 +27,10 @@ Record = namedtuple("Record", "start end text line snap position size align vert
 
 
 class Parser:
-    def __init__(self, out):
+    def __init__(self, out, memory):
         self.out = out
-        self.lines = LineCollector(out)
+        self.memory = memory
+        self.lines = LineCollector(out, memory)
         self.read_chunk = self.read_signature  # the parse state
         self.timestamp_map = None
         self.video_ticks = 0
@@ -83,20 +84,33 @@ class Parser:
         """Header lines up to the first blank one. What a map's parse raises leaves the module."""
         map_seen = False  # in this call only: the next chunk may bring another map
         while True:
-            line = self.lines.collect_line()
+            try:
+                line = self.lines.collect_line()
+            except OutOfMemory:
+                return self.give_up_headers()
             if line is None:
                 self.lines.carry(b"")  # what was carried before is lost
                 return IN_HEADER
+            if self.memory.fails():
+                self.out.error(b"pcDataBuffer == NULL after new")
+                return self.give_up_headers()
             header = (self.lines.take_carried() or b"") + line
             if len(header) == 1:
                 self.read_chunk = self.read_cues
                 return self.read_cues()
             if header.startswith(REGION):
-                parse_region(header, self.out)
+                self.need_memory_for(lambda: parse_region(header, self.out))
             elif header.startswith(TIMESTAMP_MAP) and not map_seen:
                 map_seen = True
+                self.need_memory()
                 self.timestamp_map = TimestampMap(self.out)
-                self.timestamp_map.parse(header)
+                self.need_memory_for(lambda: self.timestamp_map.parse(header))
+
+    def give_up_headers(self):
+        """What was carried of a header line becomes the beginning of the first block."""
+        self.out.error(b"Parse Meta Header Failed, ignore and continue parse")
+        self.read_chunk = self.read_cues
+        return ERROR
 
     def read_cues(self):
         """Blocks up to the end of the chunk, unless one of them ends the reading."""
@@ -114,6 +128,9 @@ class Parser:
             if result == DONE:
                 self.out.error(b"FINISHED")
                 return DONE
+            if result == ERROR:
+                self.out.error(b"return result 2")
+                return ERROR
 
     def read_block(self):
         """Collect one cue block and make a cue of it, or carry an unfinished one."""
@@ -124,7 +141,10 @@ class Parser:
         text = carried or b""
         complete = False
         while not complete:
-            line = self.lines.collect_line()
+            try:
+                line = self.lines.collect_line()
+            except OutOfMemory:
+                return ERROR  # what was carried is still there
             if line is None:
                 break
             is_blank = len(line) <= 1
@@ -142,12 +162,31 @@ class Parser:
         if not complete:
             self.lines.carry(text)
             return DONE
+        if self.memory.fails():  # for the text
+            raise OutOfMemory
         cue = Cue(self.out)
-        if cue.parse(text):
+        if self.need_memory_for(lambda: cue.parse(text)):
+            if self.memory.fails():  # for the record
+                raise OutOfMemory
             self.queue.append(self.make_record(cue))
         else:
             self.out.error(b"Cue Parse Failed" + b"!" * 29)
         return BLOCK_DONE
+
+    # -- memory for values and texts ---------------------------------------------------------
+
+    def need_memory(self):
+        if self.memory.fails():
+            raise NoMemory
+
+    def need_memory_for(self, action):
+        """It may need some at any time: before whatever it prints, and before what it raises."""
+        self.out.on_step = self.need_memory
+        try:
+            return action()
+        finally:
+            self.out.on_step = None
+            self.need_memory()
 
     # -- records -----------------------------------------------------------------------------
 

@@ -67,6 +67,7 @@ const Verb* Verb::Find(std::string_view name) {
         {"payload", Arguments::kBytes, &CasePlayer::Show, kTimesLine, "\n\n"},
         {"payload-exact", Arguments::kBytes, &CasePlayer::Show, kTimesLine, "\0\n\n"sv},
         {"take", Arguments::kNone, &CasePlayer::Take},
+        {"take-feeding", Arguments::kBytes, &CasePlayer::TakeFeeding},
         {"pts", Arguments::kNumber, &CasePlayer::SetVideoTime},
         {"release", Arguments::kNone, &CasePlayer::Release},
     };
@@ -232,6 +233,12 @@ void CasePlayer::Take(const CaseCall& /*call*/) {
     Add(delivered_);
 }
 
+void CasePlayer::TakeFeeding(const CaseCall& call) {
+    fed_in_callback_ = call.bytes;
+    Take({});
+    fed_in_callback_.clear();
+}
+
 void CasePlayer::SetVideoTime(const CaseCall& call) {
     methods_.set_video_time(handle_, call.number);
 }
@@ -245,6 +252,10 @@ void CasePlayer::OnEvent(int event, void* tag, void* info) {
     const Tag* const place = static_cast<Tag*>(tag);
     CasePlayer& player = *place->player;
     player.NoteEvent(event, static_cast<std::size_t>(place - player.tags_.data()), info);
+    if (!player.fed_in_callback_.empty()) {
+        const Lines lines = player.FeedBytes(player.fed_in_callback_);
+        player.delivered_.insert(player.delivered_.end(), lines.begin(), lines.end());
+    }
 }
 
 void CasePlayer::NoteEvent(int event, std::size_t tag, const void* info) {

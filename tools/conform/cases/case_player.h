@@ -55,6 +55,7 @@ class CasePlayer {
     void Send(const CaseCall& call);
     void Show(const CaseCall& call);
     void Take(const CaseCall& call);
+    void TakeFeeding(const CaseCall& call);
     void SetVideoTime(const CaseCall& call);
     void Release(const CaseCall& call);
 
@@ -72,6 +73,7 @@ class CasePlayer {
     support::Handle handle_ = 0;  // what the calls are made with
     bool is_begun_ = false;
     std::array<Tag, 10> tags_;
+    std::string fed_in_callback_;
     Lines delivered_;
     Lines lines_;  // what has come of the call so far
 };
