@@ -5,13 +5,13 @@ _quill_subcommands='check conform cues fix inspect replay report'
 # Global by name: bash-completion reads this file inside of a function, at the first TAB.
 declare -gA _quill_options=(
     [quill]='--help --version'
-    [check]='--help --files-from --format --color --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --blocks --module --quiet'
+    [check]='--help --files-from --format --color --chunk --pts --fail-on --select --ignore --explain --codes --jobs --all --sums --blocks --timeout --module --quiet'
     [conform]='--help --list --only --failed-only --cases --time --timeout --format'
-    [cues]='--help --format --chunk --pts --record --module --quiet'
-    [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --module'
+    [cues]='--help --format --chunk --pts --record --timeout --module --quiet'
+    [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --timeout --module'
     [inspect]='--help --format'
     [replay]='--help --show --track --case --check --parser --pace --timeout --format --module'
-    [report]='--help --files-from --output --against --against-module --video --background --chunk --pts --module'
+    [report]='--help --files-from --output --against --against-module --video --background --chunk --pts --timeout --module'
 )
 
 # _quill_value SUBCOMMAND OPTION WORD: offers what may be the option's value, nothing where that is

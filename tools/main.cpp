@@ -1,9 +1,7 @@
 // quill: drives the caption module from the command line, through the interface that a player
 // uses and nothing else.
 #include <csignal>
-#include <exception>
 #include <memory>
-#include <new>
 #include <vector>
 
 #include "quillcaption/quillcaption.h"
@@ -11,7 +9,6 @@
 #include "tools/conform/conform_command.h"
 #include "tools/console/command.h"
 #include "tools/console/failure.h"
-#include "tools/console/message.h"
 #include "tools/console/output.h"
 #include "tools/console/program.h"
 #include "tools/cues/cues_command.h"
@@ -56,18 +53,10 @@ console::ExitCode Run(int argc, char** argv) {
 }  // namespace quill
 
 int main(int argc, char** argv) {
-    // A closed pipe is an error of the write that meets it.
+    // A closed pipe, or a limit on the size of files, is an error of the write that meets it.
     std::signal(SIGPIPE, SIG_IGN);
-    try {
-        return quill::Run(argc, argv);
-    } catch (const quill::console::Failure& failure) {
-        quill::console::Say(failure.what());
-        return failure.code();
-    } catch (const std::bad_alloc&) {
-        quill::console::Say("out of memory");
-        return quill::console::kExitUsage;
-    } catch (const std::exception& error) {
-        quill::console::Say(error.what());
-        return quill::console::kExitTrack;
-    }
+    std::signal(SIGXFSZ, SIG_IGN);
+    // Or the system would not keep how a child has ended.
+    std::signal(SIGCHLD, SIG_DFL);
+    return quill::console::RunToEnd([argc, argv] { return quill::Run(argc, argv); });
 }

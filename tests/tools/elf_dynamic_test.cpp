@@ -11,10 +11,10 @@
 
 #include "support/exact_block.h"
 #include "tools/host/elf_check.h"
-#include "tools/inspect/elf_dynamic.h"
-#include "tools/inspect/elf_reader.h"
+#include "tools/host/elf_dynamic.h"
+#include "tools/host/elf_reader.h"
 
-namespace quill::inspect {
+namespace quill::host {
 namespace {
 
 std::string ModuleBytes() {
@@ -25,7 +25,7 @@ std::string ModuleBytes() {
 }
 
 ElfDynamic Read(support::ExactBlock& block) {
-    return ReadElfDynamic({block.data(), block.size()}, host::OwnTarget());
+    return ReadElfDynamic({block.data(), block.size()}, OwnTarget());
 }
 
 bool IsReadable(support::ExactBlock& block) {
@@ -151,4 +151,4 @@ TEST(ElfVersion, ComparesNumberByNumber) {
 }
 
 }  // namespace
-}  // namespace quill::inspect
+}  // namespace quill::host

@@ -43,7 +43,7 @@ class Catalogue(QuillTest):
 
     def test_a_crash_costs_one_track(self):
         for fault, track, how in (("crash", CRASHING, "crashed by SIGSEGV"),
-                                  ("exit", ENDING, "ended before its time")):
+                                  ("exit", ENDING, "ended the process")):
             if SANITIZED and fault == "crash":  # which the sanitizer reports as its own find
                 continue
             self.fill(20)
@@ -56,9 +56,10 @@ class Catalogue(QuillTest):
                                         env=broken(fault))
                     lines = list(map(json.loads, result.out.splitlines()))
                     failures = [line for line in lines if "failure" in line]
-                    said = [f"t/{number:04}.vtt: the process that checked it {how}"
-                            for number in (5, 6, 19)]
-                    self.assertEqual((result.code, self.messages(result)), (1, said))
+                    said = [f"{fixture('broken')} {how} in pfnParse on the block at line 3 of "
+                            f"t/{number:04}.vtt; build the module again, or copy it again, and try "
+                            "it with quill conform" for number in (5, 6, 19)]
+                    self.assertEqual((result.code, self.messages(result)), (3, said))
                     self.assertEqual([line["failure"] for line in failures], said)
                     self.assertEqual(lines[-1]["total"]["tracks"], 17)
                     self.assertEqual(lines[-1]["total"]["failed"], 3)

@@ -296,10 +296,20 @@ class BrokenModules(Conforming):
             with self.subTest(path):
                 self.assert_fails(self.quill("conform", path), 3, words)
 
-    @unittest.skipIf(SANITIZED, "the sanitizer turns the crash into an exit")
-    def test_a_crash_while_it_is_loaded(self):
-        self.assert_fails(self.quill("conform", fixture("broken"), env=broken("crash-at-load")), 3,
-                          "broken.so crashed by SIGSEGV while it was loaded")
+    def test_what_ends_loading(self):
+        for fault, words in (("crash-at-load", "broken.so crashed by SIGSEGV while it was loaded"),
+                             ("exit-at-load", "broken.so ended the process while it was loaded"),
+                             ("hang-at-load", "broken.so did not end in time while it was loaded")):
+            if SANITIZED and fault == "crash-at-load":  # the sanitizer turns it into an exit
+                continue
+            with self.subTest(fault):
+                self.assert_fails(self.quill("conform", fixture("broken"), "--timeout", "1",
+                                             env=broken(fault)), 3, words, "copy it again")
+
+    def test_what_it_starts_ends_with_the_case(self):
+        # The process that is left has the standard error of quill, whose end the test waits for.
+        self.assertEqual(self.conform(fixture("broken"), "--only", "times/note", "--timeout", "3",
+                                      env=broken("fork"), code=1)[-1], "1 case: 1 hung")
 
 
 class Times(Conforming):
@@ -397,6 +407,30 @@ class CaseFiles(Conforming):
     def test_files_that_cannot_be_read(self):
         for path, words in ((self.folder + "/none", "No such file"), (self.folder, "directory")):
             self.assert_fails(self.quill("conform", "--cases", path), 2, path, words)
+
+    def test_a_line_of_spaces_is_empty(self):
+        self.assertEqual([one["outcome"] for one in self.run_cases(
+            "   \n== a\n \nWhy.\nopen\n  \nrelease\n   \n")], ["passed"])
+
+    def test_names_cannot_reach_the_terminal(self):
+        path = self.file("my.cases", b"== a\x1b[2Jb\nWhy\x9b.\nopen\n  no\n")
+        for arguments in ((), ("--list",)):
+            with self.subTest(arguments):
+                shown = self.quill("conform", "--cases", path, *arguments).out
+                self.assertIn(rb"my/a\x1b[2Jb: Why\x9b.", shown)
+                self.assertNotIn(b"\x1b", shown)
+
+    def test_of_many_lines_those_are_told_that_differ(self):
+        expected = "".join(f"  | line {number}, which is only here to be long\n"
+                           for number in range(70))
+        text = '== a\nA flood.\nstart\nfeed "flood 100000\\n"\n  | chunk of 13\n' + expected
+        details = self.conform_json(fixture("scripted"), "--cases",
+                                    self.file("my.cases", text.encode()), code=1)[0][0]["details"]
+        self.assertEqual(details[1], "  expected  (71 lines that agree)")
+        self.assertEqual(details[2:4], ["  got       (71 lines that agree)",
+                                        "  got       | line 70, which is only here to be long"])
+        self.assertEqual(details[-1], "  got       (and 99891 more)")
+        self.assertEqual(len(details), 3 + 40 + 1)
 
     def test_a_module_of_another_kind(self):
         text = '== a\nA script.\nstart\nfeed "print a\\\\x0d\\nprint b\\nreturn 1\\n"\n  x\n'

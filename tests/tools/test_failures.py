@@ -111,6 +111,7 @@ class Thrown(QuillTest):
         for what, said in (("own", "scripted::Mishap: what the module says: own;"),
                            ("a\x1b\x07b", "Mishap: what the module says: a\\x1b\\x07b;"),
                            ("int", "the module threw int;"),
+                           ("foreign", "the module threw an exception that is not of C++;"),
                            ("bad_alloc", "the module threw std::bad_alloc: std::bad_alloc;")):
             with self.subTest(what):
                 result = self.scripted(b"cue plain\nthrow " + what.encode() + b"\ncue lost\n")

@@ -12,7 +12,7 @@
 #include "tools/check/track_run.h"
 #include "tools/console/arguments.h"
 #include "tools/console/message.h"
-#include "tools/host/diagnostics_capture.h"
+#include "tools/host/load_check.h"
 #include "tools/host/module_handle.h"
 
 namespace quill::check {
@@ -45,7 +45,7 @@ Exit codes:
   0  no finding of the level of --fail-on
   1  at least one
   2  wrong usage, a track that cannot be read, an output that cannot be written or was closed
-  3  the module cannot be loaded)";
+  3  the module cannot be loaded, or it crashed, hung or ended the process)";
 
 std::optional<Severity> ParseFailOn(const std::string& name) {
     static constexpr std::optional<Severity> kLevels[] = {Severity::kLost, Severity::kChanged,
@@ -108,6 +108,7 @@ CheckCommand::CheckCommand(CLI::App& app)
                  "With --format json: an object for every block too, with\n"
                  "what became of it and which cue it makes");
     line.AddFlag("--quiet", quiet_, "Print no sums, and show no progress");
+    host::AddLimitOption(line, limit_);
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
 }
@@ -204,12 +205,12 @@ CheckOptions CheckCommand::Options(const Report& report) const {
 console::ExitCode CheckCommand::CheckTracks(const CheckOptions& options,
                                             console::Output& output) const {
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
-    const host::DiagnosticsCapture capture(host::DiagnosticsCapture::Mode::kDrop);
-    const host::ModuleHandle module(path);
+    host::CheckThatItLoads(path, limit_);
     const Report& report = *options.printing.report;
     output.Write(report.Beginning());
     TrackRun run(options, output);
-    run.Run(module, tracks_, jobs_.value_or(std::max(std::thread::hardware_concurrency(), 1u)));
+    run.Run(path, limit_, tracks_,
+            jobs_.value_or(std::max(std::thread::hardware_concurrency(), 1u)));
     if (!quiet_ && run.total().tracks + run.total().failed > 1) {
         output.Write(report.Format(run.total(), in_full_));
     }

@@ -2,6 +2,7 @@
 #ifndef TOOLS_CHECK_CHECK_COMMAND_H_
 #define TOOLS_CHECK_CHECK_COMMAND_H_
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -13,6 +14,7 @@
 #include "tools/console/arguments.h"
 #include "tools/console/command.h"
 #include "tools/console/track_list.h"
+#include "tools/host/run_apart.h"
 
 namespace quill::check {
 
@@ -47,6 +49,7 @@ class CheckCommand : public console::Command {
     std::optional<CodePrefixes> selected_;
     std::optional<CodePrefixes> ignored_;
     std::string explained_;
+    std::chrono::seconds limit_ = host::kDefaultLimit;
     std::string module_;
 };
 

@@ -37,12 +37,13 @@ TrackRun::TrackRun(const CheckOptions& options, console::Output& output)
       progress_(options.shows_progress, console::kProgressPause),
       joint_(options.printing.report->Joint().size()) {}
 
-void TrackRun::Run(const host::ModuleHandle& module, const console::TrackArguments& tracks,
-                   std::size_t processes) {
+void TrackRun::Run(const std::string& module, std::chrono::seconds limit,
+                   const console::TrackArguments& tracks, std::size_t processes) {
     if (progress_.wanted()) {
         count_ = CountTracks(tracks);
     }
-    host::JobPool pool(processes, [&] { return std::make_unique<TrackWorker>(module, options_); });
+    host::JobPool pool(processes, limit,
+                       [&] { return std::make_unique<TrackWorker>(module, options_); });
     console::TrackList list(tracks);
     pool.Run([&] { return NextOf(list); }, *this);
     progress_.Wipe();
@@ -84,8 +85,8 @@ void TrackRun::End(const std::string& job, const std::string& result) {
     ShowProgress();
 }
 
-void TrackRun::Die(const std::string& job, const std::string& how) {
-    Fail(console::kExitTrack, job, job + ": the process that checked it " + how);
+void TrackRun::Die(const std::string& job, const std::string& why) {
+    Fail(console::kExitModule, job, why);
 }
 
 void TrackRun::Fail(console::ExitCode code, const std::string& track, const std::string& message) {

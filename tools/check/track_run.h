@@ -16,7 +16,6 @@
 #include "tools/console/progress.h"
 #include "tools/console/track_list.h"
 #include "tools/host/job_pool.h"
-#include "tools/host/module_handle.h"
 
 namespace quill::check {
 
@@ -27,8 +26,8 @@ class TrackRun : public host::JobSink {
 
     // A track that cannot be checked does not keep the others from being checked. Throws
     // OutputError, and Failure when no process can be started.
-    void Run(const host::ModuleHandle& module, const console::TrackArguments& tracks,
-             std::size_t processes);
+    void Run(const std::string& module, std::chrono::seconds limit,
+             const console::TrackArguments& tracks, std::size_t processes);
 
     const Total& total() const { return total_; }
     // The worst that kept a track from being checked.
@@ -37,7 +36,7 @@ class TrackRun : public host::JobSink {
     void Write(std::string_view bytes) override;
     void Show(std::string_view line) override;
     void End(const std::string& job, const std::string& result) override;
-    void Die(const std::string& job, const std::string& how) override;
+    void Die(const std::string& job, const std::string& why) override;
 
   private:
     using Clock = std::chrono::steady_clock;

@@ -25,17 +25,19 @@ struct Outcome {
 
 class TrackWorker : public host::JobWorker {
   public:
-    // The module and the options must outlive the worker.
-    TrackWorker(const host::ModuleHandle& module, const CheckOptions& options)
+    // Loads the module. The options must outlive the worker.
+    TrackWorker(const std::string& module, const CheckOptions& options)
         : capture_(host::DiagnosticsCapture::Mode::kCollect),
+          module_(module),
           options_(options),
-          checker_(module, capture_, options) {}
+          checker_(module_, capture_, options) {}
 
     // The job is the name of a track, the result an Outcome.
     std::string Do(const std::string& job, host::JobOutput& output) override;
 
   private:
     host::DiagnosticsCapture capture_;
+    host::ModuleHandle module_;
     const CheckOptions& options_;
     TrackChecker checker_;
 };

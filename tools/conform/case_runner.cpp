@@ -21,6 +21,8 @@ constexpr std::string_view kGot = "got ";
 constexpr std::string_view kEnd = "end";
 
 constexpr std::size_t kLongestDetail = 200;
+// What is told of each side of a difference.
+constexpr std::size_t kMostLines = 40;
 
 struct StepReport {
     std::string what;
@@ -95,13 +97,25 @@ std::string Where(const Case& one, const CaseStep& step) {
     return one.file + ":" + std::to_string(step.line) + ": " + Shorten(step.text);
 }
 
-void AddLines(const char* label, const std::vector<std::string>& lines,
+// Of what one side of a difference has many lines of, those are told with which it begins.
+void AddLines(const char* label, const std::vector<std::string>& lines, std::size_t first,
               std::vector<std::string>& details) {
+    const std::size_t begin = lines.size() > kMostLines ? first : 0;
+    const std::size_t end = std::min(lines.size(), begin + kMostLines);
+    const auto add = [&](const std::string& line) {
+        details.push_back(std::string("  ") + label + line);
+    };
     if (lines.empty()) {
-        details.push_back(std::string("  ") + label + "nothing");
+        add("nothing");
     }
-    for (const std::string& line : lines) {
-        details.push_back(std::string("  ") + label + Shorten(line));
+    if (begin != 0) {
+        add("(" + std::to_string(begin) + " lines that agree)");
+    }
+    for (std::size_t i = begin; i < end; ++i) {
+        add(Shorten(lines[i]));
+    }
+    if (end != lines.size()) {
+        add("(and " + std::to_string(lines.size() - end) + " more)");
     }
 }
 
@@ -117,8 +131,11 @@ std::vector<std::string> FirstDifference(const Case& one, const CaseReport& repo
         const std::vector<std::string>& got = report.steps[i + 1].got;
         if (got != step.expected) {
             details.push_back(Where(one, step));
-            AddLines("expected  ", step.expected, details);
-            AddLines("got       ", got, details);
+            const auto [differs, other] =
+                std::mismatch(step.expected.begin(), step.expected.end(), got.begin(), got.end());
+            const auto first = static_cast<std::size_t>(differs - step.expected.begin());
+            AddLines("expected  ", step.expected, first, details);
+            AddLines("got       ", got, first, details);
             break;
         }
     }
@@ -143,8 +160,7 @@ std::string DescribeBreak(const Case& one, const CaseReport& report, const host:
     if (number >= 2 && number - 2 < one.steps.size()) {
         where = Where(one, one.steps[number - 2]);
     }
-    const bool is_quiet = end.kind == host::IsolatedEnd::Kind::kDone;
-    return where + ": the module " + (is_quiet ? "ended the process" : host::DescribeEnd(end));
+    return where + ": the module " + host::DescribeEnd(end);
 }
 
 Outcome OutcomeOf(const host::IsolatedEnd& end) {

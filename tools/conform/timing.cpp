@@ -96,9 +96,8 @@ Best TakeInChild(const std::string& module, std::chrono::seconds timeout, const 
     Best best;
     std::array<double, 2> times = {};
     if (!(std::istringstream(end.written) >> best.cues >> times[0] >> times[1])) {
-        const std::string how = host::DescribeEnd(end);
         throw console::Failure(console::kExitTrack, "cannot time " + what + ": " + module + " " +
-                                                        (how.empty() ? "ended the process" : how));
+                                                        host::DescribeEnd(end));
     }
     if (best.cues != cues) {
         throw console::Failure(console::kExitTrack,

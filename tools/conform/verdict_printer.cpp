@@ -22,6 +22,11 @@ std::string Counted(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " case" : " cases");
 }
 
+// A case file of the user's may call a case anything.
+std::string InText(const std::string& text) {
+    return console::Escape(text, console::LineFeeds::kEscape);
+}
+
 // Where a case is written, for a reader who wants to see all of it.
 Json Place(const Case& one) {
     return one.file.empty() ? Json(nullptr) : Json(one.file + ":" + std::to_string(one.line));
@@ -29,10 +34,11 @@ Json Place(const Case& one) {
 
 std::string FormatAsText(const Case& one, const Verdict& verdict) {
     const bool passed = verdict.outcome == Outcome::kPassed;
-    std::string text = kMarks.at(static_cast<std::size_t>(verdict.outcome)) + one.full_name();
-    text += passed ? "\n" : ": " + one.reason + "\n";
+    std::string text =
+        kMarks.at(static_cast<std::size_t>(verdict.outcome)) + InText(one.full_name());
+    text += passed ? "\n" : ": " + InText(one.reason) + "\n";
     for (const std::string& detail : verdict.details) {
-        text += std::string(8, ' ') + console::Escape(detail, console::LineFeeds::kEscape) + "\n";
+        text += std::string(8, ' ') + InText(detail) + "\n";
     }
     return text;
 }
@@ -75,7 +81,7 @@ void PrintCaseList(console::Output& output, const std::vector<Case>& cases, bool
         text +=
             as_json
                 ? Line({{"case", one.full_name()}, {"reason", one.reason}, {"place", Place(one)}})
-                : one.full_name() + ": " + one.reason + "\n";
+                : InText(one.full_name()) + ": " + InText(one.reason) + "\n";
     }
     output.Write(text + (as_json ? Line({{"cases", cases.size()}}) : Counted(cases.size()) + "\n"));
 }

@@ -53,10 +53,11 @@ Descriptor UnnamedFile() {
         return DuplicatePrivately(in_memory.get());
     }
     char name[] = "/tmp/quill.XXXXXX";
-    const Descriptor on_disk(mkstemp(name));  // a kernel older than memfd_create
-    if (on_disk.valid()) {
-        unlink(name);
+    Descriptor on_disk(mkstemp(name));  // a kernel older than memfd_create
+    if (!on_disk.valid()) {
+        return on_disk;
     }
+    unlink(name);
     return DuplicatePrivately(on_disk.get());
 }
 

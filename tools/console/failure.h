@@ -9,10 +9,10 @@ namespace quill::console {
 
 // The exit codes of every subcommand; the help lists them.
 enum ExitCode {
-    kExitDone = 0,        // the work was done to its end
-    kExitTrack = 1,       // the track was rejected, the module threw or breaks its contract
-    kExitUsage = 2,       // wrong usage, or something that cannot be read or written
-    kExitUnloadable = 3,  // the module cannot be loaded
+    kExitDone = 0,    // the work was done to its end
+    kExitTrack = 1,   // the track was rejected, the module threw or breaks its contract
+    kExitUsage = 2,   // wrong usage, or something that cannot be read or written
+    kExitModule = 3,  // the module cannot be loaded, or crashed, hung or ended the process
 };
 
 // Ends the run: main() says the text on standard error and exits with the code.

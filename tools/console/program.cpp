@@ -1,9 +1,11 @@
 #include "tools/console/program.h"
 
 #include <CLI/CLI.hpp>
+#include <exception>
+#include <new>
 #include <vector>
 
-#include "tools/console/failure.h"
+#include "tools/console/message.h"
 #include "tools/console/suggestion.h"
 
 namespace quill::console {
@@ -67,6 +69,21 @@ bool Program::Parse(int argc, char** argv, Output& output) {
         throw Failure(kExitUsage, DescribeMistake(*app_, error) + " (--help says more)");
     }
     return false;
+}
+
+ExitCode RunToEnd(const std::function<ExitCode()>& work) {
+    try {
+        return work();
+    } catch (const Failure& failure) {
+        Say(failure.what());
+        return failure.code();
+    } catch (const std::bad_alloc&) {
+        Say("out of memory");
+        return kExitUsage;
+    } catch (const std::exception& error) {
+        Say(error.what());
+        return kExitTrack;
+    }
 }
 
 }  // namespace quill::console

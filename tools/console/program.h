@@ -2,10 +2,12 @@
 #ifndef TOOLS_CONSOLE_PROGRAM_H_
 #define TOOLS_CONSOLE_PROGRAM_H_
 
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "tools/console/arguments.h"
+#include "tools/console/failure.h"
 #include "tools/console/output.h"
 
 namespace quill::console {
@@ -27,6 +29,9 @@ class Program {
   private:
     std::unique_ptr<CLI::App> app_;
 };
+
+// Does the work of a whole run. What that throws is said on standard error, and is the exit code.
+ExitCode RunToEnd(const std::function<ExitCode()>& work);
 
 }  // namespace quill::console
 

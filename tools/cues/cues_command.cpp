@@ -31,7 +31,7 @@ Exit codes:
   0  the track was read to its end (also when a warning named lost cues)
   1  the track was rejected, or the module threw
   2  wrong usage, a track that cannot be read, an output that cannot be written or was closed
-  3  the module cannot be loaded)";
+  3  the module cannot be loaded, or it crashed, hung or ended the process)";
 
 CueFormatter ParseFormat(const std::string& name) {
     static constexpr CueFormatter kFormatters[] = {FormatAsText, FormatAsJson, FormatAsSrt};
@@ -59,16 +59,22 @@ CuesCommand::CuesCommand(CLI::App& app)
     line.AddOption("--record", "LOG", record_,
                    "Write all calls and what came of them to this file, for\n"
                    "quill replay");
+    host::AddLimitOption(line, limit_);
     console::AddModuleArguments(line, module_);
     line.SetFooter(kFooter);
 }
 
 console::ExitCode CuesCommand::Run(console::Output& output) {
+    return host::RunApart(limit_, [&] { return Play(output); });
+}
+
+console::ExitCode CuesCommand::Play(console::Output& output) const {
     host::TrackReader track(track_, chunk_size_);
     const std::string path = module_.path.empty() ? host::FindDefaultModule() : module_.path;
     host::DiagnosticsCapture capture(module_.quiet ? host::DiagnosticsCapture::Mode::kDrop
                                                    : host::DiagnosticsCapture::Mode::kShow);
     const host::ModuleHandle module(record_.empty() ? path : host::RecordTo(record_, path));
+    host::CallNote::Own().module.Set(path);  // which the guard of a recording calls
     CuePrinter printer(output, format_);
     try {
         TrackPlayer player(module, capture, track, printer);

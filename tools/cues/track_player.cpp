@@ -66,6 +66,9 @@ bool TrackPlayer::Play() {
 }
 
 TrackPlayer::Fate TrackPlayer::Feed(const host::Chunk& chunk, bool first) {
+    host::CallNote& note = host::CallNote::Own();
+    note.begin = chunk.offset;
+    note.end = track_.offset();
     const std::string place = track_.name() + ": " + DescribePlace(chunk, track_.offset());
     try {
         if (parser_.Feed(chunk.data.get(), chunk.size) != WEBVTT_RESULT_ERROR) {

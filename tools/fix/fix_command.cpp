@@ -40,7 +40,7 @@ Exit codes:
   1  something is left that is; or, with --diff and --dry-run, there is something to fix; or it
      could not be verified, or is no track, and nothing was written
   2  wrong usage, or something that cannot be read or written
-  3  the module cannot be loaded)";
+  3  the module cannot be loaded, or it crashed, hung or ended the process)";
 
 // How many of one code are said one by one.
 constexpr std::uint32_t kMostOfACode = 3;
@@ -110,6 +110,7 @@ FixCommand::FixCommand(CLI::App& app)
                    "WINDOWS-1252; UTF-16, UTF-32 and gzip are seen without");
     line.AddFlag("--all", all_, "Say each thing that was fixed or left, however many");
     line.AddFlag("--quiet", quiet_, "Do not say what was fixed or left");
+    host::AddLimitOption(line, limit_);
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
 }
@@ -138,7 +139,7 @@ void FixCommand::CheckArguments() const {
 
 console::ExitCode FixCommand::Run(console::Output& output) {
     CheckArguments();
-    return FixTracks(output);
+    return host::RunApart(limit_, [&] { return FixTracks(output); });
 }
 
 // A track that cannot be fixed does not keep the others from it.

@@ -2,6 +2,7 @@
 #ifndef TOOLS_FIX_FIX_COMMAND_H_
 #define TOOLS_FIX_FIX_COMMAND_H_
 
+#include <chrono>
 #include <string>
 
 #include "tools/console/arguments.h"
@@ -10,6 +11,7 @@
 #include "tools/fix/fixer.h"
 #include "tools/fix/source.h"
 #include "tools/fix/track_fixer.h"
+#include "tools/host/run_apart.h"
 
 namespace quill::fix {
 
@@ -37,6 +39,7 @@ class FixCommand : public console::Command {
     bool quiet_ = false;
     check::CodeFilter filter_;
     std::string encoding_;
+    std::chrono::seconds limit_ = host::kDefaultLimit;
     std::string module_;
 };
 

@@ -11,12 +11,16 @@
 
 #include "tools/console/descriptor.h"
 #include "tools/console/failure.h"
+#include "tools/host/elf_dynamic.h"
+#include "tools/host/elf_reader.h"
 
 // The ELF header of this program, where the linker has put it.
 extern "C" const ElfW(Ehdr) __ehdr_start __attribute__((visibility("hidden")));
 
 namespace quill::host {
 namespace {
+
+constexpr std::size_t kLargestModule = 256u << 20;
 
 // e_ident, e_type and e_machine lie alike in files of both classes.
 constexpr std::size_t kHeaderStart = EI_NIDENT + 2 * sizeof(std::uint16_t);
@@ -32,8 +36,8 @@ constexpr struct {
 };
 
 [[noreturn]] void FailToReadModule(const std::string& path, int error_number) {
-    throw console::Failure(console::kExitUnloadable, "cannot read the module " + path + ": " +
-                                                         console::ErrorText(error_number));
+    throw console::Failure(console::kExitModule, "cannot read the module " + path + ": " +
+                                                     console::ErrorText(error_number));
 }
 
 bool IsBigEndian(const ElfTarget& target) {
@@ -51,7 +55,7 @@ ElfTarget OwnTarget() {
     return {__ehdr_start.e_ident[EI_CLASS], __ehdr_start.e_ident[EI_DATA], __ehdr_start.e_machine};
 }
 
-std::string ReadModuleFile(const std::string& path, std::size_t most) {
+std::string ReadModuleFile(const std::string& path) {
     // Opening a pipe would wait for somebody to write into it.
     const console::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.valid()) {
@@ -59,12 +63,13 @@ std::string ReadModuleFile(const std::string& path, std::size_t most) {
     }
     struct stat status = {};
     if (fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        throw console::Failure(console::kExitUnloadable,
+        throw console::Failure(console::kExitModule,
                                path + " is not a module: it is not a regular file");
     }
     const std::uint64_t present =
         status.st_size < 0 ? 0 : static_cast<std::uint64_t>(status.st_size);
-    std::string start(static_cast<std::size_t>(std::min<std::uint64_t>(most, present)), '\0');
+    std::string start(static_cast<std::size_t>(std::min<std::uint64_t>(kLargestModule, present)),
+                      '\0');
     std::size_t filled = 0;
     while (filled < start.size()) {
         const int count = console::ReadSome(file.get(), &start[filled], start.size() - filled);
@@ -80,13 +85,9 @@ std::string ReadModuleFile(const std::string& path, std::size_t most) {
     return start;
 }
 
-ElfTarget ReadElfTarget(const std::string& path) {
-    return ElfTargetOf(ReadModuleFile(path, kHeaderStart), path);
-}
-
 ElfTarget ElfTargetOf(std::string_view start, const std::string& path) {
     if (start.size() < kHeaderStart || start.compare(0, SELFMAG, ELFMAG) != 0) {
-        throw console::Failure(console::kExitUnloadable,
+        throw console::Failure(console::kExitModule,
                                path + " is not a module: it is not an ELF file");
     }
     const auto byte = [&start](std::size_t index) {
@@ -126,10 +127,17 @@ std::string DescribeMismatch(const std::string& path, const ElfTarget& module) {
            ", or the quill that was built beside it";
 }
 
-void CheckModuleTarget(const std::string& path) {
-    const ElfTarget module = ReadElfTarget(path);
+void CheckModuleFile(const std::string& path) {
+    const std::string bytes = ReadModuleFile(path);
+    const ElfTarget module = ElfTargetOf(bytes, path);
     if (!(module == OwnTarget())) {
-        throw console::Failure(console::kExitUnloadable, DescribeMismatch(path, module));
+        throw console::Failure(console::kExitModule, DescribeMismatch(path, module));
+    }
+    try {
+        ReadElfDynamic(bytes, module);
+    } catch (const DamagedElf& error) {
+        throw console::Failure(console::kExitModule, path + " is damaged: " + error.what() +
+                                                         "; build it again, or copy it again");
     }
 }
 

@@ -21,15 +21,11 @@ struct ElfTarget {
 // The program that is running.
 ElfTarget OwnTarget();
 
-// The first `most` bytes of the module at `path`, or all of a shorter one. Throws Failure when it
+// The bytes of the module at `path`, the first 256 MiB of a longer one. Throws Failure when it
 // cannot be read or is not a regular file.
-std::string ReadModuleFile(const std::string& path, std::size_t most);
+std::string ReadModuleFile(const std::string& path);
 
-// Reads the target of the module at `path`. Throws Failure when the file cannot be read or is
-// no ELF file.
-ElfTarget ReadElfTarget(const std::string& path);
-
-// The same for a module whose first bytes have been read.
+// The target of a module whose bytes begin so. Throws Failure when it is no ELF file.
 ElfTarget ElfTargetOf(std::string_view start, const std::string& path);
 
 // "32-bit (i386)", or, when that would not tell them apart, with the byte order.
@@ -41,8 +37,9 @@ std::string MachineName(const ElfTarget& target);
 // Says of a module that is not for this program which machines the two are for.
 std::string DescribeMismatch(const std::string& path, const ElfTarget& module);
 
-// Throws Failure, naming both sides, when the module at `path` is not for this program.
-void CheckModuleTarget(const std::string& path);
+// Throws Failure, with the reason in words, when the module at `path` is not for this program or
+// lacks a part that the loader would map or read.
+void CheckModuleFile(const std::string& path);
 
 }  // namespace quill::host
 

@@ -16,17 +16,14 @@ std::string Demangle(const char* name) {
     return status == 0 ? text.get() : name;
 }
 
-namespace {
-
-std::string CurrentTypeName() {
-    const std::type_info* type = abi::__cxa_current_exception_type();
-    return type == nullptr ? "an exception that is not of C++" : Demangle(type->name());
-}
-
-}  // namespace
-
 std::string DescribeCurrentException() {
-    std::string name = CurrentTypeName();
+    // Only those of C++ can be held. Of any other one the runtime would look for a type in the
+    // memory in front of it.
+    const std::exception_ptr caught = std::current_exception();
+    if (caught == nullptr) {
+        return "an exception that is not of C++";
+    }
+    std::string name = Demangle(caught.__cxa_exception_type()->name());
     try {
         throw;
     } catch (const std::exception& error) {

@@ -12,7 +12,13 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <system_error>
 #include <thread>
+#include <vector>
 
 #include "tools/console/descriptor.h"
 #include "tools/console/failure.h"
@@ -41,19 +47,28 @@ constexpr struct {
                            "cannot start a process: " + console::ErrorText(errno));
 }
 
-[[noreturn]] void RunChild(const std::function<void(Channel&)>& work, int descriptor) {
-    PrepareChild();
-    const rlimit small_files = {kLargestFile, kLargestFile};
-    setrlimit(RLIMIT_FSIZE, &small_files);
-    std::signal(SIGXFSZ, SIG_DFL);
+[[noreturn]] void RunChild(const SharedNote& note, const std::function<void()>& work) {
+    const rlimit no_core = {0, 0};
+    setrlimit(RLIMIT_CORE, &no_core);
+    note.BecomeOwn();
     try {
-        Channel channel(descriptor);
-        work(channel);
+        work();
+    } catch (const console::Failure& failure) {
+        note->code = failure.code();
+        note->failure.Set(failure.what());
+        _exit(kThrown);
     } catch (...) {
         _exit(kThrown);
     }
+    note->has_ended = true;
     // Past exit handlers, which are the parent's.
     _exit(0);
+}
+
+void LimitPrinting() {
+    const rlimit small_files = {kLargestFile, kLargestFile};
+    setrlimit(RLIMIT_FSIZE, &small_files);
+    std::signal(SIGXFSZ, SIG_DFL);
 }
 
 int LeftMilliseconds(Clock::time_point deadline) {
@@ -93,12 +108,89 @@ bool Reap(pid_t child, Clock::time_point deadline, int& status) {
     return true;
 }
 
+// While an object of this class lives the end of a child is waited for, and does not get lost.
+class WithoutChildSignal {
+  public:
+    WithoutChildSignal() {
+        sigemptyset(&ended_);
+        sigaddset(&ended_, SIGCHLD);
+        sigprocmask(SIG_BLOCK, &ended_, &before_);
+    }
+    WithoutChildSignal(const WithoutChildSignal&) = delete;
+    WithoutChildSignal& operator=(const WithoutChildSignal&) = delete;
+    ~WithoutChildSignal() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
+
+    // False as soon as a child has ended.
+    bool IsOneSecondQuiet() const {
+        const timespec second = {1, 0};
+        return sigtimedwait(&ended_, nullptr, &second) < 0 && errno == EAGAIN;
+    }
+
+  private:
+    sigset_t ended_;
+    sigset_t before_;
+};
+
+// The parent of a process, by what the system tells of it.
+pid_t ParentOf(const std::string& process) {
+    std::ifstream file("/proc/" + process + "/stat");
+    std::string stat;
+    std::getline(file, stat);
+    // The program's name, which may hold anything, stands in brackets.
+    std::istringstream rest(stat.substr(std::min(stat.rfind(')') + 1, stat.size())));
+    char state = 0;
+    pid_t parent = 0;
+    rest >> state >> parent;
+    return parent;
+}
+
+std::vector<pid_t> ChildrenOfThisProcess() {
+    std::vector<pid_t> children;
+    std::error_code ignored;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc", ignored)) {
+        const std::string name = entry.path().filename().string();
+        if (name.find_first_not_of("0123456789") == std::string::npos &&
+            ParentOf(name) == getpid()) {
+            children.push_back(std::stoi(name));
+        }
+    }
+    return children;
+}
+
 }  // namespace
 
-void PrepareChild() {
-    prctl(PR_SET_PDEATHSIG, SIGKILL);
-    const rlimit no_core = {0, 0};
-    setrlimit(RLIMIT_CORE, &no_core);
+pid_t StartChild(const SharedNote& note, const std::function<void()>& work) {
+    // What a child leaves behind becomes a child of this process, which can end it then.
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    // Or both processes would write what is still in the buffers.
+    std::fflush(nullptr);
+    const pid_t parent = getpid();
+    const pid_t child = fork();
+    if (child < 0) {
+        FailToStart();
+    }
+    if (child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (getppid() != parent) {
+            _exit(kThrown);
+        }
+        RunChild(note, work);
+    }
+    return child;
+}
+
+IsolatedEnd WaitFor(pid_t child, const CallNote& note, std::chrono::seconds limit) {
+    const WithoutChildSignal blocked;
+    CallWatch watch(note, limit);
+    int status = 0;
+    while (waitpid(child, &status, WNOHANG) == 0) {
+        if (blocked.IsOneSecondQuiet() && watch.HasHung()) {
+            kill(child, SIGKILL);
+            waitpid(child, &status, 0);
+            return {IsolatedEnd::Kind::kTimedOut, 0, ""};
+        }
+    }
+    return EndOf(status);
 }
 
 void Channel::Write(std::string_view text) {
@@ -113,15 +205,12 @@ IsolatedEnd RunIsolated(const std::function<void(Channel&)>& work,
     }
     const console::Descriptor read_end(pipe_ends[0]);
     console::Descriptor write_end(pipe_ends[1]);
-    // Or both processes would write what is still in the buffers.
-    std::fflush(nullptr);
-    const pid_t child = fork();
-    if (child < 0) {
-        FailToStart();
-    }
-    if (child == 0) {
-        RunChild(work, write_end.get());
-    }
+    const SharedNote note;
+    const pid_t child = StartChild(note, [&] {
+        LimitPrinting();
+        Channel channel(write_end.get());
+        work(channel);
+    });
     write_end = console::Descriptor();
     const Clock::time_point deadline = Clock::now() + timeout;
     IsolatedEnd end = {IsolatedEnd::Kind::kTimedOut, 0, ""};
@@ -129,12 +218,35 @@ IsolatedEnd RunIsolated(const std::function<void(Channel&)>& work,
     if (!ReadAll(read_end.get(), deadline, end.written) || !Reap(child, deadline, status)) {
         kill(child, SIGKILL);
         waitpid(child, &status, 0);
+        EndOrphans();
         return end;
+    }
+    EndOrphans();
+    if (note->code == console::kExitUsage) {
+        throw console::Failure(console::kExitUsage, note->failure.Get());
     }
     const std::string written = std::move(end.written);
     end = EndOf(status);
     end.written = written;
     return end;
+}
+
+void EndOrphans() {
+    // They may have children of their own, which come to this process when they are gone.
+    constexpr int kMostGenerations = 100;
+    for (int i = 0; i < kMostGenerations; ++i) {
+        pid_t ended = 0;
+        do {
+            ended = waitpid(-1, nullptr, WNOHANG);
+        } while (ended > 0);
+        if (ended < 0) {
+            return;  // there is none
+        }
+        for (const pid_t orphan : ChildrenOfThisProcess()) {
+            kill(orphan, SIGKILL);
+            waitpid(orphan, nullptr, 0);
+        }
+    }
 }
 
 IsolatedEnd EndOf(int status) {
@@ -148,7 +260,7 @@ IsolatedEnd EndOf(int status) {
 std::string DescribeEnd(const IsolatedEnd& end) {
     switch (end.kind) {
         case IsolatedEnd::Kind::kDone:
-            return "";
+            return "ended the process";
         case IsolatedEnd::Kind::kExit:
             return "exited with status " + std::to_string(end.number);
         case IsolatedEnd::Kind::kTimedOut:

@@ -2,10 +2,14 @@
 #ifndef TOOLS_HOST_ISOLATED_RUN_H_
 #define TOOLS_HOST_ISOLATED_RUN_H_
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <functional>
 #include <string>
 #include <string_view>
+
+#include "tools/host/call_note.h"
 
 namespace quill::host {
 
@@ -35,22 +39,32 @@ struct IsolatedEnd {
     std::string written;
 };
 
-// Runs the work in a child process and waits for its end, or kills it when the time is over.
-// The child begins as a copy of this process. What the work throws ends the child with kThrown.
-// Throws Failure when the system makes no process.
+// Runs the work in a child process and waits for its end, or kills it when the time is over, with
+// all processes that a module has started in it. Throws Failure when the system makes no process,
+// and what the work threw because quill lacks something.
 IsolatedEnd RunIsolated(const std::function<void(Channel&)>& work,
                         std::chrono::milliseconds timeout);
 
-// For a process that a module runs in: it ends with its parent and leaves no core.
-void PrepareChild();
+// Begins a child process, a copy of this one, that does the work and ends. It ends with its parent,
+// leaves no core, and the note is its own. What the work throws ends it with kThrown; of a Failure
+// the note holds the text and the code. Throws Failure when the system makes no process.
+pid_t StartChild(const SharedNote& note, const std::function<void()>& work);
+
+// Waits for the end of the child, or kills it when one of its calls into the module takes too long.
+IsolatedEnd WaitFor(pid_t child, const CallNote& note, std::chrono::seconds limit);
 
 // How a process ended, by the status that waitpid gave; never kTimedOut.
 IsolatedEnd EndOf(int status);
 
+// Kills the processes that were left behind by children that have ended. There must be no child
+// that still works.
+void EndOrphans();
+
 // The exit status of a child whose work threw.
 constexpr int kThrown = 71;
 
-// "crashed by SIGSEGV", "exited with status 3", "did not end in time"; empty for kDone.
+// What somebody did who ended the process before the work was done: "crashed by SIGSEGV", "exited
+// with status 3", "did not end in time", "ended the process".
 std::string DescribeEnd(const IsolatedEnd& end);
 
 }  // namespace quill::host

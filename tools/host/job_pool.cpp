@@ -16,6 +16,7 @@
 
 #include "tools/console/failure.h"
 #include "tools/host/isolated_run.h"
+#include "tools/host/run_apart.h"
 
 namespace quill::host {
 namespace {
@@ -94,8 +95,8 @@ std::pair<console::Descriptor, console::Descriptor> MakePipe() {
 
 }  // namespace
 
-JobPool::JobPool(std::size_t most_processes, MakeWorker make)
-    : most_processes_(most_processes), make_(std::move(make)) {}
+JobPool::JobPool(std::size_t most_processes, std::chrono::seconds limit, MakeWorker make)
+    : most_processes_(most_processes), limit_(limit), make_(std::move(make)) {}
 
 JobPool::~JobPool() {
     for (Process& process : processes_) {
@@ -120,9 +121,11 @@ void JobPool::Run(const NextJob& next, JobSink& sink) {
         }
         if (!jobs_.empty()) {
             Wait(sink);
+            LookForHangs();
             HandOn(sink);
         }
     }
+    EndAll();
 }
 
 JobPool::Process* JobPool::FindIdle() {
@@ -132,29 +135,19 @@ JobPool::Process* JobPool::FindIdle() {
 }
 
 JobPool::Process& JobPool::Start() {
-    auto [requests_read, requests_write] = MakePipe();
-    auto [replies_read, replies_write] = MakePipe();
-    // Or both processes would write what is still in the buffers.
-    std::fflush(nullptr);
-    const pid_t number = fork();
-    if (number < 0) {
-        throw console::Failure(console::kExitUsage,
-                               "cannot start a process: " + console::ErrorText(errno));
-    }
-    if (number == 0) {
+    auto requests = MakePipe();  // (the end to read from, the end to write to)
+    auto replies = MakePipe();
+    SharedNote note;
+    const pid_t number = StartChild(note, [&] {
         // The ends that lead to the other processes, which must see them closed when ours are.
         processes_.clear();
-        requests_write = console::Descriptor();
-        replies_read = console::Descriptor();
-        PrepareChild();
-        try {
-            Work(*make_(), requests_read.get(), replies_write.get());
-        } catch (...) {
-            _exit(kThrown);
-        }
-        _exit(0);
-    }
-    processes_.push_back({number, std::move(requests_write), std::move(replies_read)});
+        requests.second = console::Descriptor();
+        replies.first = console::Descriptor();
+        Work(*make_(), requests.first.get(), replies.second.get());
+    });
+    const CallWatch watch(*note, limit_);
+    processes_.push_back(
+        {number, std::move(requests.second), std::move(replies.first), std::move(note), watch});
     return processes_.back();
 }
 
@@ -176,7 +169,8 @@ void JobPool::Wait(JobSink& sink) {
             processes.push_back(&process);
         }
     }
-    if (waiting.empty() || poll(waiting.data(), waiting.size(), -1) <= 0) {
+    constexpr int kSecond = 1000;
+    if (waiting.empty() || poll(waiting.data(), waiting.size(), kSecond) <= 0) {
         return;
     }
     for (std::size_t index = 0; index < waiting.size(); ++index) {
@@ -210,15 +204,50 @@ void JobPool::Receive(Process& process, JobSink& sink) {
     process.received.erase(0, process.received.size() - left.size());
 }
 
+// What hangs is killed, and then received as any process that has ended.
+void JobPool::LookForHangs() {
+    const Clock::time_point now = Clock::now();
+    if (now - last_look_ < std::chrono::seconds(1)) {
+        return;
+    }
+    last_look_ = now;
+    for (Process& process : processes_) {
+        if (process.job != nullptr && !process.has_hung && process.watch.HasHung()) {
+            process.has_hung = true;
+            kill(process.number, SIGKILL);
+        }
+    }
+}
+
 void JobPool::Bury(Process& process) {
     int status = 0;
     kill(process.number, SIGKILL);  // it may have closed its end and go on
     waitpid(process.number, &status, 0);
-    const IsolatedEnd end = EndOf(status);
-    process.job->death =
-        end.kind == IsolatedEnd::Kind::kDone ? "ended before its time" : DescribeEnd(end);
-    process.job->has_ended = true;
+    const IsolatedEnd end =
+        process.has_hung ? IsolatedEnd{IsolatedEnd::Kind::kTimedOut, 0, ""} : EndOf(status);
+    const SharedNote note = std::move(process.note);
+    Job& job = *process.job;
     processes_.remove_if([&](const Process& one) { return &one == &process; });
+    const std::string lack = note->failure.Get();
+    if (!lack.empty()) {
+        throw console::Failure(static_cast<console::ExitCode>(note->code), lack);
+    }
+    job.death = DescribeBreak(*note, end);
+    job.has_ended = true;
+}
+
+// What a module does at the end of a process is its work as well.
+void JobPool::EndAll() {
+    while (!processes_.empty()) {
+        Process process = std::move(processes_.front());
+        processes_.pop_front();
+        process.requests = console::Descriptor();  // which it takes for the end of its work
+        const IsolatedEnd end = WaitFor(process.number, *process.note, limit_);
+        if (!process.note->has_ended) {
+            throw console::Failure(console::kExitModule, DescribeBreak(*process.note, end));
+        }
+    }
+    EndOrphans();
 }
 
 void JobPool::HandOn(JobSink& sink) {

@@ -1,9 +1,10 @@
-// Shares jobs out to processes, so that all cores work and a crash costs one job.
+// Shares jobs out to processes, so that all cores work and what a module does costs one job.
 #ifndef TOOLS_HOST_JOB_POOL_H_
 #define TOOLS_HOST_JOB_POOL_H_
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <list>
@@ -14,6 +15,7 @@
 #include <vector>
 
 #include "tools/console/descriptor.h"
+#include "tools/host/call_note.h"
 
 namespace quill::host {
 
@@ -38,8 +40,9 @@ class JobWorker {
 class JobSink : public JobOutput {
   public:
     virtual void End(const std::string& job, const std::string& result) = 0;
-    // The process ended before the job did; `how` says it: "crashed by SIGSEGV".
-    virtual void Die(const std::string& job, const std::string& how) = 0;
+    // The process ended before the job did, or a call into the module did not return; `why` says
+    // it.
+    virtual void Die(const std::string& job, const std::string& why) = 0;
 };
 
 class JobPool {
@@ -47,16 +50,17 @@ class JobPool {
     using MakeWorker = std::function<std::unique_ptr<JobWorker>()>;
     using NextJob = std::function<std::optional<std::string>()>;
 
-    // `make` is called in each process when that begins, as a copy of this one.
-    JobPool(std::size_t most_processes, MakeWorker make);
+    // `make` is called in each process when that begins, as a copy of this one. `limit` is for one
+    // call into the module.
+    JobPool(std::size_t most_processes, std::chrono::seconds limit, MakeWorker make);
     JobPool(const JobPool&) = delete;
     JobPool& operator=(const JobPool&) = delete;
     // Ends the processes.
     ~JobPool();
 
-    // Does all jobs. What comes of those behind the first unfinished one is held back, a bounded
-    // amount of it. Throws Failure when the system makes no process, and what `next` and the sink
-    // throw.
+    // Does all jobs and ends the processes. What comes of those behind the first unfinished one is
+    // held back, a bounded amount of it. Throws Failure when the system makes no process, when one
+    // cannot begin its work or does not end as it should, and what `next` and the sink throw.
     void Run(const NextJob& next, JobSink& sink);
 
   private:
@@ -71,6 +75,9 @@ class JobPool {
         pid_t number;
         console::Descriptor requests;
         console::Descriptor replies;
+        SharedNote note;
+        CallWatch watch;
+        bool has_hung = false;
         std::string received{};
         Job* job = nullptr;
     };
@@ -80,11 +87,17 @@ class JobPool {
     void GiveOut(const std::string& name);
     void Wait(JobSink& sink);
     void Receive(Process& process, JobSink& sink);
+    void LookForHangs();
     void Bury(Process& process);
+    void EndAll();
     void HandOn(JobSink& sink);
 
+    using Clock = std::chrono::steady_clock;
+
     std::size_t most_processes_;
+    std::chrono::seconds limit_;
     MakeWorker make_;
+    Clock::time_point last_look_ = Clock::now();
     std::list<Process> processes_;
     std::list<Job> jobs_;  // given out and not yet handed on
 };

@@ -26,12 +26,13 @@ void CheckThatItLoads(const std::string& module, std::chrono::milliseconds timeo
     };
     const IsolatedEnd end = RunIsolated(load, timeout);
     if (end.written.empty()) {
-        throw console::Failure(console::kExitUnloadable,
-                               module + " " + DescribeEnd(end) + " while it was loaded");
+        throw console::Failure(console::kExitModule,
+                               module + " " + DescribeEnd(end) +
+                                   " while it was loaded; build it again, or copy it again");
     }
     // What goes wrong later is for those to tell who try it.
     if (end.written != kLoaded) {
-        throw console::Failure(console::kExitUnloadable, end.written);
+        throw console::Failure(console::kExitModule, end.written);
     }
 }
 

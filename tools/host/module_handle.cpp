@@ -6,6 +6,7 @@
 #include <array>
 
 #include "tools/console/failure.h"
+#include "tools/host/call_note.h"
 #include "tools/host/elf_check.h"
 
 namespace quill::host {
@@ -37,26 +38,26 @@ std::string FindOwnFile(const char* name, const std::string& lack, const std::st
     if (access(installed.c_str(), F_OK) == 0) {
         return installed;
     }
-    throw console::Failure(console::kExitUnloadable, lack + ": there is neither " + beside +
-                                                         " nor " + installed + "; " + way_out);
+    throw console::Failure(console::kExitModule, lack + ": there is neither " + beside + " nor " +
+                                                     installed + "; " + way_out);
 }
 
 const WebvttModuleMethods* FindMethods(const Library& library, const std::string& path) {
     const void* symbol = library.Symbol(QUILLCAPTION_DESCRIPTOR_SYMBOL);
     if (symbol == nullptr) {
-        throw console::Failure(console::kExitUnloadable,
+        throw console::Failure(console::kExitModule,
                                path + " is not a caption module: it does not export " +
                                    QUILLCAPTION_DESCRIPTOR_SYMBOL);
     }
     const WebvttModuleMethods* methods = static_cast<const WebvttModuleInfo*>(symbol)->prMethods;
     if (methods == nullptr) {
-        throw console::Failure(console::kExitUnloadable,
+        throw console::Failure(console::kExitModule,
                                path + " cannot be used: its descriptor has no table");
     }
     if (methods->pfnCreate == nullptr || methods->pfnRelease == nullptr ||
         methods->pfnParse == nullptr || methods->pfnSetEventNty == nullptr ||
         methods->pfnGetParseResult == nullptr || methods->pfnSetVideoPTS == nullptr) {
-        throw console::Failure(console::kExitUnloadable,
+        throw console::Failure(console::kExitModule,
                                path + " cannot be used: its table has an empty slot");
     }
     return methods;
@@ -74,18 +75,25 @@ std::string FindGuard() {
 }
 
 Library::Library(const std::string& path) {
-    CheckModuleTarget(path);
+    CheckModuleFile(path);
     // A name without a slash would send the loader to the system's library folders.
     const std::string file = path.find('/') == std::string::npos ? "./" + path : path;
+    CallNote& note = CallNote::Own();
+    note.module.Set(path);
+    note.Begin(ModuleCall::kLoad);
     library_ = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+    note.End();
     if (library_ == nullptr) {
-        throw console::Failure(console::kExitUnloadable,
+        throw console::Failure(console::kExitModule,
                                "cannot load the module: " + std::string(dlerror()));
     }
 }
 
 Library::~Library() {
+    CallNote& note = CallNote::Own();
+    note.Begin(ModuleCall::kUnload);
     dlclose(library_);
+    note.End();
 }
 
 void* Library::Symbol(const char* name) const {

@@ -10,13 +10,17 @@ namespace quill::host {
 ModuleThrew::ModuleThrew() : std::runtime_error("the module threw " + DescribeCurrentException()) {}
 
 template <typename Call>
-void ParserHandle::Guard(Call call) {
+void ParserHandle::Guard(ModuleCall name, std::uint32_t size, Call call) {
+    CallNote& note = CallNote::Own();
+    note.Begin(name, size);
     try {
         call();
     } catch (...) {
+        note.End();
         capture_.Drain();
         throw ModuleThrew();
     }
+    note.End();
     capture_.Drain();
 }
 
@@ -26,12 +30,13 @@ ParserHandle::ParserHandle(const WebvttModuleMethods& methods, DiagnosticsCaptur
 ParserHandle::ParserHandle(const ModuleHandle& module, DiagnosticsCapture& capture)
     : ParserHandle(module.methods(), capture) {
     int result = WEBVTT_RESULT_ERROR;
-    Guard([&] { result = methods_.pfnCreate(&handle_); });
+    Guard(ModuleCall::kCreate, 0, [&] { result = methods_.pfnCreate(&handle_); });
     if (result != WEBVTT_RESULT_OK) {
         throw console::Failure(console::kExitTrack,
                                "the module made no parser: result " + std::to_string(result));
     }
-    Guard([&] { methods_.pfnSetEventNty(handle_, this, &ParserHandle::OnEvent); });
+    Guard(ModuleCall::kSetEventNty, 0,
+          [&] { methods_.pfnSetEventNty(handle_, this, &ParserHandle::OnEvent); });
 }
 
 ParserHandle::~ParserHandle() {
@@ -39,25 +44,26 @@ ParserHandle::~ParserHandle() {
         return;
     }
     try {
-        Guard([&] { methods_.pfnRelease(handle_); });
+        Guard(ModuleCall::kRelease, 0, [&] { methods_.pfnRelease(handle_); });
     } catch (const std::exception&) {
         // Nothing is left to be done with this parser.
     }
 }
 
 void ParserHandle::SetVideoPts(unsigned long ticks) {
-    Guard([&] { methods_.pfnSetVideoPTS(handle_, ticks); });
+    Guard(ModuleCall::kSetVideoPts, 0, [&] { methods_.pfnSetVideoPTS(handle_, ticks); });
 }
 
 int ParserHandle::Feed(const char* data, unsigned int size) {
     int result = WEBVTT_RESULT_ERROR;
-    Guard([&] { result = methods_.pfnParse(handle_, data, size); });
+    fed_ = size;
+    Guard(ModuleCall::kParse, size, [&] { result = methods_.pfnParse(handle_, data, size); });
     return result;
 }
 
 void ParserHandle::Deliver(CueSink& sink) {
     sink_ = &sink;
-    Guard([&] { methods_.pfnGetParseResult(handle_); });
+    Guard(ModuleCall::kGetParseResult, fed_, [&] { methods_.pfnGetParseResult(handle_); });
     sink_ = nullptr;
     if (sink_error_) {
         std::rethrow_exception(std::exchange(sink_error_, nullptr));

@@ -2,11 +2,13 @@
 #ifndef TOOLS_HOST_PARSER_HANDLE_H_
 #define TOOLS_HOST_PARSER_HANDLE_H_
 
+#include <cstdint>
 #include <exception>
 #include <stdexcept>
 #include <string>
 
 #include "quillcaption/quillcaption.h"
+#include "tools/host/call_note.h"
 #include "tools/host/diagnostics_capture.h"
 #include "tools/host/module_handle.h"
 
@@ -58,11 +60,12 @@ class ParserHandle {
     static void OnEvent(WEBVTT_EVENT_T event, void* tag, void* info);
 
     template <typename Call>
-    void Guard(Call call);
+    void Guard(ModuleCall name, std::uint32_t size, Call call);
 
     const WebvttModuleMethods& methods_;
     DiagnosticsCapture& capture_;
     unsigned int handle_ = 0;
+    unsigned int fed_ = 0;           // bytes of the last Feed
     CueSink* sink_ = nullptr;        // set during Deliver only
     std::exception_ptr sink_error_;  // what the sink threw inside the callback
 };

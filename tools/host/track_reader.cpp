@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "tools/console/failure.h"
+#include "tools/host/call_note.h"
 
 namespace quill::host {
 namespace {
@@ -34,8 +35,11 @@ Chunk::Chunk(const char* bytes, unsigned int byte_count, std::uint64_t first_byt
 
 TrackReader::TrackReader(std::string name, std::optional<unsigned int> chunk_size)
     : name_(std::move(name)), chunk_size_(chunk_size) {
-    if (name_ == "-") {
-        name_ = "standard input";
+    const bool is_standard_input = name_ == "-";
+    name_ = is_standard_input ? "standard input" : name_;
+    CallNote::Own().track.Set(name_);
+    CallNote::Own().end = 0;
+    if (is_standard_input) {
         file_ = console::DuplicatePrivately(STDIN_FILENO);
         if (!file_.valid()) {
             FailToRead(name_, errno);

@@ -43,7 +43,7 @@ console::ExitCode InspectCommand::Run(console::Output& output) {
     output.Write(as_json_ ? report.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n"
                           : FormatInspectionAsText(report));
     if (!report["loaded"].get<bool>()) {
-        return console::kExitUnloadable;
+        return console::kExitModule;
     }
     return report["problems"].empty() ? console::kExitDone : console::kExitTrack;
 }

@@ -6,17 +6,15 @@
 #include <cstring>
 
 #include "tools/host/elf_check.h"
+#include "tools/host/elf_dynamic.h"
+#include "tools/host/elf_reader.h"
 #include "tools/host/module_contract.h"
-#include "tools/inspect/elf_dynamic.h"
-#include "tools/inspect/elf_reader.h"
 #include "tools/inspect/loaded_module.h"
 
 namespace quill::inspect {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr std::size_t kLargestFile = 256u << 20;
 
 std::string TypeName(unsigned type) {
     switch (type) {
@@ -59,10 +57,11 @@ Json DescribeTarget(const host::ElfTarget& target) {
             {"type", nullptr}};
 }
 
-void CheckExport(const ElfDynamic& file, const std::string& name, std::size_t size,
+void CheckExport(const host::ElfDynamic& file, const std::string& name, std::size_t size,
                  Json& problems) {
-    const auto found = std::find_if(file.exports.begin(), file.exports.end(),
-                                    [&name](const ElfExport& one) { return one.name == name; });
+    const auto found =
+        std::find_if(file.exports.begin(), file.exports.end(),
+                     [&name](const host::ElfExport& one) { return one.name == name; });
     if (found == file.exports.end()) {
         problems.push_back("exports: " + name + " is missing");
     } else if (size != 0 && found->size != size) {
@@ -71,12 +70,12 @@ void CheckExport(const ElfDynamic& file, const std::string& name, std::size_t si
     }
 }
 
-bool HasExport(const ElfDynamic& file, const std::string& name) {
+bool HasExport(const host::ElfDynamic& file, const std::string& name) {
     return std::any_of(file.exports.begin(), file.exports.end(),
-                       [&name](const ElfExport& one) { return one.name == name; });
+                       [&name](const host::ElfExport& one) { return one.name == name; });
 }
 
-void CheckExports(const ElfDynamic& file, Json& problems) {
+void CheckExports(const host::ElfDynamic& file, Json& problems) {
     if (!HasExport(file, host::kDataExports[0].symbol)) {
         problems.push_back(std::string("exports: ") + host::kDataExports[0].symbol +
                            " is missing: this is no caption module");
@@ -90,7 +89,7 @@ void CheckExports(const ElfDynamic& file, Json& problems) {
     }
 }
 
-void DescribeDynamic(const ElfDynamic& file, Json& report) {
+void DescribeDynamic(const host::ElfDynamic& file, Json& report) {
     report["file"]["type"] = TypeName(file.type);
     report["needed"] = file.needed;
     report["versions"] = Json::object();
@@ -98,7 +97,7 @@ void DescribeDynamic(const ElfDynamic& file, Json& report) {
         report["versions"][family] = version;
     }
     report["exports"] = Json::array();
-    for (const ElfExport& one : file.exports) {
+    for (const host::ElfExport& one : file.exports) {
         report["exports"].push_back(
             {{"symbol", one.name}, {"kind", KindName(one.kind)}, {"size", one.size}});
     }
@@ -107,11 +106,11 @@ void DescribeDynamic(const ElfDynamic& file, Json& report) {
 // Whether all that a loader looks at is in the file.
 bool ReadFile(const std::string& bytes, const host::ElfTarget& target, Json& report) {
     try {
-        const ElfDynamic file = ReadElfDynamic(bytes, target);
+        const host::ElfDynamic file = host::ReadElfDynamic(bytes, target);
         DescribeDynamic(file, report);
         CheckExports(file, report["problems"]);
         return true;
-    } catch (const DamagedElf& error) {
+    } catch (const host::DamagedElf& error) {
         report["problems"].push_back(std::string("file: damaged: ") + error.what());
         return false;
     }
@@ -120,7 +119,7 @@ bool ReadFile(const std::string& bytes, const host::ElfTarget& target, Json& rep
 }  // namespace
 
 Json InspectModule(const std::string& path) {
-    const std::string bytes = host::ReadModuleFile(path, kLargestFile);
+    const std::string bytes = host::ReadModuleFile(path);
     const host::ElfTarget target = host::ElfTargetOf(bytes, path);
     Json report = {{"module", path},           {"file", DescribeTarget(target)},
                    {"needed", nullptr},        {"versions", nullptr},

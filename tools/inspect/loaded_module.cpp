@@ -21,7 +21,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::chrono::seconds kPatience(30);
+// A module that hangs gets its verdict within ten seconds.
+constexpr std::chrono::seconds kPatience(5);
 constexpr std::size_t kLongestName = 256;
 
 // The exported name at that very address.
@@ -173,9 +174,7 @@ Json DescribeLoadedModule(const std::string& path) {
         host::RunIsolated([&path](host::Channel& channel) { Describe(path, channel); }, kPatience);
     Json report = Json::parse(end.written, nullptr, false);
     if (report.is_discarded()) {
-        return NotLoaded("the module " +
-                         (end.kind == host::IsolatedEnd::Kind::kDone ? "ended the process"
-                                                                     : host::DescribeEnd(end)) +
+        return NotLoaded("the module " + host::DescribeEnd(end) +
                          " while it was loaded and its descriptor was read");
     }
     if (end.kind != host::IsolatedEnd::Kind::kDone) {

@@ -26,6 +26,19 @@ std::string Tell(std::string_view word, const std::string& what) {
     return std::string(word) + what + "\n";
 }
 
+// A module may have printed millions.
+std::string TellRest(std::string_view word, Lines::const_iterator begin,
+                     Lines::const_iterator end) {
+    constexpr std::ptrdiff_t kMostLines = 40;
+    std::string told;
+    const auto told_end = begin + std::min(end - begin, kMostLines);
+    std::for_each(begin, told_end, [&](const std::string& line) { told += Tell(word, line); });
+    if (told_end != end) {
+        told += Tell(word, "(and " + std::to_string(end - told_end) + " more)");
+    }
+    return told;
+}
+
 // When a call was made, seen from the first one.
 std::chrono::microseconds TimeOf(const Session& session, const Call& call) {
     const std::uint64_t first = session.calls.front().us;
@@ -59,12 +72,8 @@ class Comparison : public PlaySink {
         }
         const auto [expected_rest, got_rest] =
             std::mismatch(expected.begin(), expected.end(), got.begin(), got.end());
-        std::string report;
-        std::for_each(expected_rest, expected.end(),
-                      [&report](const std::string& line) { report += Tell(kExpected, line); });
-        std::for_each(got_rest, got.end(),
-                      [&report](const std::string& line) { report += Tell(kGot, line); });
-        channel_.Write(report);
+        channel_.Write(TellRest(kExpected, expected_rest, expected.end()) +
+                       TellRest(kGot, got_rest, got.end()));
         return false;
     }
 
@@ -130,8 +139,7 @@ Verdict Replay(const Session& session, const ReplayOptions& options) {
     bool has_ended = false;
     Verdict verdict = ReadReport(session, end.written, has_ended);
     if (!has_ended || end.kind != host::IsolatedEnd::Kind::kDone) {
-        verdict.end = end.kind == host::IsolatedEnd::Kind::kDone ? "ended the process"
-                                                                 : host::DescribeEnd(end);
+        verdict.end = host::DescribeEnd(end);
     }
     return verdict;
 }

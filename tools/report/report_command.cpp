@@ -29,7 +29,7 @@ Exit codes:
   0  the page was written, whatever it shows
   2  wrong usage, a track that cannot be read (the page shows the others), an output that cannot be
      written or was closed
-  3  the module cannot be loaded)";
+  3  the module cannot be loaded, or it crashed, hung or ended the process)";
 
 // One module is loaded at a time: two of one name might share what they should not.
 template <typename Use>
@@ -65,6 +65,7 @@ ReportCommand::ReportCommand(CLI::App& app)
         "--pts", "TICKS", console::kTicks,
         [this](std::uint32_t ticks) { options_.video_pts = ticks; },
         "The video's presentation time, as in quill cues");
+    host::AddLimitOption(line, limit_);
     console::AddModuleOption(line, module_);
     line.SetFooter(kFooter);
 }
@@ -85,6 +86,10 @@ void ReportCommand::CheckArguments() const {
 
 console::ExitCode ReportCommand::Run(console::Output& output) {
     CheckArguments();
+    return host::RunApart(limit_, [&] { return WritePage(output); });
+}
+
+console::ExitCode ReportCommand::WritePage(console::Output& output) const {
     const bool has_file = !output_file_.empty() && output_file_ != "-";
     Json data = {{"quill", QUILLCAPTION_VERSION}, {"pts", options_.video_pts}};
     if (!video_.empty()) {

@@ -2,12 +2,14 @@
 #ifndef TOOLS_REPORT_REPORT_COMMAND_H_
 #define TOOLS_REPORT_REPORT_COMMAND_H_
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 
 #include "tools/console/arguments.h"
 #include "tools/console/command.h"
 #include "tools/console/track_list.h"
+#include "tools/host/run_apart.h"
 #include "tools/report/track_data.h"
 
 namespace quill::report {
@@ -20,6 +22,7 @@ class ReportCommand : public console::Command {
 
   private:
     void CheckArguments() const;
+    console::ExitCode WritePage(console::Output& output) const;
     bool IsComparison() const { return !(against_.empty() && against_module_.empty()); }
     // Returns the worst that kept a track from the page, and keeps the last track that is on it.
     console::ExitCode AddTracks(const std::string& module, Json& tracks, TrackBytes& last) const;
@@ -32,6 +35,7 @@ class ReportCommand : public console::Command {
     std::string video_;
     std::string background_;
     PlayOptions options_;
+    std::chrono::seconds limit_ = host::kDefaultLimit;
     std::string module_;
 };
 

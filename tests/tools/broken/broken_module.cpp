@@ -79,11 +79,26 @@ void BreakDescriptor() {
     }
 }
 
+[[noreturn]] void Hang() {
+    for (;;) {
+        pause();
+    }
+}
+
 // Loads the wrapped module with the wrapper, and unloads it with it.
 struct Wrapper {
     Wrapper() {
         if (HasFault("crash-at-load")) {
             std::raise(SIGSEGV);
+        } else if (HasFault("exit-at-load")) {
+            _exit(0);
+        } else if (HasFault("hang-at-load")) {
+            Hang();
+        } else if (HasFault("hang-at-unload")) {
+            std::atexit([] { Hang(); });
+        } else if (HasFault("crash-at-the-end")) {
+            // Of a program, when this code has gone long since.
+            on_exit([](int /*status*/, void* /*nothing*/) {}, nullptr);
         }
         wrapped = dlopen(TextOf("BROKEN_MODULE_WRAPS").c_str(), RTLD_NOW | RTLD_LOCAL);
         const void* const info =
@@ -171,8 +186,11 @@ void Misbehave(const std::string& chunk) {
     if (HasFault("crash") && holds("&nbsp;")) {
         std::raise(SIGSEGV);
     } else if (HasFault("hang") && holds("&lrm;")) {
-        for (;;) {
-            pause();
+        Hang();
+    } else if (HasFault("fork") && holds("NOTE")) {
+        // What it has for standard output keeps a host's reader waiting.
+        if (fork() == 0) {
+            Hang();
         }
     } else if (HasFault("exit") && holds("NOTE")) {
         _exit(0);

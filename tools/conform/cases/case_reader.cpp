@@ -64,7 +64,7 @@ class CaseReader {
 
     void AddLine(std::string_view line) {
         ++line_;
-        if (line.empty() || line.front() == '#') {
+        if (line.find_first_not_of(' ') == std::string_view::npos || line.front() == '#') {
             return;
         }
         if (line.substr(0, 3) == "== ") {

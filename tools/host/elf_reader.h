@@ -1,7 +1,7 @@
 // Reads numbers and texts out of an ELF file of either class and byte order. Every access is
 // checked here and nowhere else, so that a damaged file is an exception and never a crash.
-#ifndef TOOLS_INSPECT_ELF_READER_H_
-#define TOOLS_INSPECT_ELF_READER_H_
+#ifndef TOOLS_HOST_ELF_READER_H_
+#define TOOLS_HOST_ELF_READER_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 #include "tools/host/elf_check.h"
 
-namespace quill::inspect {
+namespace quill::host {
 
 // A part of the file lies outside of it; what() names the part.
 class DamagedElf : public std::runtime_error {
@@ -22,7 +22,7 @@ class DamagedElf : public std::runtime_error {
 class ElfReader {
   public:
     // The bytes must outlive the reader.
-    ElfReader(std::string_view bytes, const host::ElfTarget& target);
+    ElfReader(std::string_view bytes, const ElfTarget& target);
 
     // Where a field lies in a record of 32-bit files, and where in one of 64-bit files.
     struct Place {
@@ -51,6 +51,6 @@ class ElfReader {
     bool is_big_endian_;
 };
 
-}  // namespace quill::inspect
+}  // namespace quill::host
 
-#endif  // TOOLS_INSPECT_ELF_READER_H_
+#endif  // TOOLS_HOST_ELF_READER_H_

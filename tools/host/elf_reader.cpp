@@ -1,10 +1,10 @@
-#include "tools/inspect/elf_reader.h"
+#include "tools/host/elf_reader.h"
 
 #include <elf.h>
 
-namespace quill::inspect {
+namespace quill::host {
 
-ElfReader::ElfReader(std::string_view bytes, const host::ElfTarget& target)
+ElfReader::ElfReader(std::string_view bytes, const ElfTarget& target)
     : bytes_(bytes),
       is_64_(target.bits_class == ELFCLASS64),
       is_big_endian_(target.byte_order == ELFDATA2MSB) {}
@@ -45,4 +45,4 @@ std::string ElfReader::Text(const char* what, std::uint64_t offset, std::uint64_
     return std::string(rest.substr(0, length));
 }
 
-}  // namespace quill::inspect
+}  // namespace quill::host

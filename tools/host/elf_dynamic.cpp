@@ -1,4 +1,4 @@
-#include "tools/inspect/elf_dynamic.h"
+#include "tools/host/elf_dynamic.h"
 
 #include <elf.h>
 
@@ -6,9 +6,9 @@
 #include <cctype>
 #include <cstddef>
 
-#include "tools/inspect/elf_reader.h"
+#include "tools/host/elf_reader.h"
 
-namespace quill::inspect {
+namespace quill::host {
 namespace {
 
 using Place = ElfReader::Place;
@@ -34,6 +34,9 @@ constexpr Place kSymbolSection = {offsetof(Elf32_Sym, st_shndx), offsetof(Elf64_
 constexpr Place kSymbolBytes = {offsetof(Elf32_Sym, st_size), offsetof(Elf64_Sym, st_size)};
 constexpr Place kSymbolSize = {sizeof(Elf32_Sym), sizeof(Elf64_Sym)};
 
+// Names may share their ends. Those of a file that is whole add up to less than this many times it.
+constexpr std::uint64_t kMostNames = 4;
+
 struct Segment {
     std::uint64_t type;
     std::uint64_t offset;
@@ -43,7 +46,7 @@ struct Segment {
 
 class DynamicReader {
   public:
-    DynamicReader(std::string_view bytes, const host::ElfTarget& target) : file_(bytes, target) {}
+    DynamicReader(std::string_view bytes, const ElfTarget& target) : file_(bytes, target) {}
 
     ElfDynamic Read();
 
@@ -52,11 +55,12 @@ class DynamicReader {
     void ReadEntries();
     std::uint64_t OffsetOf(const char* what, std::uint64_t address) const;
     std::uint64_t Entry(std::uint64_t tag) const;
-    std::string Name(std::uint64_t index) const;
+    void FindNames();
+    std::string Name(std::uint64_t index);
     std::uint64_t CountSymbols() const;
     std::uint64_t CountHashed(std::uint64_t table) const;
-    void ReadVersions(ElfDynamic& found) const;
-    void ReadExports(ElfDynamic& found) const;
+    void ReadVersions(ElfDynamic& found);
+    void ReadExports(ElfDynamic& found);
 
     std::uint64_t U32(const char* what, std::uint64_t offset) const {
         return file_.Field(what, offset, {0, 0}, 4);
@@ -66,6 +70,9 @@ class DynamicReader {
     std::vector<Segment> segments_;
     std::map<std::uint64_t, std::uint64_t> entries_;  // of the dynamic section, by tag
     std::vector<std::uint64_t> needed_;               // names that DT_NEEDED gives
+    std::uint64_t names_ = 0;                         // where the table of names begins
+    std::uint64_t names_end_ = 0;
+    std::uint64_t names_left_ = 0;  // bytes of names that may still be read
 };
 
 void DynamicReader::ReadSegments() {
@@ -124,13 +131,25 @@ std::uint64_t DynamicReader::Entry(std::uint64_t tag) const {
     return found != entries_.end() ? found->second : 0;
 }
 
-std::string DynamicReader::Name(std::uint64_t index) const {
-    const std::uint64_t table = OffsetOf("the table of names", Entry(DT_STRTAB));
-    const std::uint64_t size = Entry(DT_STRSZ);
-    if (index >= size) {
+void DynamicReader::FindNames() {
+    if (Entry(DT_STRTAB) == 0) {
+        return;
+    }
+    names_ = OffsetOf("the table of names", Entry(DT_STRTAB));
+    names_end_ = names_ + Entry(DT_STRSZ);
+    names_left_ = kMostNames * file_.size();
+}
+
+std::string DynamicReader::Name(std::uint64_t index) {
+    if (index >= names_end_ - names_) {
         throw DamagedElf("a name lies outside of the table of names");
     }
-    return file_.Text("a name", table + index, table + size);
+    std::string name = file_.Text("a name", names_ + index, names_end_);
+    if (name.size() > names_left_) {
+        throw DamagedElf("the names are longer than the file");
+    }
+    names_left_ -= name.size();
+    return name;
 }
 
 // The symbol table has no count of its own: its hash table knows.
@@ -180,16 +199,24 @@ void NoteVersion(const std::string& name, ElfDynamic& found) {
     }
 }
 
-void DynamicReader::ReadVersions(ElfDynamic& found) const {
+void DynamicReader::ReadVersions(ElfDynamic& found) {
     const char* const what = "the table of versions";
     const std::uint64_t table = Entry(DT_VERNEED);
-    const std::uint64_t count = std::min(Entry(DT_VERNEEDNUM), file_.size());
+    const std::uint64_t count = Entry(DT_VERNEEDNUM);
+    std::uint64_t records_left = file_.size() / sizeof(Elf32_Vernaux);
+    const auto take_record = [&records_left] {
+        if (records_left-- == 0) {
+            throw DamagedElf("the versions are more than the file can hold");
+        }
+    };
     std::uint64_t library = table != 0 ? OffsetOf(what, table) : 0;
     // Both classes have the same records here.
     for (std::uint64_t i = 0; table != 0 && i < count; ++i) {
+        take_record();
         const std::uint64_t names = file_.Field(what, library, {2, 2}, 2);
         std::uint64_t version = library + U32(what, library + offsetof(Elf32_Verneed, vn_aux));
         for (std::uint64_t j = 0; j < names; ++j) {
+            take_record();
             NoteVersion(Name(U32(what, version + offsetof(Elf32_Vernaux, vna_name))), found);
             const std::uint64_t next_name = U32(what, version + offsetof(Elf32_Vernaux, vna_next));
             if (next_name == 0) {
@@ -205,7 +232,7 @@ void DynamicReader::ReadVersions(ElfDynamic& found) const {
     }
 }
 
-void DynamicReader::ReadExports(ElfDynamic& found) const {
+void DynamicReader::ReadExports(ElfDynamic& found) {
     const char* const what = "the table of symbols";
     const std::uint64_t count = Entry(DT_SYMTAB) != 0 ? CountSymbols() : 0;
     const std::uint64_t table = count != 0 ? OffsetOf(what, Entry(DT_SYMTAB)) : 0;
@@ -233,6 +260,7 @@ ElfDynamic DynamicReader::Read() {
     found.type = static_cast<unsigned>(file_.Field("the ELF header", 0, kFileType, 2));
     ReadSegments();
     ReadEntries();
+    FindNames();
     for (const std::uint64_t name : needed_) {
         found.needed.push_back(Name(name));
     }
@@ -243,7 +271,7 @@ ElfDynamic DynamicReader::Read() {
 
 }  // namespace
 
-ElfDynamic ReadElfDynamic(std::string_view bytes, const host::ElfTarget& target) {
+ElfDynamic ReadElfDynamic(std::string_view bytes, const ElfTarget& target) {
     if (target.bits_class != ELFCLASS32 && target.bits_class != ELFCLASS64) {
         throw DamagedElf("the ELF header is of neither class");
     }
@@ -271,4 +299,4 @@ bool IsHigherVersion(const std::string& version, const std::string& than) {
     return false;
 }
 
-}  // namespace quill::inspect
+}  // namespace quill::host

@@ -1,6 +1,6 @@
 // What an ELF file tells the loader: libraries, versions, exports.
-#ifndef TOOLS_INSPECT_ELF_DYNAMIC_H_
-#define TOOLS_INSPECT_ELF_DYNAMIC_H_
+#ifndef TOOLS_HOST_ELF_DYNAMIC_H_
+#define TOOLS_HOST_ELF_DYNAMIC_H_
 
 #include <cstdint>
 #include <map>
@@ -10,7 +10,7 @@
 
 #include "tools/host/elf_check.h"
 
-namespace quill::inspect {
+namespace quill::host {
 
 // A symbol that the file defines for others.
 struct ElfExport {
@@ -28,12 +28,13 @@ struct ElfDynamic {
 };
 
 // Reads a whole file's bytes. Only what a loader goes by is looked at, program headers and the
-// dynamic section, so a file without section headers can be read as well. Throws DamagedElf.
-ElfDynamic ReadElfDynamic(std::string_view bytes, const host::ElfTarget& target);
+// dynamic section, so a file without section headers can be read as well. Takes time by the file's
+// length, whatever is in it. Throws DamagedElf.
+ElfDynamic ReadElfDynamic(std::string_view bytes, const ElfTarget& target);
 
 // Whether a version in dotted numbers is higher than another: 3.4.21 than 3.4.9.
 bool IsHigherVersion(const std::string& version, const std::string& than);
 
-}  // namespace quill::inspect
+}  // namespace quill::host
 
-#endif  // TOOLS_INSPECT_ELF_DYNAMIC_H_
+#endif  // TOOLS_HOST_ELF_DYNAMIC_H_
