@@ -9,12 +9,25 @@ from script import Duties, call
 LINE_END = re.compile(rb"\r\n|\n|\r")
 SHARP_BYTES = (b"\0", b"\n", b"\r", b"\r\n", b" ", b"<", b">", b"&", b";", b".", b":", b",", b"-",
                b"/", b"%", b"\t", b"\f", b"0", b"9", b"\x80", b"\xff", b"\n\n", b"\r\r", b"-->")
+FED_IN_CALLBACKS = (b"\n\n00:01.000 --> 00:02.000\nx\n\n", b"\n\nx --> 00:02.000\ny\n\n",
+                    b"\n\n00:01.000 --> 00:02.000\nhalf", b"WEBVTT\n", b"\r")
 STRAY_HANDLES = ("0x0", "0x1", "0xdeadbeef", "0xffffffff", "0x7")
 
 
 def generate(seed, index, tracks=()):
     """Script `index` of a seed, the same on every machine. `tracks` stand in for the grammar's."""
-    return Generator(random.Random(f"{seed}/{index}"), tracks).script()
+    calls = Generator(random.Random(f"{seed}/{index}"), tracks).script()
+    return with_feeding(calls, random.Random(f"{seed}/{index}/feeding"))
+
+
+def with_feeding(calls, rng):
+    """Now and then a callback feeds its own parser, mostly in a delivery of nothing."""
+    results = [at for at, one in enumerate(calls) if one.verb == "result"]
+    if rng.random() > 0.05 or not results:
+        return calls
+    at = rng.choice(results)
+    feeding = calls[at]._replace(verb="result_feeding", data=rng.choice(FED_IN_CALLBACKS))
+    return calls[:at] + [calls[at]] * rng.randint(0, 1) + [feeding] + calls[at:]
 
 
 class Generator:

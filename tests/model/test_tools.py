@@ -54,9 +54,11 @@ class GeneratorTest(unittest.TestCase):
             self.assertEqual(calls, generate.generate(6, index))
 
     def test_reaches_enough(self):
-        reach = Reach()
+        reach, feeding = Reach(), 0
         for index in range(500):
             reach.add(Module().play(generate.generate(1, index)))
+            feeding += sum(one.verb == "result_feeding" for one in generate.generate(1, index))
+        self.assertGreater(feeding, 10)
         self.assertGreater(reach.counts["record: any"], 300)
         for rare in ("throw std::out_of_range \"basic_string::at\"",
                      "throw std::out_of_range \"basic_string::substr\"",
