@@ -64,6 +64,16 @@ class OfModules(Apart):
                     self.assertEqual(result.code, 3)
                     self.assertIn(words, self.messages(result)[-1])
 
+    def test_what_it_starts_ends_with_it(self):
+        # The process that is left has the standard error of quill, whose end the test waits for.
+        result = self.run_broken("fork", "cues", self.file("track.vtt", TRACK % b"NOTE"))
+        self.assertEqual((result.code, result.out.count(b"-->")), (0, 3))
+
+    def test_nothing_is_written_of_a_module_that_does_not_load(self):
+        result = self.run_broken("exit-at-load", "check", "--format", "sarif",
+                                 self.file("track.vtt", TRACK % b"x"), self.file("other.vtt", b"x"))
+        self.assert_fails(result, 3, "ended the process while it was loaded")
+
     def test_standard_input_has_no_second_time(self):
         track = TRACK % TEXTS["exit"]
         result = self.run_broken("exit", "cues", "-", stdin=track)

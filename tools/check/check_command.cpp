@@ -12,7 +12,6 @@
 #include "tools/check/track_run.h"
 #include "tools/console/arguments.h"
 #include "tools/console/message.h"
-#include "tools/host/load_check.h"
 #include "tools/host/module_handle.h"
 
 namespace quill::check {
@@ -205,9 +204,7 @@ CheckOptions CheckCommand::Options(const Report& report) const {
 console::ExitCode CheckCommand::CheckTracks(const CheckOptions& options,
                                             console::Output& output) const {
     const std::string path = module_.empty() ? host::FindDefaultModule() : module_;
-    host::CheckThatItLoads(path, limit_);
     const Report& report = *options.printing.report;
-    output.Write(report.Beginning());
     TrackRun run(options, output);
     run.Run(path, limit_, tracks_,
             jobs_.value_or(std::max(std::thread::hardware_concurrency(), 1u)));

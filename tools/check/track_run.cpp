@@ -46,7 +46,14 @@ void TrackRun::Run(const std::string& module, std::chrono::seconds limit,
                        [&] { return std::make_unique<TrackWorker>(module, options_); });
     console::TrackList list(tracks);
     pool.Run([&] { return NextOf(list); }, *this);
+    Begin();
     progress_.Wipe();
+}
+
+void TrackRun::Begin() {
+    if (!std::exchange(has_begun_, true)) {
+        output_.Write(options_.printing.report->Beginning());
+    }
 }
 
 std::optional<std::string> TrackRun::NextOf(console::TrackList& tracks) {
@@ -62,6 +69,7 @@ std::optional<std::string> TrackRun::NextOf(console::TrackList& tracks) {
 void TrackRun::Write(std::string_view bytes) {
     progress_.Wipe();
     if (!bytes.empty()) {
+        Begin();
         bytes.remove_prefix(std::exchange(joint_, 0));
         output_.Write(bytes);
     }

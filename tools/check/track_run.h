@@ -24,8 +24,9 @@ class TrackRun : public host::JobSink {
     // All that is given must outlive the run.
     TrackRun(const CheckOptions& options, console::Output& output);
 
-    // A track that cannot be checked does not keep the others from being checked. Throws
-    // OutputError, and Failure when no process can be started.
+    // Writes nothing before the module is loaded. A track that cannot be checked does not keep the
+    // others from being checked. Throws OutputError, and Failure when no process can be started or
+    // the module cannot be loaded.
     void Run(const std::string& module, std::chrono::seconds limit,
              const console::TrackArguments& tracks, std::size_t processes);
 
@@ -42,12 +43,14 @@ class TrackRun : public host::JobSink {
     using Clock = std::chrono::steady_clock;
 
     std::optional<std::string> NextOf(console::TrackList& tracks);
+    void Begin();
     void Fail(console::ExitCode code, const std::string& track, const std::string& message);
     void ShowProgress();
 
     const CheckOptions& options_;
     console::Output& output_;
     console::Progress progress_;
+    bool has_begun_ = false;
     std::size_t joint_;  // to be left out of what is written next
     Clock::time_point start_ = Clock::now();
     std::optional<std::uint64_t> count_;  // of all tracks, where that is known

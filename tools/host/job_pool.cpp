@@ -232,7 +232,11 @@ void JobPool::Bury(Process& process) {
     if (!lack.empty()) {
         throw console::Failure(static_cast<console::ExitCode>(note->code), lack);
     }
-    job.death = DescribeBreak(*note, end);
+    std::string why = DescribeBreak(*note, end);
+    if (note->is_in_call() && note->call == ModuleCall::kLoad) {
+        throw console::Failure(console::kExitModule, why);
+    }
+    job.death = std::move(why);
     job.has_ended = true;
 }
 

@@ -76,6 +76,11 @@ void PlayBlocks(const std::string& path, const std::string& track) {
     play(kClosingLineFeeds);
 }
 
+// Whether a block is what the call is about.
+bool IsAboutBlocks(const CallNote& note) {
+    return note.call == ModuleCall::kParse || note.call == ModuleCall::kGetParseResult;
+}
+
 // The line at which the block begins that alone brings about the same end, 0 when none does.
 std::uint32_t FindBlock(const CallNote& broken, const IsolatedEnd& end) {
     const std::string track = broken.track.Get();
@@ -87,8 +92,8 @@ std::uint32_t FindBlock(const CallNote& broken, const IsolatedEnd& end) {
     const SharedNote note;
     const pid_t child = StartChild(note, [&] { PlayBlocks(broken.module.Get(), track); });
     const IsolatedEnd again = WaitFor(child, *note, kSearchLimit);
-    return again.kind == end.kind && again.number == end.number && !note->has_ended ? note->line
-                                                                                    : 0;
+    const bool is_alike = again.kind == end.kind && again.number == end.number;
+    return is_alike && note->is_in_call() && IsAboutBlocks(*note) ? note->line : 0;
 }
 
 std::string DescribePlace(const CallNote& note, const IsolatedEnd& end) {
@@ -97,6 +102,9 @@ std::string DescribePlace(const CallNote& note, const IsolatedEnd& end) {
     if (track.empty() || call == ModuleCall::kLoad || call == ModuleCall::kUnload ||
         call == ModuleCall::kEnd) {
         return "";
+    }
+    if (!IsAboutBlocks(note)) {
+        return " for " + track;
     }
     const std::uint32_t line = FindBlock(note, end);
     if (line != 0) {
