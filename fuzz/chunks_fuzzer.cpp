@@ -23,6 +23,7 @@
 #include "api/entry_points.h"
 #include "fuzz/check.h"
 #include "fuzz/mutator.h"
+#include "fuzz/shown_pieces.h"
 #include "support/parser.h"
 
 namespace {
@@ -30,7 +31,7 @@ namespace {
 constexpr unsigned kMostLines = 10;
 constexpr char kBorder = '\xFF';
 constexpr std::string_view kSound = "00:00.000 --> 00:01.000\nsound\n\n";
-constexpr std::size_t kShort = 64;  // bytes
+constexpr std::size_t kShort = 32;  // bytes
 
 struct Played {
     std::vector<support::CueRecord> cues;
@@ -39,17 +40,23 @@ struct Played {
 
 using Borders = std::vector<std::size_t>;  // where chunks end, in ascending order
 
-/// Feeds the signature, and then the text with a chunk for each border and one for the rest.
+/// Feeds the signature, and then the text with a chunk for each border and one for the rest. Asks
+/// for the cues behind each chunk in which a line ended.
 Played play(std::string_view text, const Borders& borders) {
     static const support::Methods kMethods = support::methods_at(WEBVTT_MODULE_INFO.prMethods);
     support::Parser parser(kMethods);
     FUZZ_CHECK(parser.feed("WEBVTT\n\n") == support::Ending::kOk);
     Played played;
+    fuzz::ShownPieces pieces(text);
     std::size_t at = 0;
     const auto feed_up_to = [&](std::size_t end) {
-        const support::Ending ending = parser.feed(text.substr(at, end - at));
+        const std::string_view chunk = text.substr(at, end - at);
+        const support::Ending ending = parser.feed_in_place(pieces.show(end));
         at = end;
         played.was_read_whole &= ending == support::Ending::kOk;
+        if (chunk.find_first_of("\r\n") == std::string_view::npos) {
+            return;
+        }
         for (support::CueRecord& cue : parser.take()) {
             played.cues.push_back(std::move(cue));
         }

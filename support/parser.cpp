@@ -47,9 +47,14 @@ Parser::Parser(const Methods& methods, Memory& memory) : m_methods(methods), m_m
 
 Ending Parser::feed(std::string_view chunk) {
     ExactBlock block(chunk);
+    return feed_in_place({block.data(), block.size()});
+}
+
+Ending Parser::feed_in_place(std::string_view chunk) {
     const Memory::Use use(m_memory);
     try {
-        const int result = m_methods.parse(m_handle, block.data(), block.size());
+        const auto size = static_cast<unsigned>(chunk.size());
+        const int result = m_methods.parse(m_handle, chunk.data(), size);
         return result >= 0 && result <= 2 ? static_cast<Ending>(result) : Ending::kUndocumented;
     } catch (const std::bad_alloc&) {
         return Ending::kBadAlloc;

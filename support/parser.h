@@ -36,6 +36,8 @@ class Parser {
 
     /// Feeds a chunk out of a block of its exact size, which is gone after the call.
     Ending feed(std::string_view chunk);
+    /// Feeds a chunk where it lies.
+    Ending feed_in_place(std::string_view chunk);
 
     /// The cues completed since the last time. Notes in complaint() what is wrong with them.
     std::vector<CueRecord> take();
