@@ -11,7 +11,7 @@ declare -gA _quill_options=(
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --timeout --module'
     [inspect]='--help --format'
     [replay]='--help --show --track --case --check --parser --pace --timeout --format --module'
-    [report]='--help --files-from --output --against --against-module --video --background --chunk --pts --timeout --module'
+    [report]='--help --files-from --output --log --against --against-module --video --background --chunk --pts --timeout --module'
 )
 
 # _quill_value SUBCOMMAND OPTION WORD: offers what may be the option's value, nothing where that is
@@ -24,7 +24,7 @@ _quill_value() {
         *:--format) values='text json' ;;
         check:--color) values='auto always never' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | *:--files-from | *:--output | *:-o | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track | cues:--record) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        *:--module | *:--files-from | *:--output | *:-o | report:--log | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track | cues:--record) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | *:--timeout | *:--parser | *:--only | fix:--skip | fix:--from) ;;
         *) return 1 ;;
     esac

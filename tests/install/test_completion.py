@@ -40,6 +40,7 @@ OFFERS = [
     (["quill", "fix", "-o", "an"], ["another.so"]),
     (["quill", "fix", "--only", "a"], []),
     (["quill", "report", "--video", "an"], ["another.so"]),
+    (["quill", "report", "--log", "an"], ["another.so"]),
     (["quill", "inspect", "a"], ["a track.vtt", "another.so"]),
     (["quill", "inspect", "--chunk", ""], []),
     (["quill", "replay", "--track", "an"], ["another.so"]),

@@ -5,16 +5,20 @@ QUILL names the quill that makes them."""
 import os
 import pathlib
 import subprocess
+import sys
 import tempfile
 import unittest
 
 from selenium import webdriver
+from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.chrome.options import Options
 from selenium.webdriver.chrome.service import Service
 
 QUILL = os.path.abspath(os.environ["QUILL"])
 TREE = pathlib.Path(__file__).resolve().parents[2]
 SAMPLES = TREE / "samples"
+# Session logs are written by hand as for the tests of quill.
+sys.path.append(str(TREE / "tests" / "tools"))
 # The page's own sandbox is what is tested; chromium's needs rights that a container lacks.
 OPTIONS = ("--headless=new", "--no-sandbox", "--disable-dev-shm-usage", "--disable-gpu",
            "--force-device-scale-factor=1", "--autoplay-policy=no-user-gesture-required")
@@ -60,7 +64,6 @@ class PageTest(unittest.TestCase):
     def command(self, name, **arguments):
         return self.browser.execute_cdp_cmd(name, arguments)
 
-
     def file(self, name, content):
         path = self.folder / name
         path.write_bytes(content if isinstance(content, bytes) else content.encode())
@@ -74,6 +77,10 @@ class PageTest(unittest.TestCase):
         self.browser.get(out.as_uri() + address)
         self.assertEqual(self.js("return document.documentElement.dataset.ready"), "true")
         self.frame()
+
+    def open_log(self, log, **how):
+        """The same for a session log."""
+        self.open("--log", self.file("session.log", log if isinstance(log, bytes) else log.bytes()), **how)
 
     def open_track(self, *cues, header="WEBVTT", **how):
         """The same for a track of these cues, each (what follows the times, text), a second each."""
@@ -105,6 +112,14 @@ class PageTest(unittest.TestCase):
         """The first line of the chosen block."""
         found = self.all("#details .live > p:first-child > a")
         return found[0].text if found else None
+
+    def click_at(self, part, y):
+        """Clicks on the timeline, at that part of its width and so many pixels from its top."""
+        slider = self.one(".slider")
+        x = round(slider.size["width"] * (part - 0.5))
+        ActionChains(self.browser).move_to_element_with_offset(
+            slider, x, round(y - slider.size["height"] / 2)).click().perform()
+        self.frame()
 
     def press(self, element, *keys):
         for key in keys:

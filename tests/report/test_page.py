@@ -1,8 +1,10 @@
 """What the page of quill report does when it is looked at, clicked and typed at."""
 
+import pathlib
+import re
 import unittest
 
-from browser import SAMPLES, PageTest
+from browser import QUILL, SAMPLES, PageTest
 from selenium.webdriver.common.action_chains import ActionChains
 from selenium.webdriver.common.actions.wheel_input import ScrollOrigin
 from selenium.webdriver.common.keys import Keys
@@ -79,7 +81,7 @@ class Blocks(PageTest):
         self.open(DAMAGED)
         self.assertEqual(self.text("#list .status"), "25 of 25 blocks")
         row = self.all("#list .row")[2]
-        said = {part.get_attribute("class"): part.text for part in row.find_elements("css selector",
+        said = {part.get_attribute("class").split()[0]: part.text for part in row.find_elements("css selector",
                                                                                     ":scope > span")}
         self.assertEqual((said["line"], said["times"], said["verdict"], said["code"]),
                          ("L8", "00:00:02.000 → 00:00:03.000", "lost", "Q101"))
@@ -131,13 +133,6 @@ class Timeline(PageTest):
         self.frame()
         return float(self.one(".slider").get_attribute("data-span"))
 
-    def click_at(self, part, y):
-        slider = self.one(".slider")
-        x = round(slider.size["width"] * (part - 0.5))
-        ActionChains(self.browser).move_to_element_with_offset(
-            slider, x, round(y - slider.size["height"] / 2)).click().perform()
-        self.frame()
-
     def test_says_what_it_shows(self):
         self.open(self.file("t.vtt", "WEBVTT\n\n00:01.000 --> 00:04.000\nOne\n\n00:02.000 --> 00:03.000\n"
                             "Two\n\n00:05 --> 00:06.000\nLost\n\n00:10.000 --> 00:11.000\nLast\n\n"))
@@ -180,6 +175,49 @@ class Timeline(PageTest):
             ScrollOrigin.from_element(slider), 0, -100).perform()
         self.assertLess(self.span(), whole)
 
+    def touch(self, kind, *fingers):
+        """Fingers on the timeline, at these parts of its width."""
+        box = self.one(".slider").rect
+        self.command("Input.dispatchTouchEvent", type=kind, touchPoints=[
+            {"x": box["x"] + part * box["width"], "y": box["y"] + 30, "id": number}
+            for number, part in enumerate(fingers)])
+
+    def swipe(self, *steps):
+        """The fingers of each step, from the first step to the last; then they are lifted."""
+        self.touch("touchStart", *steps[0])
+        for fingers in steps[1:]:
+            self.touch("touchMove", *fingers)
+        self.touch("touchEnd")
+        self.frame()
+
+    def first_time(self):
+        """The time at the left rim of the timeline, found by choosing it."""
+        self.swipe([0.001])
+        return float(self.one(".slider").get_attribute("aria-valuenow"))
+
+    def test_moves_and_zooms_by_touch(self):
+        self.command("Emulation.setTouchEmulationEnabled", enabled=True, maxTouchPoints=2)
+        self.addCleanup(self.command, "Emulation.setTouchEmulationEnabled", enabled=False)
+        self.open(SAMPLES / "dialogue.vtt")
+        whole = self.span()
+        self.swipe([0.45, 0.55], [0.4, 0.6], [0.35, 0.65], [0.25, 0.75])
+        stretched = self.span()
+        self.assertAlmostEqual(stretched, whole / 5, delta=whole / 50)
+        before = self.first_time()
+        self.swipe([0.8], [0.6], [0.4], [0.3])
+        self.assertAlmostEqual(self.first_time() - before, stretched / 2, delta=stretched / 50)
+        self.assertAlmostEqual(self.span(), stretched, 2)
+        self.swipe([0.25, 0.75], [0.35, 0.65], [0.45, 0.55])
+        self.assertAlmostEqual(self.span(), whole, delta=whole / 50)
+        self.assertEqual(self.js("return [scrollX, scrollY, visualViewport.scale]"), [0, 0, 1])
+
+    def test_a_finger_chooses_a_cue(self):
+        self.command("Emulation.setTouchEmulationEnabled", enabled=True, maxTouchPoints=2)
+        self.addCleanup(self.command, "Emulation.setTouchEmulationEnabled", enabled=False)
+        self.open_track(("", "one"), ("", "two"))
+        self.swipe([0.7])
+        self.assertEqual(self.chosen(), "line 6, chunk 1")
+
     def test_steps_by_keys(self):
         self.open(DAMAGED)
         slider = self.one(".slider")
@@ -192,6 +230,14 @@ class Timeline(PageTest):
         before = float(slider.get_attribute("aria-valuenow"))
         self.press(slider, Keys.ARROW_RIGHT)
         self.assertGreater(float(slider.get_attribute("aria-valuenow")), before)
+
+
+class Head(PageTest):
+    def test_what_is_known_of_the_module(self):
+        self.open(DAMAGED)
+        module = pathlib.Path(QUILL).with_name("quillcaption.so")
+        self.assertRegex(self.text(".made"), r"^quill \d+[.]\d+[.]\d+, module "
+                         + re.escape(f"{module}, {module.stat().st_size:,} bytes") + "$")
 
 
 class Several(PageTest):

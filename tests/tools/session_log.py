@@ -17,17 +17,18 @@ def cue(start, end, text, **fields):
 
 
 class Log:
-    """Lines of a log. Every call advances the time by a millisecond."""
+    """Lines of a log. Every call advances the time by a millisecond, unless `now` is set, in seconds."""
 
     def __init__(self):
         self.lines = [HEADER]
+        self.now = None
         self.calls = 0
         self.parsers = 0
 
     def begin(self, verb, parser=None, thread=1, **fields):
         """A call without its return; gives its number. A parser below 0 is a stale handle."""
         self.calls += 1
-        line = {"call": self.calls, "us": 1000 * self.calls, "thread": thread, "do": verb}
+        line = {"call": self.calls, "us": self.time(self.calls, 0), "thread": thread, "do": verb}
         if parser is not None:
             line["handle"] = HANDLE + 16 * abs(parser)
             if parser > 0:
@@ -35,11 +36,15 @@ class Log:
         self.lines.append({**line, **fields})
         return self.calls
 
+    def time(self, call, later):
+        """In microseconds, so many of them later than the call."""
+        return (1000 * call if self.now is None else round(self.now * 1e6)) + later
+
     def end(self, call, printed="", **fields):
-        self.lines.append({"return": call, "us": 1000 * call + 500, "printed": printed, **fields})
+        self.lines.append({"return": call, "us": self.time(call, 500), "printed": printed, **fields})
 
     def delivery(self, call, parser, *cues):
-        self.lines.append({"delivery": 1, "call": call, "us": 1000 * call + 100, "parser": parser,
+        self.lines.append({"delivery": 1, "call": call, "us": self.time(call, 100), "parser": parser,
                            "cues": list(cues)})
 
     def mistake(self, code, call, text="what is wrong. What to do: the right thing."):

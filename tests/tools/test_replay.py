@@ -411,9 +411,12 @@ class Showing(ReplayTest):
         lines = [json.loads(line) for line in
                  self.replay("--show", "--format", "json", self.mistaken())]
         self.assertEqual(lines[2], {
-            "call": 3, "line": 6, "us": 3000, "thread": 1, "function": "pfnParse", "parser": 1,
+            "call": 3, "line": 6, "us": 3000, "ended_us": 3500, "thread": 1, "function": "pfnParse", "parser": 1,
             "size": 39, "bytes": '"WEBVTT\\n\\n00:01.000 --> 00:02.000\\nHello\\n\\n"', "within": None,
-            "passed": True, "outcome": ["! Buffer Exhausted", "! FINISHED", "= 0"], "mistakes": []})
+            "passed": True, "outcome": ["! Buffer Exhausted", "! FINISHED", "= 0"], "deliveries": [],
+            "mistakes": []})
+        self.assertEqual((lines[3]["deliveries"], lines[5]["ended_us"]),
+                         ([{"us": 4100, "cues": 1}], None))
         self.assertEqual((lines[4]["within"], lines[4]["passed"], lines[4]["outcome"]), (4, False, []))
         self.assertEqual([one["code"] for one in lines[4]["mistakes"]], ["H105"])
         self.assertIsNone(lines[5]["outcome"])

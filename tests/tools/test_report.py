@@ -12,6 +12,8 @@ import re
 import unittest
 
 from quill_runner import MODULE, QuillTest, SANITIZED, fixture
+import session_log
+from session_log import HEADER, Log, cue
 
 TREE = pathlib.Path(__file__).resolve().parents[2]
 SAMPLES = sorted((TREE / "samples").glob("*.vtt"))
@@ -79,13 +81,15 @@ def hash_of(text):
     return "sha256-" + base64.b64encode(hashlib.sha256(text.encode()).digest()).decode()
 
 
-class Report(QuillTest):
+class ReportTest(QuillTest):
     def report(self, *arguments, code=0, **how):
         """The page that is written to standard output."""
         result = self.quill("report", *arguments, **how)
         self.assertEqual((result.code, result.err), (code, b""))
         return Page(result.out.decode())
 
+
+class Report(ReportTest):
     def assert_shows(self, track, path, *options):
         """What the page holds of a track is what the commands say of it."""
         checked = self.quill("check", "--format", "json", "--blocks", "--chunk", "65536", *options,
@@ -109,8 +113,9 @@ class Report(QuillTest):
                 self.assertEqual((data["quill"], data["against"], len(data["tracks"])),
                                  (os.environ["QUILL_VERSION"], False, 1))
                 self.assert_shows(data["tracks"][0], path)
-                self.assertEqual((data["tracks"][0]["name"], data["tracks"][0]["module"]),
-                                 (str(path), MODULE))
+                track = data["tracks"][0]
+                self.assertEqual((track["name"], track["module"], track["module_size"]),
+                                 (str(path), MODULE, os.path.getsize(MODULE)))
 
     def test_video_time(self):
         path = TREE / "samples/live-segment.vtt"
@@ -258,12 +263,193 @@ class Report(QuillTest):
         self.assert_fails(self.quill("report", "--background", large, path), 2, "2097152 bytes")
 
     def test_wrong_usage(self):
-        for arguments, words in (((), "TRACK or --files-from is required"),
+        for arguments, words in (((), "TRACK, --files-from or --log is required"),
                                  (("--chunk", "0", "x"), "--chunk takes a whole number of bytes"),
                                  (("--pts", "x", "x"), "--pts takes a whole number of 90 kHz ticks"),
                                  (("--module", "none.so", "x"), "none.so")):
             code = 3 if "--module" in arguments else 2
             self.assert_fails(self.quill("report", *arguments), code, words)
+
+
+HELLO = "WEBVTT\n\n00:01.000 --> 00:02.000\nHello\n\n"
+THERE = "00:03.000 --> 00:04.000\nThere\n\n"
+
+
+class Sessions(ReportTest):
+    """quill report --log."""
+
+    def session(self, log, *arguments):
+        """The page's data of a log: lines, or text."""
+        path = self.file("session.log", log.bytes() if isinstance(log, Log) else log)
+        return self.report("--log", path, *arguments).data()
+
+    def blocks(self, track, *fields):
+        return [tuple(block.get(field) for field in ("block", *fields)) for block in
+                unpack(track["blocks"]) if block["block"] != "header"]
+
+    def test_the_page_holds_what_replay_shows(self):
+        for path in (TREE / "samples/three-mistakes.log", self.file("s.log", session_log.ordinary().bytes())):
+            data = self.report("--log", path).data()
+            shown = [json.loads(line) for line in
+                     self.quill("replay", "--show", "--format", "json", path).out.splitlines()]
+            calls = unpack(data["session"]["calls"])
+            self.assertEqual(len(calls), shown[-1]["calls"])
+            for call, line in zip(calls, shown):
+                self.assertEqual(call["us"] + call["took"], line["ended_us"])
+                self.assertEqual([call["us"] + call["delivered_after"]] if "cues" in call else [],
+                                 [delivery["us"] for delivery in line["deliveries"]])
+                self.assertEqual([call["cues"]] if "cues" in call else [],
+                                 [delivery["cues"] for delivery in line["deliveries"]])
+                self.assertEqual(call["outcome"].split("\n") if call["outcome"] else [],
+                                 [one for one in line["outcome"] if not one.startswith("cue ")])
+                for key in ("call", "us", "thread", "function", "parser", "size", "ticks", "within",
+                            "passed"):
+                    self.assertEqual(call.get(key), line.get(key), key)
+            self.assertEqual(unpack(data["session"]["mistakes"]),
+                             [{"call": line["call"], **mistake} for line in shown[:-1]
+                              for mistake in line["mistakes"]])
+
+    def test_what_is_said_of_the_log(self):
+        whole = session_log.ordinary()
+        said = self.session(whole)["session"]
+        self.assertEqual({key: said[key] for key in said if key not in ("calls", "mistakes")},
+                         {"name": self.folder + "/session.log", "recorder": "guard 0.1.0",
+                          "module": HEADER["module"], "started": HEADER["started"], "hidden": False,
+                          "cut_off": False, "stopped": False})
+        self.assertTrue(self.session(whole.bytes()[:-5])["session"]["cut_off"])
+        self.assertTrue(self.session(whole.bytes() + b'{"stopped": "limit"}\n')["session"]["stopped"])
+        hidden = whole.bytes().replace(b'"shown"', b'"hidden"')
+        self.assertTrue(self.session(hidden)["session"]["hidden"])
+        bare = re.sub(b'"guard".*?}', b'"quill": "9.8"}', whole.bytes(), count=1)
+        said = self.session(bare)["session"]
+        self.assertEqual((said["recorder"], said["module"], said["started"]), ("quill 9.8", "", ""))
+
+    def test_a_cue_has_the_call_that_delivered_it(self):
+        data = self.session(session_log.ordinary())
+        (track,) = data["tracks"]
+        self.assertEqual((track["name"], track["parser"], track["strays"]),
+                         (f"{self.folder}/session.log (parser 1)", 1, 0))
+        self.assertEqual([(one["call"], one["pcText"], one["dStartTime"])
+                          for one in unpack(track["cues"])],
+                         [(4, "One\n", 1), (4, "Two\n", 2), (7, "Dr\u00e9i\n", 2)])
+        self.assertEqual(self.blocks(track, "chunk", "cue"),
+                         [("delivered", 0, 1), ("delivered", 0, 2), ("delivered", 1, 3)])
+        self.assertEqual(base64.b64decode(track["source"]).count(b"-->"), 3)
+
+    def test_cues_that_did_not_come(self):
+        log = Log()
+        parser = log.open()
+        log.parse(parser, HELLO)
+        log.parse(parser, THERE)
+        log.take(parser, cue(3.0, 4.0, "There\n"))  # as if the first had been lost in a callback
+        log.parse(parser, "00:05.000 --> 00:06.000\nUnended\n")
+        log.release(parser)
+        (track,) = self.session(log)["tracks"]
+        self.assertEqual(self.blocks(track, "chunk", "cue", "start", "end"), [
+            ("not_taken", 0, None, 1, 2), ("delivered", 1, 1, None, None),
+            ("not_taken", 3, None, 5, 6)])
+        self.assertEqual(track["sums"]["cues_delivered"], 3)
+
+    def test_cues_that_the_module_does_not_deliver_now(self):
+        log = Log()
+        parser = log.open()
+        log.parse(parser, HELLO)
+        log.take(parser, cue(1.0, 2.0, "Hello\n"), cue(1.0, 2.0, "Another\n"),
+                 cue(None, None, None, pcAuxText="x"))
+        log.release(parser)
+        (track,) = self.session(log)["tracks"]
+        self.assertEqual((track["strays"], self.blocks(track, "cue")), (2, [("delivered", 1)]))
+
+    def test_a_chunk_that_throws(self):
+        log = Log()
+        parser = log.open()
+        for text in ("WEBVTT\n\n00:01.000 --> 00:02.000 line:-\nx\n\n", THERE):
+            log.do("parse", parser, bytes=text, returns={"exception": {"type": "x"}})
+        log.take(parser, cue(3.0, 4.0, "There\n"))
+        data = self.session(log)
+        self.assertEqual(self.blocks(data["tracks"][0], "cue"), [("lost", None), ("delivered", 1)])
+        self.assertEqual(unpack(data["session"]["calls"])[2]["outcome"].split("\n")[-1], "throws x")
+
+    def test_several_parsers(self):
+        log = session_log.ordinary(session_log.ordinary())
+        log.create()  # and fed nothing
+        tracks = self.session(log)["tracks"]
+        self.assertEqual([(track["parser"], track["name"][-10:]) for track in tracks],
+                         [(1, "(parser 1)"), (2, "(parser 2)")])
+        self.assertEqual([one["call"] for one in unpack(tracks[1]["cues"])], [12, 12, 15])
+
+    def test_nothing_was_fed(self):
+        log = Log()
+        log.do("get_parse_result", log.create(), returns={"passed": False})
+        log.mistake("H101", 2)
+        log.mistake("H118", 3)
+        data = self.session(log)
+        (track,) = data["tracks"]
+        self.assertEqual((track["parser"], track["sums"]["size"], track["source"]), (0, 0, ""))
+        self.assertEqual([one["code"] for one in unpack(data["session"]["mistakes"])], ["H101", "H118"])
+        self.assertEqual([call["passed"] for call in unpack(data["session"]["calls"])], [True, False])
+
+    def test_hidden_text_is_that_of_a_track(self):
+        (track,) = self.session(session_log.ordinary().bytes().replace(b"One", b"Xxx"))["tracks"]
+        self.assertEqual(unpack(track["cues"])[0]["pcText"], "Xxx\n")
+        self.assertEqual(len(self.blocks(track)), 3)
+
+    def test_hostile_logs(self):
+        for text in HOSTILE:
+            with self.subTest(text):
+                log = session_log.ordinary()
+                log.lines[0] = {**HEADER, "module": text, "started": text, "guard": text}
+                log.mistake("H105", 3, text)
+                log.mistake(text, 3, text)
+                log.lines.append({"mistake": "H118", "call": 99, "text": text})
+                # A return, whose printed lines quote the track.
+                log.lines[4]["printed"] = "[WEBVTT] ERR:: " + text.encode().decode("latin-1") + "\n"
+                path = self.file("session.log", log.bytes())
+                page = self.report("--log", path)
+                self.assertEqual(len(page.scripts), 2)
+                self.assertNotRegex(page.scripts[0][1], "[<>&\u2028\u2029]")
+                session = page.data()["session"]
+                self.assertEqual((session["module"], session["recorder"]), (text, "guard " + text))
+                self.assertEqual(unpack(session["mistakes"])[2]["text"], text)
+
+    def test_sizes(self):
+        log = Log()
+        parser = log.open()
+        count = 100 if SANITIZED else 3000
+        for number in range(count):
+            log.parse(parser, ("WEBVTT\n\n" if number == 0 else "") + ordinary(number))
+            log.take(parser)
+        text = log.bytes()
+        data = self.session(text)
+        self.assertEqual((data["session"]["calls"]["count"], data["session"]["calls"]["left_out"]),
+                         (2 * count + 2, 0))
+        self.assertLessEqual(len(json.dumps(data["session"], separators=(",", ":"))), 40 * 2 * count + 2000)
+
+    def test_a_log_from_standard_input(self):
+        data = self.report("--log", "-", stdin=session_log.ordinary().bytes()).data()
+        self.assertEqual(data["session"]["name"], "standard input")
+
+    def test_wrong_logs(self):
+        log, track = self.file("s.log", session_log.ordinary().bytes()), self.file("t.vtt", GOOD)
+        for arguments, words in (
+                ((track,), "takes no TRACK"), (("--files-from", track), "takes no TRACK"),
+                (("--against", track), "takes no TRACK"), (("--against-module", MODULE), "takes no TRACK"),
+                (("--chunk", "100"), "those of the session"), (("--pts", "1"), "those of the session")):
+            self.assert_fails(self.quill("report", "--log", log, *arguments), 2, words)
+        self.assert_fails(self.quill("report", "--log", log + "x"), 2, "No such file")
+        self.assert_fails(self.quill("report", "--log", track), 2, "t.vtt:1: this is no session log")
+        damaged = self.file("d.log", session_log.ordinary().bytes().replace(b'{"call": 2,', b'{"call" 2,'))
+        self.assert_fails(self.quill("report", "--log", damaged), 2, "d.log:4: this line is damaged")
+        named = self.file("n.log", session_log.ordinary().bytes().replace(b'"quillcaption.so"', b"7"))
+        self.assert_fails(self.quill("report", "--log", named), 2, '"module" must be a text')
+        self.assert_fails(self.quill("report", "--log", log, "--module", "none.so"), 3, "none.so")
+
+    @unittest.skipIf(SANITIZED, "what a sanitizer adds to so many bytes takes long")
+    def test_no_longer_track(self):
+        log = Log()
+        log.parse(log.open(), "x" * ((16 << 20) + 1))
+        path = self.file("s.log", log.bytes())
+        self.assert_fails(self.quill("report", "--log", path), 2, "(parser 1)", "up to 16777216 bytes")
 
 
 class Blocks(QuillTest):

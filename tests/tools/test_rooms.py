@@ -14,7 +14,7 @@ MAY_INCLUDE = {
     "host": {"console"},
     "replay": SHARED | {"check"},  # which judges what was fed
     "fix": SHARED | {"check"},  # which judges what a fix has come to
-    "report": SHARED | {"check", "cues"},  # which say what the page shows
+    "report": SHARED | {"check", "cues", "replay"},  # which say what the page shows
 }
 
 

@@ -133,7 +133,11 @@ class CaseWriter {
 
 }  // namespace
 
-std::vector<FedTrack> FedTracks(const Session& session, std::uint32_t parser) {
+std::string TrackName(const std::string& log, std::uint32_t parser) {
+    return log + " (parser " + std::to_string(parser) + ")";
+}
+
+std::vector<FedTrack> FedTracks(const Session& session) {
     std::map<std::uint32_t, FedTrack> tracks;
     for (const Call& call : session.calls) {
         FedTrack& track = tracks[call.parser];
@@ -147,10 +151,20 @@ std::vector<FedTrack> FedTracks(const Session& session, std::uint32_t parser) {
     std::vector<FedTrack> fed;
     for (auto& [number, track] : tracks) {
         track.parser = number;
-        if (number != 0 && !track.sizes.empty() && (parser == 0 || parser == number)) {
+        if (number != 0 && !track.sizes.empty()) {
             fed.push_back(std::move(track));
         }
     }
+    return fed;
+}
+
+std::vector<FedTrack> FedTracks(const Session& session, std::uint32_t parser) {
+    std::vector<FedTrack> fed = FedTracks(session);
+    fed.erase(std::remove_if(fed.begin(), fed.end(),
+                             [parser](const FedTrack& track) {
+                                 return parser != 0 && parser != track.parser;
+                             }),
+              fed.end());
     if (fed.empty()) {
         throw console::Failure(
             console::kExitUsage,

@@ -19,9 +19,13 @@ struct FedTrack {
     std::vector<std::size_t> sizes;  // of the chunks
 };
 
-// Of the parser of that number or, for 0, of all that were fed something, in the order of their
-// numbers. Throws Failure when there is none.
+// Of all parsers that were fed something, in the order of their numbers.
+std::vector<FedTrack> FedTracks(const Session& session);
+// Of the parser of that number or, for 0, of all. Throws Failure when there is none.
 std::vector<FedTrack> FedTracks(const Session& session, std::uint32_t parser);
+
+// What findings call such a track: "session.log (parser 1)".
+std::string TrackName(const std::string& log, std::uint32_t parser);
 
 // A file of one case for `quill conform --cases` that makes the same calls and expects what was
 // recorded. Throws Failure when a call was made that no case can make.

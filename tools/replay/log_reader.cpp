@@ -32,6 +32,12 @@ double ReadTime(const Fields& fields, const char* name) {
     return fields.IsNull(name) ? std::numeric_limits<double>::quiet_NaN() : fields.Seconds(name);
 }
 
+// Microseconds since the session began.
+std::uint64_t TimeOr(const Fields& fields, std::uint64_t otherwise) {
+    return fields.Has(field::kMicroseconds) ? fields.Number(field::kMicroseconds, kLongest)
+                                            : otherwise;
+}
+
 support::CueRecord ReadCue(const Fields& fields) {
     support::CueRecord cue;
     cue.has_aux_text = fields.Has("pcAuxText");
@@ -78,7 +84,7 @@ class LogReader {
 
   private:
     void Add(const Fields& fields);
-    void CheckHeader(const Fields& fields) const;
+    void ReadHeader(const Fields& fields);
     void AddCall(const Fields& fields);
     void FindOuter(Call& call);
     void AddDelivery(const Fields& fields);
@@ -105,7 +111,7 @@ void LogReader::AddLine(std::string_view line, bool is_last) {
     }
     const Fields fields(where, object ? *object : nothing);
     if (line_ == 1) {
-        CheckHeader(fields);
+        ReadHeader(fields);
     } else if (!object) {
         fields.Fail("this line is damaged: it is no JSON object");
     } else {
@@ -113,7 +119,7 @@ void LogReader::AddLine(std::string_view line, bool is_last) {
     }
 }
 
-void LogReader::CheckHeader(const Fields& fields) const {
+void LogReader::ReadHeader(const Fields& fields) {
     if (!fields.Has(field::kLog) || fields.Text(field::kLog) != support::session_log::kName) {
         fields.Fail(
             "this is no session log: its first line must be an object with \"log\": "
@@ -124,6 +130,18 @@ void LogReader::CheckHeader(const Fields& fields) const {
         fields.Fail("this log has version " + std::to_string(version) + ", this quill reads " +
                     std::to_string(support::session_log::kVersion));
     }
+    const auto text_of = [&fields](const char* name) {
+        return fields.Has(name) ? fields.Text(name) : "";
+    };
+    Recording& recording = session_.recording;
+    for (const char* const recorder : {field::kGuard, field::kQuill}) {
+        if (fields.Has(recorder)) {
+            recording.recorder = std::string(recorder) + " " + fields.Text(recorder);
+        }
+    }
+    recording.module = text_of(field::kModule);
+    recording.started = text_of(field::kStarted);
+    recording.is_hidden = text_of(field::kText) == support::session_log::kHidden;
 }
 
 // The kinds of lines, by the field that each has and those above it have not. Other kinds are for
@@ -218,6 +236,7 @@ void LogReader::AddDelivery(const Fields& fields) {
     }
     delivery.count = fields.NumberOr("u4CueCount", static_cast<std::uint32_t>(list.size()));
     delivery.reserved = fields.NumberOr("u4Reserved", 0);
+    delivery.us = TimeOr(fields, call.us);
     call.outcome.deliveries.push_back(std::move(delivery));
 }
 
@@ -225,6 +244,7 @@ void LogReader::AddReturn(const Fields& fields) {
     Call& call = InProgress(fields, field::kReturn);
     Outcome& outcome = call.outcome;
     call.has_returned = true;
+    call.ended_us = TimeOr(fields, call.us);
     call.was_passed_on = fields.FlagOr(field::kPassed, true);
     call.ends_parser = fields.FlagOr(field::kReleased, false);
     call.has_printed = fields.Has(field::kPrinted);

@@ -23,6 +23,7 @@ struct Delivery {
     std::vector<support::CueRecord> cues;
     std::uint32_t count;  // as the info block has it
     std::uint32_t reserved;
+    std::uint64_t us = 0;  // since the session began
 };
 
 // What a call came to.
@@ -62,10 +63,11 @@ struct Call {
     std::uint32_t size = 0;    // of pfnParse, as the host gave it
     std::uint32_t ticks = 0;   // of pfnSetVideoPTS
 
-    bool was_passed_on = true;  // to the module; else it is not made again
-    bool has_returned = false;  // else the log ends within it
-    bool ends_parser = false;   // a release that was put off until then follows it
-    bool has_printed = false;   // it is known what was printed
+    bool was_passed_on = true;              // to the module; else it is not made again
+    bool has_returned = false;              // else the log ends within it
+    bool ends_parser = false;               // a release that was put off until then follows it
+    bool has_printed = false;               // it is known what was printed
+    std::optional<std::uint64_t> ended_us;  // when it returned, since the session began
     Outcome outcome;
     std::vector<Mistake> mistakes;
 
@@ -73,8 +75,17 @@ struct Call {
     std::vector<Nested> nested;
 };
 
+// What a log says of itself, as far as it does.
+struct Recording {
+    std::string recorder;    // "guard 0.1.0"
+    std::string module;      // its file name
+    std::string started;     // time of day in UTC
+    bool is_hidden = false;  // what the cues say cannot be read
+};
+
 struct Session {
     std::string name;  // of the log
+    Recording recording;
     std::vector<Call> calls;
     std::vector<Mistake> mistakes;  // that belong to no call: of unloading
     std::uint32_t overlaps = 0;     // calls that began while another thread's was in progress

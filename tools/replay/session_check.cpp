@@ -44,7 +44,7 @@ console::ExitCode CheckTracks(const CheckRequest& request, const std::vector<Fed
                               console::Output& output) {
     console::ExitCode code = console::kExitDone;
     for (const FedTrack& track : tracks) {
-        const std::string name = request.log + " (parser " + std::to_string(track.parser) + ")";
+        const std::string name = TrackName(request.log, track.parser);
         host::IsolatedEnd end = host::RunIsolated(
             [&](host::Channel& channel) { CheckInChild(request, track, name, channel); },
             request.timeout);

@@ -13,7 +13,7 @@
 namespace quill::replay {
 
 struct CheckRequest {
-    std::string log;  // its name; findings call a track "session.log (parser 1)"
+    std::string log;  // its name
     std::string module;
     std::chrono::milliseconds timeout;  // for each track
     bool as_json = false;

@@ -88,29 +88,6 @@ OrderedJson InJson(const std::vector<Mistake>& mistakes) {
     return list;
 }
 
-OrderedJson InJson(const Session& session, const Call& call) {
-    OrderedJson object = {{"call", call.number},
-                          {"line", call.line},
-                          {"us", call.us},
-                          {"thread", call.thread},
-                          {"function", NameOf(call.function)},
-                          {"parser", call.parser != 0 ? OrderedJson(call.parser) : nullptr}};
-    if (call.function == Function::kParse) {
-        object["size"] = call.size;
-        object["bytes"] = call.has_pointer ? OrderedJson(support::quote(call.bytes)) : nullptr;
-    } else if (call.function == Function::kSetVideoPts) {
-        object["ticks"] = call.ticks;
-    }
-    object["within"] =
-        call.within ? OrderedJson(session.calls[*call.within].number) : OrderedJson(nullptr);
-    object["passed"] = call.was_passed_on;
-    object["outcome"] = call.has_returned
-                            ? OrderedJson(DescribeOutcome(call.function, call.outcome))
-                            : OrderedJson(nullptr);
-    object["mistakes"] = InJson(call.mistakes);
-    return object;
-}
-
 // How the log ends, where that is not as it should be.
 std::string Ending(const Session& session) {
     return session.was_stopped  ? "; the log was stopped at its limit"
@@ -172,6 +149,34 @@ std::string BrokenPlace(const Session& session, const Verdict& verdict) {
 }
 
 }  // namespace
+
+nlohmann::ordered_json InJson(const Session& session, const Call& call) {
+    OrderedJson object = {{"call", call.number},
+                          {"line", call.line},
+                          {"us", call.us},
+                          {"ended_us", call.ended_us ? OrderedJson(*call.ended_us) : nullptr},
+                          {"thread", call.thread},
+                          {"function", NameOf(call.function)},
+                          {"parser", call.parser != 0 ? OrderedJson(call.parser) : nullptr}};
+    if (call.function == Function::kParse) {
+        object["size"] = call.size;
+        object["bytes"] = call.has_pointer ? OrderedJson(support::quote(call.bytes)) : nullptr;
+    } else if (call.function == Function::kSetVideoPts) {
+        object["ticks"] = call.ticks;
+    }
+    object["within"] =
+        call.within ? OrderedJson(session.calls[*call.within].number) : OrderedJson(nullptr);
+    object["passed"] = call.was_passed_on;
+    object["outcome"] = call.has_returned
+                            ? OrderedJson(DescribeOutcome(call.function, call.outcome))
+                            : OrderedJson(nullptr);
+    object["deliveries"] = OrderedJson::array();
+    for (const Delivery& delivery : call.outcome.deliveries) {
+        object["deliveries"].push_back({{"us", delivery.us}, {"cues", delivery.cues.size()}});
+    }
+    object["mistakes"] = InJson(call.mistakes);
+    return object;
+}
 
 std::string ShowAsText(const Session& session) {
     std::string text;

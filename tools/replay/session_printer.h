@@ -2,6 +2,7 @@
 #ifndef TOOLS_REPLAY_SESSION_PRINTER_H_
 #define TOOLS_REPLAY_SESSION_PRINTER_H_
 
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "tools/replay/replay_run.h"
@@ -16,6 +17,8 @@ std::string ShowAsText(const Session& session);
 // An object a line, in ASCII: for each call one with "call", for each mistake that belongs to none
 // one with "mistake", at the end one with the sums.
 std::string ShowAsJson(const Session& session);
+// The object of one call.
+nlohmann::ordered_json InJson(const Session& session, const Call& call);
 
 // How far it came out as recorded, and the first difference.
 std::string FormatAsText(const Session& session, const Verdict& verdict);

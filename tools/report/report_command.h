@@ -10,6 +10,7 @@
 #include "tools/console/command.h"
 #include "tools/console/track_list.h"
 #include "tools/host/run_apart.h"
+#include "tools/replay/session.h"
 #include "tools/report/track_data.h"
 
 namespace quill::report {
@@ -27,8 +28,12 @@ class ReportCommand : public console::Command {
     // Returns the worst that kept a track from the page, and keeps the last track that is on it.
     console::ExitCode AddTracks(const std::string& module, Json& tracks, TrackBytes& last) const;
     void AddOther(const std::string& module, Json& tracks, const TrackBytes& first) const;
+    // What the parsers of a session were fed.
+    static void AddFedTracks(const std::string& module, const replay::Session& session,
+                             Json& tracks);
 
     console::TrackArguments tracks_;
+    std::string log_;
     std::string output_file_;
     std::string against_;
     std::string against_module_;
@@ -36,6 +41,7 @@ class ReportCommand : public console::Command {
     std::string background_;
     PlayOptions options_;
     std::chrono::seconds limit_ = host::kDefaultLimit;
+    bool is_played_otherwise_ = false;  // than by default: in other chunks, at another time
     std::string module_;
 };
 

@@ -1,6 +1,7 @@
 // All that is known of the chosen block.
 import { byId, element, foreign, formatTime } from './dom.js';
-import { addressOf } from './store.js';
+import { inWords } from './session_view.js';
+import { addressOf, addressOfCall } from './store.js';
 
 const NONE = 'Choose a block in the list, on the timeline or by its line in the source.';
 
@@ -10,7 +11,7 @@ function findingItem(track, finding) {
         'li',
         { class: finding.severity },
         element('a', { href: addressOf(track, finding.line) }, line),
-        element('span', { class: 'verdict' }, finding.severity),
+        element('span', { class: `verdict ${finding.severity}` }, finding.severity),
         element('span', { class: 'code' }, `${finding.code} ${finding.name}`),
         element('p', {}, finding.message),
         element('p', { class: 'fix' }, `Fix: ${finding.hint}`),
@@ -43,7 +44,27 @@ function record(cue) {
     return element('details', {}, element('summary', {}, 'The record'), list);
 }
 
-function entryParts(track, entry) {
+/** Which calls of the session it came by. */
+function callsOf(session, track, entry) {
+    const link = (call) => element('a', { href: addressOfCall(call) }, `call ${call.call}`);
+    const parts = [];
+    if (entry.carrier) {
+        parts.push('Completed by the chunk of ', link(entry.carrier));
+    } else if (entry.isCue) {
+        parts.push('No chunk completes it: it lacks the line feeds that end a track');
+    }
+    const call = session.call(entry.deliveredBy);
+    if (call) {
+        const late = session.isLate(track, entry) ? 'late, ' : '';
+        const when = inWords(session.lateness(track, entry));
+        parts.push('; delivered by ', link(call), `, ${late}${when}`);
+    } else if (entry.fate === 'not_taken') {
+        parts.push('; no call delivered it');
+    }
+    return element('p', { class: 'calls-of' }, ...parts, '.');
+}
+
+function entryParts(session, track, entry) {
     const where = `line ${entry.line}, chunk ${entry.chunk + 1}`;
     const times = entry.isGuessed
         ? 'its times cannot be read: its place is that between its neighbours'
@@ -61,6 +82,9 @@ function entryParts(track, entry) {
         ),
         element('blockquote', { dir: 'auto' }, track.textOf(entry)),
     ];
+    if (session && (entry.carrier || entry.isCue)) {
+        parts.push(callsOf(session, track, entry));
+    }
     if (entry.findings.length > 0) {
         const items = entry.findings.slice(0, 50).map((finding) => findingItem(track, finding));
         parts.push(element('ul', { class: 'findings' }, ...items));
@@ -71,7 +95,8 @@ function entryParts(track, entry) {
 export function showDetails(store) {
     const live = element('div', { 'aria-live': 'polite', class: 'live' });
     byId('details').append(live);
-    store.on('entry', ({ track, entry }) => {
-        live.replaceChildren(...(entry ? entryParts(track, entry) : [foreign(NONE)]));
-    });
+    const show = ({ session, track, entry }) =>
+        live.replaceChildren(...(entry ? entryParts(session, track, entry) : [foreign(NONE)]));
+    store.on('entry', show);
+    store.on('places', show);
 }

@@ -14,20 +14,31 @@ const PARTS = [
     ['rejected', 'rejected'],
 ];
 
-function sumsOf({ sums }) {
+function sumsOf(track, session) {
+    const { sums } = track;
+    const missing = track.entries.filter(({ fate }) => fate === 'not_taken').length;
+    const delivered = session
+        ? [
+              ['Cues delivered', track.deliveredCount.toLocaleString('en')],
+              ['Cues not delivered', missing.toLocaleString('en')],
+          ]
+        : [['Cues delivered', sums.cues_delivered.toLocaleString('en')]];
+    const chunks = session
+        ? ['Chunks', session.chunksOf(track).length.toLocaleString('en')]
+        : ['Chunk size', count(sums.chunk_size, 'byte')];
     const lost = [
         count(sums.lost.cues, 'cue'),
         count(sums.lost.lines, 'other line'),
         ...(sums.lost.tracks ? ['the whole track'] : []),
     ];
     return [
-        ['Cues delivered', sums.cues_delivered.toLocaleString('en')],
+        ...delivered,
         ['Lost', lost.join(', ')],
         ['Changed', count(sums.findings.changed, 'finding')],
         ['Remarks', count(sums.findings.remark, 'finding')],
         ['Comments', sums.comments.toLocaleString('en')],
         ['Size', count(sums.size, 'byte')],
-        ['Chunk size', count(sums.chunk_size, 'byte')],
+        chunks,
     ];
 }
 
@@ -39,14 +50,15 @@ function byteBar({ sums }) {
     const bar = element('div', { class: 'bytes', role: 'img', 'aria-label': `Bytes: ${words}` });
     const legend = element('ul', { class: 'legend' });
     for (const [key, name] of held) {
-        const part = element('span', { class: `part ${key}` });
+        const kind = `part ${key.replaceAll('_', '-')}`;
+        const part = element('span', { class: kind });
         part.style.flexGrow = sums.bytes[key];
         bar.append(part);
         legend.append(
             element(
                 'li',
                 {},
-                element('span', { class: `key part ${key}`, 'aria-hidden': 'true' }),
+                element('span', { class: `key ${kind}`, 'aria-hidden': 'true' }),
                 `${name}: ${sums.bytes[key].toLocaleString('en')} (${percent(key).toFixed(1)} %)`,
             ),
         );
@@ -55,9 +67,12 @@ function byteBar({ sums }) {
 }
 
 export function showHead(store, page) {
-    store.on('track', ({ track, tracks }) => {
+    store.on('track', ({ track, tracks, session }) => {
         document.title = `${track.name} – caption report`;
         const module = element('span', {}, 'module ', foreign(track.module));
+        if (track.moduleSize !== null) {
+            module.append(`, ${count(track.moduleSize, 'byte')}`);
+        }
         byId('head').replaceChildren(
             element(
                 'h1',
@@ -68,7 +83,7 @@ export function showHead(store, page) {
             element('p', { class: 'made' }, `quill ${page.quill}, `, module),
         );
         const list = element('dl', { class: 'sums' });
-        for (const [name, value] of sumsOf(track)) {
+        for (const [name, value] of sumsOf(track, session)) {
             list.append(element('div', {}, element('dt', {}, name), element('dd', {}, value)));
         }
         const notes = [];

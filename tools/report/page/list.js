@@ -1,6 +1,6 @@
 // The list of all blocks of a track, and what of it is wanted.
+import { ChoiceList } from './choice_list.js';
 import { byId, count, element, foreign, formatTime } from './dom.js';
-import { VirtualRows } from './virtual_rows.js';
 
 const KINDS = [
     ['lost', 'lost'],
@@ -66,14 +66,14 @@ function times(entry) {
 }
 
 /** One row: line, times, verdict, text, and what was found first. */
-function row(store, entry, position, size) {
+function blockRow(track, entry) {
     const [finding] = entry.findings;
     const more = entry.findings.length > 1 ? ` (and ${entry.findings.length - 1} more)` : '';
-    const text = store.track.textOf(entry).trim().replaceAll('\n', ' ⏎ ');
+    const text = track.textOf(entry).trim().replaceAll('\n', ' ⏎ ');
     const parts = [
         element('span', { class: 'line' }, `L${entry.line}`),
         element('span', { class: 'times' }, times(entry)),
-        element('span', { class: 'verdict' }, entry.verdict),
+        element('span', { class: `verdict ${entry.severity}` }, entry.verdict),
         element('span', { class: 'text' }, foreign(text)),
     ];
     if (finding) {
@@ -82,74 +82,30 @@ function row(store, entry, position, size) {
             element('span', { class: 'reason' }, `${finding.message}; ${finding.hint}${more}`),
         );
     }
-    return element(
-        'div',
-        {
-            id: `block-${entry.index}`,
-            class: `row ${entry.severity}`,
-            role: 'option',
-            'aria-selected': entry === store.entry ? 'true' : 'false',
-            'aria-posinset': position + 1,
-            'aria-setsize': size,
-            click: () => store.chooseEntry(entry),
-        },
-        ...parts,
-    );
+    return { id: `block-${entry.index}`, kind: entry.severity, parts };
 }
 
 export function showList(store) {
-    let entries = [];
-    const rows = element('div', {
-        role: 'listbox',
-        'aria-label': 'Blocks of the track',
-        tabindex: 0,
+    const list = new ChoiceList({
+        label: 'Blocks of the track',
+        name: 'blocks',
+        parts: (entry) => blockRow(store.track, entry),
+        choose: (entry) => store.chooseEntry(entry),
     });
-    const frame = element('div', { class: 'frame blocks' }, rows);
     const status = element('p', { class: 'status', role: 'status' });
-    const view = new VirtualRows(frame, rows, (index) =>
-        row(store, entries[index], index, entries.length),
-    );
     const filter = new Filter(() => update());
 
     function update() {
-        entries = filter.apply(store.track);
+        const entries = filter.apply(store.track);
         status.textContent = `${entries.length.toLocaleString('en')} of ${count(store.track.entries.length, 'block')}`;
-        view.setSize(entries.length);
-        mark();
+        list.setItems(entries);
+        list.mark(store.entry);
     }
 
-    function mark() {
-        const at = entries.indexOf(store.entry);
-        if (at >= 0) {
-            view.show(at);
-        }
-        view.refresh();
-        const chosen = at >= 0 && document.getElementById(`block-${store.entry.index}`);
-        if (chosen) {
-            rows.setAttribute('aria-activedescendant', chosen.id);
-        } else {
-            rows.removeAttribute('aria-activedescendant');
-        }
-    }
-
-    rows.addEventListener('keydown', (event) => {
-        const page = Math.max(Math.floor(frame.clientHeight / view.rowHeight) - 1, 1);
-        const steps = { ArrowDown: 1, ArrowUp: -1, PageDown: page, PageUp: -page };
-        const at = entries.indexOf(store.entry);
-        const ends = { Home: 0, End: entries.length - 1 };
-        const next =
-            event.key in steps
-                ? Math.max(at, steps[event.key] > 0 ? -1 : 0) + steps[event.key]
-                : ends[event.key];
-        if (next !== undefined && entries.length > 0) {
-            event.preventDefault();
-            store.chooseEntry(entries[Math.min(Math.max(next, 0), entries.length - 1)]);
-        }
-    });
-    byId('list').append(filter.form, status, frame);
+    byId('list').append(filter.form, status, list.frame);
     store.on('track', () => {
         filter.useCodesOf(store.track);
         update();
     });
-    store.on('entry', mark);
+    store.on('entry', () => list.mark(store.entry));
 }

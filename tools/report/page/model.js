@@ -22,15 +22,19 @@ const VERDICTS = {
     lost_with_chunk: 'lost with its chunk',
     rejected: 'rejected',
     remains: 'made of remains',
+    not_taken: 'not delivered',
 };
-const LOST = new Set(['lost', 'lost_with_chunk', 'cut_off', 'rejected']);
+const LOST = new Set(['lost', 'lost_with_chunk', 'cut_off', 'rejected', 'not_taken']);
+const LOST_CUES = new Set(['lost', 'lost_with_chunk', 'not_taken']);
 /** The mark of a finding, which differs by more than its colour. */
 export const SIGNS = { lost: '✗', changed: '≠', remark: '!' };
+/** That of a host's mistake. */
+export const MISTAKE_SIGN = '⚑';
 const RANKS = { lost: 3, changed: 2, remark: 1 };
 
 /** One block of a track, with all that the page says of it. */
 class Entry {
-    constructor(index, block, cue) {
+    constructor(index, block, cue, call) {
         this.index = index;
         this.line = block.line;
         this.lineCount = block.lines;
@@ -38,7 +42,7 @@ class Entry {
         this.cue = cue;
         this.cueNumber = block.cue ?? 0;
         this.isLost = LOST.has(block.block);
-        this.isCue = cue !== null || block.block === 'lost' || block.block === 'lost_with_chunk';
+        this.isCue = cue !== null || LOST_CUES.has(block.block);
         this.fate = block.block;
         this.start = cue ? (cue.dStartTime ?? NaN) : (block.start ?? NaN);
         this.end = cue ? (cue.dEndTime ?? NaN) : (block.end ?? NaN);
@@ -47,6 +51,9 @@ class Entry {
         /** Where its findings are marked on the timeline. */
         this.markTime = 0;
         this.findings = [];
+        /** Of a session: the number of the call that delivered it, and the call that fed its end. */
+        this.deliveredBy = call;
+        this.carrier = null;
     }
 
     get verdict() {
@@ -56,7 +63,7 @@ class Entry {
 
     /** The worst that was found: "lost", "changed", "remark", or "none". */
     get severity() {
-        let worst = 'none';
+        let worst = this.fate === 'not_taken' ? 'lost' : 'none';
         for (const { severity } of this.findings) {
             if ((RANKS[severity] ?? 0) > (RANKS[worst] ?? 0)) {
                 worst = severity;
@@ -76,9 +83,26 @@ export class Track {
         this.number = number;
         this.name = data.name;
         this.module = data.module;
+        this.moduleSize = data.module_size;
         this.sums = data.sums;
         this.leftOut = data.findings.left_out + data.blocks.left_out + data.cues.left_out;
         this.codes = new Map(data.codes.map((code) => [code.code, code]));
+        /** Of a session: the parser, and how many cues its host got that stand nowhere in the track. */
+        this.parser = data.parser;
+        this.strays = data.strays;
+        this.deliveredCount = data.cues.count + data.cues.left_out;
+    }
+
+    /** Notes which calls fed and delivered what. */
+    useSession(session) {
+        const chunks = session.chunksOf(this);
+        for (const entry of this.entries) {
+            entry.carrier = chunks[entry.chunk] ?? null;
+            if (entry.isCue || entry.cue) {
+                entry.carrier?.completed.push(entry);
+                session.call(entry.deliveredBy)?.delivered.push(entry);
+            }
+        }
     }
 
     /** The lines of the track itself. */
@@ -124,10 +148,11 @@ export class Track {
 
     #makeEntries() {
         const records = unpack(this.#data.cues);
-        this.#entries = unpack(this.#data.blocks).map(
-            (block, index) =>
-                new Entry(index, block, block.cue ? (records[block.cue - 1] ?? null) : null),
-        );
+        this.#entries = unpack(this.#data.blocks).map((block, index) => {
+            // In a session the record came by a call, which is no field of it.
+            const { call = 0, ...cue } = (block.cue && records[block.cue - 1]) || {};
+            return new Entry(index, block, Object.keys(cue).length > 0 ? cue : null, call);
+        });
         for (const finding of unpack(this.#data.findings)) {
             this.entryAt(finding.line)?.findings.push(finding);
         }

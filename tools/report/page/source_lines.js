@@ -26,6 +26,20 @@ export class SourceLines {
         return this.#begins.length;
     }
 
+    /** The number of the line that holds the byte. */
+    lineOf(offset) {
+        let [low, high] = [0, this.#begins.length];
+        while (low < high) {
+            const middle = (low + high) >> 1;
+            if (this.#begins[middle] <= offset) {
+                low = middle + 1;
+            } else {
+                high = middle;
+            }
+        }
+        return Math.max(low, 1);
+    }
+
     /** A line by its number, from 1, without its line end. Bytes that are no UTF-8 are U+FFFD. */
     text(number) {
         const bytes = this.#line(number);

@@ -139,7 +139,8 @@ class Stage {
 
     /** Brings the film to the time, unless it is what brought the time. */
     #moveVideo(time) {
-        const isFar = this.#video && Math.abs(this.#video.currentTime - time) > 0.3;
+        const most = this.#store.isPlaying ? 0.3 : 0.001; // a film that plays is not pulled back and forth
+        const isFar = this.#video && Math.abs(this.#video.currentTime - time) > most;
         if (isFar && time >= 0) {
             this.#video.currentTime = time;
         }

@@ -3,15 +3,22 @@
 export class Store {
     #listeners = new Map();
 
-    constructor(tracks) {
+    /** `session` is null but for the report of a recorded session. */
+    constructor(tracks, session) {
         this.tracks = tracks;
+        this.session = session;
         this.track = tracks[0];
         this.entry = null;
+        this.call = null;
+        this.mistake = null;
         this.time = 0;
         this.isPlaying = false;
     }
 
-    /** "track", "entry", "time" and "playing" are told; the listener gets this store. */
+    /**
+     * "track", "entry", "time" and "playing" are told, of a session "call" and "places", where calls stand
+     * on the timeline. The listener gets this store.
+     */
     on(what, listener) {
         this.#listeners.set(what, [...(this.#listeners.get(what) ?? []), listener]);
     }
@@ -42,6 +49,26 @@ export class Store {
         }
     }
 
+    /** Chooses a call of the session, and of its mistakes the given one or none; goes to its place. */
+    chooseCall(call, mistake = null) {
+        const track = this.tracks.find(({ parser }) => call?.parser && parser === call.parser);
+        if (track && track !== this.track) {
+            this.chooseTrack(track);
+        }
+        this.call = call;
+        this.mistake = mistake;
+        this.#tell('call');
+        if (call) {
+            this.seek(call.place.start);
+        }
+    }
+
+    /** Has the calls of the session stand elsewhere on the timeline. */
+    placeCalls(placing) {
+        this.session.placing = placing;
+        this.#tell('places');
+    }
+
     seek(time) {
         this.time = time;
         this.#tell('time');
@@ -50,6 +77,19 @@ export class Store {
     play(isPlaying) {
         this.isPlaying = isPlaying;
         this.#tell('playing');
+    }
+
+    /** The next of these calls behind the chosen one, or behind the time; -1 looks back. */
+    stepCalls(calls, direction) {
+        const ordered = direction > 0 ? calls : calls.toReversed();
+        const found = ordered.find((call) =>
+            this.call
+                ? (call.index - this.call.index) * direction > 0
+                : (call.place.start - this.time) * direction >= 0,
+        );
+        if (found) {
+            this.chooseCall(found, found.mistakes[0] ?? null);
+        }
     }
 
     /** The next of these entries behind the chosen one, or behind the time; -1 looks back. */
@@ -72,10 +112,28 @@ export function addressOf(track, line) {
     return `#${track.number > 1 ? `T${track.number}` : ''}L${line}`;
 }
 
-/** Track number and line of an address; the line is 0 for "#T2", null is for anything else. */
+/** That of a call of a session, "#C7", and of a mistake, "#H105-7". */
+export function addressOfCall(call) {
+    return `#C${call.call}`;
+}
+
+export function addressOfMistake(mistake) {
+    return `#${mistake.id}`;
+}
+
+/**
+ * What an address names: {track, line}, where the line is 0 for "#T2", {call}, or {mistake}; null for
+ * anything else.
+ */
 export function readAddress(hash) {
-    const parts = /^#(?:T(\d{1,9}))?(?:L(\d{1,9}))?$/.exec(hash);
-    return parts && hash.length > 1
-        ? { track: Number(parts[1] ?? 1), line: Number(parts[2] ?? 0) }
-        : null;
+    const line = /^#(?=.)(?:T(\d{1,9}))?(?:L(\d{1,9}))?$/.exec(hash);
+    if (line) {
+        return { track: Number(line[1] ?? 1), line: Number(line[2] ?? 0) };
+    }
+    const call = /^#C(\d{1,10})$/.exec(hash);
+    if (call) {
+        return { call: Number(call[1]) };
+    }
+    const mistake = /^#(H\d{1,9}-\d{1,10}(?:-\d{1,6})?)$/.exec(hash);
+    return mistake ? { mistake: mistake[1] } : null;
 }

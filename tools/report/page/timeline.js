@@ -1,15 +1,19 @@
 // The timeline: looked at, moved and zoomed by wheel, keys, buttons and touch.
+import { callControls } from './call_controls.js';
+import { callAt, heightOfCalls } from './call_painter.js';
 import { button, byId, count, element, formatSpan, formatTime } from './dom.js';
-import { Layout, View } from './timeline_layout.js';
+import { CallLayout, Layout, View } from './timeline_layout.js';
 import { heightOf, itemAt, Painter } from './timeline_painter.js';
 
 const ZOOM = 1.25;
 const HELP =
     'Arrow keys move the playhead, with Shift the view; + and - zoom, 0 shows everything; ' +
     'n and p go to the next and the previous cue, l and k to the next and the previous lost one.';
+const HELP_WITH_CALLS =
+    ' c and x go to the next and the previous call, m and j to the next and the previous mistake.';
 
-/** What the timeline shows, in words. */
-function describe(layout) {
+/** What the timeline shows, in words; `store` is that of a session, or null. */
+function describe(layout, store) {
     const lost = layout.items.filter(({ entry }) => entry.isLost).length;
     const longest = Math.max(...layout.gaps.map(({ start, end }) => end - start), 0);
     return [
@@ -18,7 +22,15 @@ function describe(layout) {
         count(layout.lanes, 'lane'),
         count(layout.gaps.length, 'gap') +
             (longest > 0 ? `, the longest ${formatSpan(longest)}` : ''),
+        ...(store ? describeCalls(store) : []),
     ].join(', ');
+}
+
+function describeCalls({ session, track }) {
+    const calls = session.callsOf(track);
+    const mistakes = calls.reduce((sum, call) => sum + call.mistakes.length, 0);
+    const late = track.cues.filter((entry) => session.isLate(track, entry)).length;
+    return [count(calls.length, 'call'), count(mistakes, 'mistake'), count(late, 'late cue')];
 }
 
 class Timeline {
@@ -34,23 +46,34 @@ class Timeline {
     });
     #summary = element('p', { class: 'status' });
     #layouts = [];
-    #view = new View(0, 1);
+    #calls = null;
+    #view;
     #pointers = new Map();
     #moved = 0;
     #isDue = false;
 
     constructor(store, bothTracks) {
         this.#store = store;
+        const { session } = store;
+        this.#view = new View(0, 1, session ? 0.01 : 0.25);
         this.#slider.append(this.#canvas);
         byId('timeline').append(
             this.#summary,
             this.#slider,
             this.#buttons(),
-            element('p', { class: 'help', id: 'timeline-help' }, HELP),
+            ...(session ? callControls(store) : []),
+            element(
+                'p',
+                { class: 'help', id: 'timeline-help' },
+                HELP,
+                session ? HELP_WITH_CALLS : '',
+            ),
         );
         store.on('track', () => this.#useTracks(bothTracks ? store.tracks : [store.track]));
         store.on('entry', ({ entry }) => this.#reveal(entry?.start));
         store.on('time', ({ time }) => this.#reveal(time));
+        store.on('call', () => this.#draw());
+        store.on('places', () => this.#useTracks([store.track]));
         this.#slider.addEventListener('keydown', (event) => this.#key(event));
         this.#slider.addEventListener('wheel', (event) => this.#wheel(event), { passive: false });
         this.#slider.addEventListener('pointerdown', (event) => this.#press(event));
@@ -68,17 +91,28 @@ class Timeline {
     }
 
     #useTracks(tracks) {
-        if (tracks.some((track, at) => this.#layouts[at]?.track !== track)) {
+        const { session } = this.#store;
+        if (session || tracks.some((track, at) => this.#layouts[at]?.track !== track)) {
             this.#layouts = tracks.map((track) => new Layout(track));
-            const filled = this.#layouts.filter(({ items }) => items.length > 0);
+            this.#calls = session && this.#placeCalls(session);
+            const filled = [...this.#layouts, this.#calls].filter(
+                (layout) => layout?.items.length > 0,
+            );
             const start = Math.min(...filled.map((layout) => layout.start), Infinity);
             const end = Math.max(...filled.map((layout) => layout.end), -Infinity);
             this.#view.setWhole(...(filled.length > 0 ? [start, end] : [0, 1]));
         }
-        this.#summary.textContent = describe(this.layout);
+        this.#summary.textContent = describe(this.layout, this.#calls && this.#store);
         this.#slider.setAttribute('aria-valuemin', this.#view.whole.start);
         this.#slider.setAttribute('aria-valuemax', this.#view.whole.end);
         this.#draw();
+    }
+
+    #placeCalls(session) {
+        const { track } = this.#store;
+        const hasCues = this.layout.items.length > 0;
+        session.place(track, ...(hasCues ? [this.layout.start, this.layout.end] : [0, 1]));
+        return new CallLayout(session.callsOf(track));
     }
 
     #buttons() {
@@ -126,15 +160,17 @@ class Timeline {
     #paint() {
         this.#isDue = false;
         const width = this.#slider.clientWidth;
-        const height = heightOf(this.#layouts);
+        const height = heightOf(this.#layouts) + heightOfCalls(this.#calls);
         this.#canvas.style.height = `${height}px`;
-        new Painter(this.#canvas, this.#view, width, height).paint(this.#layouts, this.#store);
+        const painter = new Painter(this.#canvas, this.#view, width, height);
+        painter.paint(this.#layouts, this.#calls, this.#store);
         this.#slider.setAttribute('aria-valuenow', this.#store.time.toFixed(3));
         const shown = this.layout.shownAt(this.#store.time);
         const words = shown.map((entry) => this.#store.track.textOf(entry).trim()).join('; ');
+        const call = this.#store.call ? `; ${this.#store.call.words}` : '';
         this.#slider.setAttribute(
             'aria-valuetext',
-            `${formatTime(this.#store.time)}, ${words || 'no cue'}`,
+            `${formatTime(this.#store.time)}, ${words || 'no cue'}${call}`,
         );
         this.#slider.dataset.span = this.#view.span.toFixed(3);
     }
@@ -142,6 +178,8 @@ class Timeline {
     #key(event) {
         const { cues } = this.#store.track;
         const lost = () => this.#store.track.entries.filter(({ isLost }) => isLost);
+        const calls = this.#store.session?.callsOf(this.#store.track) ?? [];
+        const mistaken = () => calls.filter(({ mistakes }) => mistakes.length > 0);
         const forward = event.key === 'ArrowRight' ? 1 : -1;
         const arrow = () =>
             event.shiftKey
@@ -161,6 +199,10 @@ class Timeline {
             p: () => this.#store.step(cues, -1),
             l: () => this.#store.step(lost(), 1),
             k: () => this.#store.step(lost(), -1),
+            c: () => this.#store.stepCalls(calls, 1),
+            x: () => this.#store.stepCalls(calls, -1),
+            m: () => this.#store.stepCalls(mistaken(), 1),
+            j: () => this.#store.stepCalls(mistaken(), -1),
         };
         const action = actions[event.key === '=' ? '+' : event.key];
         if (action && !event.ctrlKey && !event.metaKey && !event.altKey) {
@@ -223,6 +265,14 @@ class Timeline {
         }
         const box = this.#slider.getBoundingClientRect();
         const [x, y] = [event.clientX - box.left, event.clientY - box.top];
+        const below = y - heightOf(this.#layouts);
+        if (this.#calls && below >= 0) {
+            const call = callAt(this.#calls, this.#view, box.width, x, below);
+            if (call) {
+                this.#store.chooseCall(call, call.mistakes[0] ?? null);
+            }
+            return;
+        }
         const found = itemAt(this.#layouts, this.#view, box.width, x, y);
         if (found && found.track !== this.#store.track) {
             this.#store.chooseTrack(found.track);

@@ -1,4 +1,5 @@
-// Paints a timeline: an axis, a bar for each cue, gaps and the marks of findings.
+// Paints a timeline: an axis, a bar for each cue, gaps and the marks of findings, and the calls of a session.
+import { CallPainter, heightOfCalls } from './call_painter.js';
 import { formatSpan, formatTime } from './dom.js';
 import { SIGNS } from './model.js';
 import { axisStep } from './timeline_layout.js';
@@ -28,13 +29,13 @@ function readColours() {
 }
 
 /** Stripes, so that lost cues differ by more than their colour. */
-function stripes(context, colours) {
+function stripes(context, colours, colour) {
     const tile = document.createElement('canvas');
     tile.width = tile.height = 8;
     const painter = tile.getContext('2d');
     painter.fillStyle = colours.panel;
     painter.fillRect(0, 0, 8, 8);
-    painter.strokeStyle = colours.lost;
+    painter.strokeStyle = colour;
     painter.lineWidth = 2;
     for (const shift of [-8, 0, 8]) {
         painter.beginPath();
@@ -84,17 +85,29 @@ export class Painter {
         return ((time - this.#view.start) / this.#view.span) * this.#width;
     }
 
-    paint(layouts, { entry, time }) {
+    /** `calls` is the layout of those of a session, or null. */
+    paint(layouts, calls, store) {
         this.#axis();
         let top = AXIS;
         for (const layout of layouts) {
             this.#gaps(layout, top);
-            this.#bars(layout, top, entry);
+            this.#bars(layout, top, store);
             this.#marks(layout, top + layout.lanes * laneHeight(layout));
             top += bandHeight(layout);
         }
+        if (calls) {
+            const { entry, session } = store;
+            const related = [entry?.carrier, entry && session.call(entry.deliveredBy)];
+            const x = (time) => this.#x(time);
+            new CallPainter(this.#context, this.#colours, this.#view, x).paint(
+                calls,
+                top,
+                store,
+                related.filter(Boolean),
+            );
+        }
         this.#context.fillStyle = this.#colours.focus;
-        this.#context.fillRect(this.#x(time) - 1, 0, 2, top);
+        this.#context.fillRect(this.#x(store.time) - 1, 0, 2, top + heightOfCalls(calls));
     }
 
     #axis() {
@@ -134,17 +147,20 @@ export class Painter {
         }
     }
 
-    #bars(layout, top, chosen) {
+    #bars(layout, top, store) {
+        const { entry: chosen, call, session } = store;
         const context = this.#context;
         const high = laneHeight(layout);
-        const lostFill = stripes(context, this.#colours);
+        const lostFill = stripes(context, this.#colours, this.#colours.lost);
+        const lateFill = stripes(context, this.#colours, this.#colours.changed);
         const painted = []; // the last pixel of each lane and kind
         for (const item of layout.within(this.#view.start, this.#view.end)) {
             const { entry, lane } = item;
             const x = this.#x(item.start);
             const width = Math.max(this.#x(item.end) - x - 1, 2);
             const kind = lane * 2 + (entry.isLost ? 1 : 0);
-            if (x + width <= (painted[kind] ?? -1) && entry !== chosen) {
+            const isOfCall = call?.delivered.includes(entry) || call?.completed.includes(entry);
+            if (x + width <= (painted[kind] ?? -1) && entry !== chosen && !isOfCall) {
                 continue; // less than a pixel beside the one before
             }
             painted[kind] = Math.ceil(x + width);
@@ -157,12 +173,16 @@ export class Painter {
                 context.strokeRect(x + 0.5, y + 0.5, width - 1, high - 2);
                 context.setLineDash([]);
             }
-            if (!entry.isLost && width > 30 && high > 14) {
+            if (session?.placing === 'clock' && session.isLate(layout.track, entry)) {
+                const missed = this.#x(item.start + session.lateness(layout.track, entry)) - x;
+                context.fillStyle = lateFill;
+                context.fillRect(x, y, Math.min(Math.max(missed, 3), width), high - 1);
+            } else if (!entry.isLost && width > 30 && high > 14) {
                 this.#text(layout.track.textOf(entry), x, y, width, high);
             }
-            if (entry === chosen) {
+            if (entry === chosen || isOfCall) {
                 context.strokeStyle = this.#colours.focus;
-                context.lineWidth = 3;
+                context.lineWidth = entry === chosen ? 3 : 2;
                 context.strokeRect(x, y, width, high - 1);
                 context.lineWidth = 1;
             }

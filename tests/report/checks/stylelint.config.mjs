@@ -1,0 +1,5 @@
+export default {
+    extends: 'stylelint-config-standard',
+    reportNeedlessDisables: true,
+    reportInvalidScopeDisables: true,
+};
