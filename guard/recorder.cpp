@@ -171,12 +171,21 @@ void Recorder::note_delivery(const WebvttDataInfo* info, unsigned long call, uns
         .add(field::kMicroseconds, microseconds())
         .add(field::kParser, parser)
         .open_list(field::kCues);
+    unsigned long cues = 0;
     for (const WebvttCueNode* cue = info != nullptr ? info->prCueList : nullptr; cue != nullptr;
          cue = cue->prNext) {
         add_cue(*cue, line.open_item());
         line.close();
+        ++cues;
     }
     line.close_list();
+    // The list says it all, unless the module contradicts it.
+    if (info != nullptr && info->u4CueCount != cues) {
+        line.add("u4CueCount", info->u4CueCount);
+    }
+    if (info != nullptr && info->u4Reserved != 0) {
+        line.add("u4Reserved", info->u4Reserved);
+    }
     m_file.write(line.end());
 }
 

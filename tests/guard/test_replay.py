@@ -1,7 +1,8 @@
 """What the guard records is played again by quill, and comes out as recorded: of every host that
 makes a mistake, of a right one, and of quill itself.
 
-Besides what hosts.py needs: GUARD_QUILL is quill, GUARD_HOST the example host.
+Besides what hosts.py needs: GUARD_QUILL is quill, GUARD_HOST the example host, GUARD_BROKEN the module
+that can be made to do one thing wrong.
 """
 
 import json
@@ -86,6 +87,23 @@ class ReplayTest(FolderTest):
                                                   self.log, track), told)
                 self.expect_same()
                 self.assertIn("pfnSetVideoPTS, parser 1, 90000 ticks\n", self.replay("--show"))
+
+    def test_a_count_that_contradicts_the_list(self):
+        """A module that says two cues and lists three differs from the right one when it is played."""
+        wrong = {"BROKEN_MODULE_WRAPS": os.environ["QUILLCAPTION_MODULE"],
+                 "BROKEN_MODULE_FAULT": "counts-to-two"}
+        track = self.folder.joinpath("t.vtt")
+        track.write_text("WEBVTT\n\n" + "00:01.000 --> 00:02.000\nx\n\n" * 3)
+        module = ("--module", os.environ["GUARD_BROKEN"])
+        self.assertEqual(self.run_program(QUILL, "cues", "--quiet", "--record", self.log, *module,
+                                          track, **wrong)[0], 0)
+        counts = [json.loads(line).get("u4CueCount") for line in self.log.read_text().splitlines()
+                  if '"delivery"' in line]
+        self.assertEqual(counts, [2, None])
+        code, out, _ = self.run_program(QUILL, "replay", self.log)
+        self.assertEqual(code, 1)
+        self.assertIn("expected  count 2, reserved 0", out)
+        self.assertEqual(self.run_program(QUILL, "replay", *module, self.log, **wrong)[0], 0)
 
     def test_quill_cannot_record(self):
         track = SAMPLES / "dialogue.vtt"
