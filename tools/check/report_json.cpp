@@ -1,18 +1,13 @@
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "tools/check/report.h"
+#include "tools/console/json.h"
 
 namespace quill::check {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-std::string OnALine(const Json& object) {
-    // ASCII only: control characters, DEL and U+0080 to U+009F leave as \uNNNN.
-    constexpr bool kAsciiOnly = true;
-    return object.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n";
-}
+using console::Json;
+using console::JsonLine;
 
 // The class as a key: "header_used".
 std::string KeyOf(ByteClass byte_class) {
@@ -71,7 +66,7 @@ class JsonReport : public Report {
         object.update(OfCode(*finding.code));
         object["message"] = finding.message;
         object["hint"] = finding.hint();
-        return OnALine(object);
+        return JsonLine(object);
     }
 
     std::string Format(const std::string& track, const BlockNote& note) const override {
@@ -87,30 +82,30 @@ class JsonReport : public Report {
             object["start"] = note.times->start;
             object["end"] = note.times->end;
         }
-        return OnALine(object);
+        return JsonLine(object);
     }
 
     std::string Format(const Code& code) const override {
         Json object = OfCode(code);
         object["cause"] = code.cause;
         object["hint"] = code.hint;
-        return OnALine(object);
+        return JsonLine(object);
     }
 
     std::string Format(const std::string& track, const Sums& sums, bool) const override {
-        return OnALine({{"track", track}, {"sums", OfSums(sums)}});
+        return JsonLine({{"track", track}, {"sums", OfSums(sums)}});
     }
 
     std::string Format(const Total& total, bool) const override {
-        return OnALine({{"total",
-                         {{"tracks", total.tracks},
-                          {"with_findings", total.with_findings},
-                          {"failed", total.failed}}},
-                        {"sums", OfSums(total.sums)}});
+        return JsonLine({{"total",
+                          {{"tracks", total.tracks},
+                           {"with_findings", total.with_findings},
+                           {"failed", total.failed}}},
+                         {"sums", OfSums(total.sums)}});
     }
 
     std::string FormatFailure(const std::string& track, const std::string& why) const override {
-        return OnALine({{"track", track}, {"failure", why}});
+        return JsonLine({{"track", track}, {"failure", why}});
     }
 };
 

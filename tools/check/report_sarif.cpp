@@ -1,26 +1,22 @@
 #include <cctype>
-#include <nlohmann/json.hpp>
 #include <string_view>
 
 #include "quillcaption/quillcaption.h"
 #include "tools/check/report.h"
 #include "tools/console/escape.h"
+#include "tools/console/json.h"
 
 namespace quill::check {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
+using console::JsonText;
 
 constexpr char kSchema[] =
     "https://docs.oasis-open.org/sarif/sarif/v2.1.0/errata01/os/schemas/sarif-schema-2.1.0.json";
 // The rule of a track that could not be checked, which no code stands for.
 constexpr char kUnchecked[] = "unchecked";
 constexpr char kJoint[] = ",";
-
-std::string Dump(const Json& value) {
-    constexpr bool kAsciiOnly = true;
-    return value.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace);
-}
 
 Json Text(const std::string& text) {
     return {{"text", text}};
@@ -75,12 +71,12 @@ class SarifReport : public Report {
         const Json driver = {
             {"name", "quill check"}, {"semanticVersion", QUILLCAPTION_VERSION}, {"rules", Rules()}};
         return std::string(R"({"$schema":")") + kSchema +
-               R"(","version":"2.1.0","runs":[{"tool":)" + Dump({{"driver", driver}}) +
+               R"(","version":"2.1.0","runs":[{"tool":)" + JsonText({{"driver", driver}}) +
                R"(,"columnKind":"unicodeCodePoints","results":[)";
     }
 
     std::string Ending(bool complete) const override {
-        return "\n],\"invocations\":[" + Dump({{"executionSuccessful", complete}}) + "]}]}\n";
+        return "\n],\"invocations\":[" + JsonText({{"executionSuccessful", complete}}) + "]}]}\n";
     }
 
     std::string Joint() const override { return kJoint; }
@@ -115,7 +111,7 @@ class SarifReport : public Report {
                 {"locations", Json::array({location})}};
     }
 
-    static std::string Item(const Json& result) { return kJoint + ("\n" + Dump(result)); }
+    static std::string Item(const Json& result) { return kJoint + ("\n" + JsonText(result)); }
 };
 
 }  // namespace

@@ -5,13 +5,13 @@
 #include <cstdio>
 #include <functional>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "support/player.h"
 #include "support/stdout_capture.h"
 #include "support/track_generator.h"
 #include "tools/console/failure.h"
+#include "tools/console/json.h"
 #include "tools/host/isolated_run.h"
 #include "tools/host/module_handle.h"
 
@@ -134,10 +134,10 @@ class TimePrinter {
 
   private:
     template <typename... Values>
-    void PrintRow(const nlohmann::ordered_json& record, const char* format, Values... values) {
+    void PrintRow(const console::Json& record, const char* format, Values... values) {
         std::array<char, 120> line;
         std::snprintf(line.data(), line.size(), format, values...);
-        output_.Write(as_json_ ? record.dump() + "\n" : line.data());
+        output_.Write(as_json_ ? console::JsonLine(record) : line.data());
     }
 
     console::Output& output_;

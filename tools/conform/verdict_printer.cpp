@@ -1,22 +1,17 @@
 #include "tools/conform/verdict_printer.h"
 
-#include <nlohmann/json.hpp>
-
 #include "tools/console/escape.h"
+#include "tools/console/json.h"
 
 namespace quill::conform {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
+using console::JsonLine;
 
 // By outcome.
 constexpr std::array<const char*, 4> kWords = {"passed", "failed", "crashed", "hung"};
 constexpr std::array<const char*, 4> kMarks = {"passed  ", "FAILED  ", "CRASHED ", "HUNG    "};
-
-std::string Line(const Json& record) {
-    constexpr bool kAsciiOnly = true;
-    return record.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n";
-}
 
 std::string Counted(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " case" : " cases");
@@ -59,7 +54,7 @@ void VerdictPrinter::Print(const Case& one, const Verdict& verdict) {
     if (failed_only_ && verdict.outcome == Outcome::kPassed) {
         return;
     }
-    output_.Write(as_json_ ? Line(FormatAsJson(one, verdict)) : FormatAsText(one, verdict));
+    output_.Write(as_json_ ? JsonLine(FormatAsJson(one, verdict)) : FormatAsText(one, verdict));
 }
 
 void VerdictPrinter::PrintCount() {
@@ -72,7 +67,7 @@ void VerdictPrinter::PrintCount() {
                 (text.empty() ? ": " : ", ") + std::to_string(counts_.at(i)) + " " + kWords.at(i);
         }
     }
-    output_.Write(as_json_ ? Line(sums) : Counted(total_) + text + "\n");
+    output_.Write(as_json_ ? JsonLine(sums) : Counted(total_) + text + "\n");
 }
 
 void PrintCaseList(console::Output& output, const std::vector<Case>& cases, bool as_json) {
@@ -80,10 +75,12 @@ void PrintCaseList(console::Output& output, const std::vector<Case>& cases, bool
     for (const Case& one : cases) {
         text +=
             as_json
-                ? Line({{"case", one.full_name()}, {"reason", one.reason}, {"place", Place(one)}})
+                ? JsonLine(
+                      {{"case", one.full_name()}, {"reason", one.reason}, {"place", Place(one)}})
                 : InText(one.full_name()) + ": " + InText(one.reason) + "\n";
     }
-    output.Write(text + (as_json ? Line({{"cases", cases.size()}}) : Counted(cases.size()) + "\n"));
+    output.Write(text +
+                 (as_json ? JsonLine({{"cases", cases.size()}}) : Counted(cases.size()) + "\n"));
 }
 
 }  // namespace quill::conform

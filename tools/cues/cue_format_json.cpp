@@ -1,11 +1,10 @@
-#include <nlohmann/json.hpp>
-
+#include "tools/console/json.h"
 #include "tools/cues/cue_format.h"
 
 namespace quill::cues {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
 
 Json TextOrNull(const char* text) {
     return text != nullptr ? Json(text) : Json(nullptr);
@@ -27,8 +26,7 @@ std::string FormatAsJson(const WebvttCueNode& cue, std::uint64_t /*number*/) {
     record["eTextAlign"] = cue.eTextAlign;
     record["eVertical"] = cue.eVertical;
     // ASCII only: control characters, DEL and U+0080 to U+009F leave as \uNNNN.
-    constexpr bool kAsciiOnly = true;
-    return record.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n";
+    return console::JsonLine(record);
 }
 
 }  // namespace quill::cues

@@ -37,11 +37,9 @@ InspectCommand::InspectCommand(CLI::App& app)
 }
 
 console::ExitCode InspectCommand::Run(console::Output& output) {
-    using Json = nlohmann::ordered_json;
-    const Json report = InspectModule(module_.empty() ? host::FindDefaultModule() : module_);
-    constexpr bool kAsciiOnly = true;
-    output.Write(as_json_ ? report.dump(-1, ' ', kAsciiOnly, Json::error_handler_t::replace) + "\n"
-                          : FormatInspectionAsText(report));
+    const console::Json report =
+        InspectModule(module_.empty() ? host::FindDefaultModule() : module_);
+    output.Write(as_json_ ? console::JsonLine(report) : FormatInspectionAsText(report));
     if (!report["loaded"].get<bool>()) {
         return console::kExitModule;
     }

@@ -8,7 +8,8 @@
 namespace quill::inspect {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
+using console::JsonText;
 
 constexpr std::size_t kLabelWidth = 12;
 // A library for another machine may export thousands.
@@ -17,7 +18,7 @@ constexpr std::size_t kMostExports = 20;
 std::string TextOr(const Json& value, const std::string& otherwise) {
     return value.is_null()     ? otherwise
            : value.is_string() ? value.get<std::string>()
-                               : value.dump();
+                               : JsonText(value);
 }
 
 class Page {
@@ -56,7 +57,7 @@ void WriteExports(const Json& exports, Page& page) {
         const Json& one = exports[i];
         const std::string kind = one["kind"].get<std::string>();
         page.Line("", one["symbol"].get<std::string>() + ", " + kind +
-                          (kind == "object" ? " of " + one["size"].dump() + " bytes" : ""));
+                          (kind == "object" ? " of " + JsonText(one["size"]) + " bytes" : ""));
     }
     if (exports.size() > kMostExports) {
         page.Line("", "and " + std::to_string(exports.size() - kMostExports) +
@@ -66,7 +67,7 @@ void WriteExports(const Json& exports, Page& page) {
 
 void WriteDescriptor(const Json& descriptor, Page& page) {
     page.Line("descriptor", host::kDataExports[0].symbol);
-    page.Line("  offset 0", "word " + descriptor["word"].dump());
+    page.Line("  offset 0", "word " + JsonText(descriptor["word"]));
     page.Line("  offset 4", "name " + TextOr(descriptor["name"], "null"));
     page.Line("  offset 8", "table " + TextOr(descriptor["table"], "without a symbol"));
     const std::string size = std::to_string(host::kDescriptorSize - host::kDescriptorTail);
@@ -78,7 +79,7 @@ void WriteDescriptor(const Json& descriptor, Page& page) {
 void WriteTable(const Json& table, Page& page) {
     page.Line("table", host::kDataExports[1].symbol);
     for (const Json& slot : table) {
-        page.Line("  offset " + slot["offset"].dump(),
+        page.Line("  offset " + JsonText(slot["offset"]),
                   slot["slot"].get<std::string>() + " = " +
                       TextOr(slot["function"], "a function without a symbol"));
     }

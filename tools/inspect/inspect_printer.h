@@ -2,13 +2,14 @@
 #ifndef TOOLS_INSPECT_INSPECT_PRINTER_H_
 #define TOOLS_INSPECT_INSPECT_PRINTER_H_
 
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "tools/console/json.h"
 
 namespace quill::inspect {
 
 // The report of InspectModule as text, with every byte of the module's made safe to show.
-std::string FormatInspectionAsText(const nlohmann::ordered_json& report);
+std::string FormatInspectionAsText(const console::Json& report);
 
 }  // namespace quill::inspect
 

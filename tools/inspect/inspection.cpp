@@ -14,7 +14,7 @@
 namespace quill::inspect {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
 
 std::string TypeName(unsigned type) {
     switch (type) {

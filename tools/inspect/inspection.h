@@ -2,8 +2,9 @@
 #ifndef TOOLS_INSPECT_INSPECTION_H_
 #define TOOLS_INSPECT_INSPECTION_H_
 
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "tools/console/json.h"
 
 namespace quill::inspect {
 
@@ -16,7 +17,7 @@ namespace quill::inspect {
 //     "loaded"      whether it could be loaded into this program; "descriptor" and "table" follow
 //     "problems"    what is not as hosts rely on it, each line beginning with the thing
 // Throws Failure when the file cannot be read or is no ELF file. What cannot be found out is null.
-nlohmann::ordered_json InspectModule(const std::string& path);
+console::Json InspectModule(const std::string& path);
 
 }  // namespace quill::inspect
 

@@ -19,7 +19,8 @@
 namespace quill::inspect {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
+using console::JsonText;
 
 // A module that hangs gets its verdict within ten seconds.
 constexpr std::chrono::seconds kPatience(5);
@@ -151,19 +152,15 @@ Json NotLoaded(const std::string& why) {
             {"problems", Json::array({"load: " + why})}};
 }
 
-std::string Dump(const Json& report) {
-    return report.dump(-1, ' ', true, Json::error_handler_t::replace);
-}
-
 // In the child. What the module prints while it is loaded is of no interest here.
 void Describe(const std::string& path, host::Channel& channel) {
     const console::Descriptor nowhere = console::UnnamedFile();
     dup2(nowhere.get(), STDOUT_FILENO);
     try {
         const host::Library library(path);
-        channel.Write(Dump(ModuleReader(library).Read()));
+        channel.Write(JsonText(ModuleReader(library).Read()));
     } catch (const console::Failure& failure) {
-        channel.Write(Dump(NotLoaded(failure.what())));
+        channel.Write(JsonText(NotLoaded(failure.what())));
     }
 }
 
@@ -172,7 +169,7 @@ void Describe(const std::string& path, host::Channel& channel) {
 Json DescribeLoadedModule(const std::string& path) {
     const host::IsolatedEnd end =
         host::RunIsolated([&path](host::Channel& channel) { Describe(path, channel); }, kPatience);
-    Json report = Json::parse(end.written, nullptr, false);
+    Json report = console::ParseJson(end.written);
     if (report.is_discarded()) {
         return NotLoaded("the module " + host::DescribeEnd(end) +
                          " while it was loaded and its descriptor was read");

@@ -2,8 +2,9 @@
 #ifndef TOOLS_INSPECT_LOADED_MODULE_H_
 #define TOOLS_INSPECT_LOADED_MODULE_H_
 
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "tools/console/json.h"
 
 namespace quill::inspect {
 
@@ -13,7 +14,7 @@ namespace quill::inspect {
 //     "problems":   a list of lines, each beginning with the thing that is not as hosts rely on it.
 // A module that cannot be loaded has "loaded" false and says why in its problems; so does one that
 // crashes or hangs.
-nlohmann::ordered_json DescribeLoadedModule(const std::string& path);
+console::Json DescribeLoadedModule(const std::string& path);
 
 }  // namespace quill::inspect
 

@@ -3,27 +3,23 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "support/notation.h"
 #include "tools/console/escape.h"
+#include "tools/console/json.h"
 #include "tools/console/text.h"
 
 namespace quill::replay {
 namespace {
 
-using OrderedJson = nlohmann::ordered_json;
+using OrderedJson = console::Json;
+using console::JsonLine;
 
 constexpr std::size_t kMostLines = 5;  // of a difference
 constexpr std::size_t kLongestLine = 200;
 
 std::string Counted(std::size_t count, const char* what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
-std::string JsonLine(const OrderedJson& object) {
-    constexpr bool kAsciiOnly = true;
-    return object.dump(-1, ' ', kAsciiOnly, OrderedJson::error_handler_t::replace) + "\n";
 }
 
 std::string TextLine(const std::string& text) {
@@ -150,7 +146,7 @@ std::string BrokenPlace(const Session& session, const Verdict& verdict) {
 
 }  // namespace
 
-nlohmann::ordered_json InJson(const Session& session, const Call& call) {
+OrderedJson InJson(const Session& session, const Call& call) {
     OrderedJson object = {{"call", call.number},
                           {"line", call.line},
                           {"us", call.us},

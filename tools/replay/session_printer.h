@@ -2,9 +2,9 @@
 #ifndef TOOLS_REPLAY_SESSION_PRINTER_H_
 #define TOOLS_REPLAY_SESSION_PRINTER_H_
 
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "tools/console/json.h"
 #include "tools/replay/replay_run.h"
 #include "tools/replay/session.h"
 
@@ -18,7 +18,7 @@ std::string ShowAsText(const Session& session);
 // one with "mistake", at the end one with the sums.
 std::string ShowAsJson(const Session& session);
 // The object of one call.
-nlohmann::ordered_json InJson(const Session& session, const Call& call);
+console::Json InJson(const Session& session, const Call& call);
 
 // How far it came out as recorded, and the first difference.
 std::string FormatAsText(const Session& session, const Verdict& verdict);

@@ -22,6 +22,10 @@ Json Shortened(const Json& value) {
 
 }  // namespace
 
+std::size_t SizeOf(const Json& value) {
+    return console::JsonText(value, console::Letters::kAll).size();
+}
+
 void Columns::Add(const Json& object) {
     for (const auto& [key, value] : object.items()) {
         Column& column = columns_[key];
@@ -40,7 +44,7 @@ Json Columns::Pack(std::size_t most) const {
     std::size_t count = std::min(size_, most / kLeastOfRow);
     for (;;) {
         Json packed = PackFirst(count);
-        const std::size_t bytes = packed.dump().size();
+        const std::size_t bytes = SizeOf(packed);
         if (bytes <= most || count == 0) {
             return packed;
         }

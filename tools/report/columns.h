@@ -4,13 +4,17 @@
 
 #include <cstddef>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "tools/console/json.h"
+
 namespace quill::report {
 
-using Json = nlohmann::ordered_json;
+using console::Json;
+
+// How many bytes of the page a value takes.
+std::size_t SizeOf(const Json& value);
 
 // Objects of one kind, each with about the same keys: the names of the keys and what repeats are
 // written once. model.js makes the same objects of it again, but for a key that one of them lacks,

@@ -26,7 +26,7 @@ Json CueAsJson(const support::CueRecord& cue) {
     node.u1Size = static_cast<std::uint8_t>(cue.size);
     node.eTextAlign = cue.text_align;
     node.eVertical = cue.vertical;
-    return Json::parse(cues::FormatAsJson(node, 0));
+    return console::ParseJson(cues::FormatAsJson(node, 0));
 }
 
 // What tells cues apart: the whole record, or what of it the video time does not change.
@@ -36,7 +36,7 @@ std::string KeyOf(Json cue, bool with_times) {
         cue.erase("dStartTime");
         cue.erase("dEndTime");
     }
-    return cue.dump();
+    return console::JsonText(cue);
 }
 
 }  // namespace

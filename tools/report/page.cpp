@@ -8,7 +8,7 @@ namespace {
 // In UTF-8. What could end the block of data, or begin a comment in it, has no bracket any more,
 // and what is no letter for a script has its number.
 std::string ForMarkup(const Json& data) {
-    const std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const std::string text = console::JsonText(data, console::Letters::kAll);
     std::string safe;
     safe.reserve(text.size() + text.size() / 16);
     for (std::size_t index = 0; index < text.size(); ++index) {

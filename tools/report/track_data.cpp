@@ -35,7 +35,7 @@ std::size_t BytesFor(std::size_t track_size) {
 class CueList : public host::CueSink {
   public:
     void Add(const WebvttCueNode& cue) override {
-        cues.push_back(Json::parse(cues::FormatAsJson(cue, cues.size() + 1)));
+        cues.push_back(console::ParseJson(cues::FormatAsJson(cue, cues.size() + 1)));
     }
     void Flush() override {}
 
@@ -53,7 +53,7 @@ class CheckLines {
     void Read(std::string_view lines) {
         while (!lines.empty()) {
             const std::size_t end = lines.find('\n');
-            Take(Json::parse(lines.substr(0, end)));
+            Take(console::ParseJson(lines.substr(0, end)));
             lines.remove_prefix(end + 1);
         }
     }
@@ -154,12 +154,12 @@ Json PutTogether(const TrackBytes& track, const std::string& module_path,
     // Whatever comes first leaves something for what follows.
     const std::size_t most = BytesFor(track.bytes.size());
     Json findings = lines.findings.Pack(most / 4);
-    const std::size_t without_findings = most - findings.dump().size();
+    const std::size_t without_findings = most - SizeOf(findings);
     Json blocks = lines.blocks.Pack(without_findings / 2);
-    Json packed_cues = cues.Pack(without_findings - blocks.dump().size());
+    Json packed_cues = cues.Pack(without_findings - SizeOf(blocks));
     Json codes = Json::array();
     for (const std::string& number : lines.codes) {
-        codes.push_back(Json::parse(report.Format(*check::FindCode(number))));
+        codes.push_back(console::ParseJson(report.Format(*check::FindCode(number))));
     }
     return {{"name", track.name},
             {"module", module_path},
