@@ -110,13 +110,12 @@ class Suite(Conforming):
     def test_progress(self):
         # The case hangs for longer than the second in which nothing is shown.
         ours, theirs = os.openpty()
-        self.addCleanup(os.close, ours)
-        result = self.quill("conform", fixture("broken"), "--failed-only", "--timeout", "2",
-                            "--only", "markup/mark-references", "--only", "markup/space-reference",
-                            env=broken("hang"), stderr=theirs)
-        os.close(theirs)
-        shown = os.read(ours, 1000)
         wipe = b"\r\x1b[K"
+        with os.fdopen(ours, "rb", buffering=0) as ours, os.fdopen(theirs, "wb") as theirs:
+            result = self.quill("conform", fixture("broken"), "--failed-only", "--timeout", "2",
+                                "--only", "markup/mark-references", "--only",
+                                "markup/space-reference", env=broken("hang"), stderr=theirs)
+            shown = self.read_until(ours, b"2 of 2 cases" + wipe)
         self.assertEqual(shown, wipe + b"1 of 2 cases" + wipe + wipe + b"2 of 2 cases" + wipe)
         self.assertTrue(result.out.endswith(b"2 cases: 1 passed, 1 hung\n"))
 

@@ -22,7 +22,7 @@ Json Shortened(const Json& value) {
 
 }  // namespace
 
-std::size_t SizeOf(const Json& value) {
+std::size_t BytesOf(const Json& value) {
     return console::JsonText(value, console::Letters::kAll).size();
 }
 
@@ -44,7 +44,7 @@ Json Columns::Pack(std::size_t most) const {
     std::size_t count = std::min(size_, most / kLeastOfRow);
     for (;;) {
         Json packed = PackFirst(count);
-        const std::size_t bytes = SizeOf(packed);
+        const std::size_t bytes = BytesOf(packed);
         if (bytes <= most || count == 0) {
             return packed;
         }

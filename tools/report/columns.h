@@ -14,7 +14,7 @@ namespace quill::report {
 using console::Json;
 
 // How many bytes of the page a value takes.
-std::size_t SizeOf(const Json& value);
+std::size_t BytesOf(const Json& value);
 
 // Objects of one kind, each with about the same keys: the names of the keys and what repeats are
 // written once. model.js makes the same objects of it again, but for a key that one of them lacks,

@@ -154,9 +154,9 @@ Json PutTogether(const TrackBytes& track, const std::string& module_path,
     // Whatever comes first leaves something for what follows.
     const std::size_t most = BytesFor(track.bytes.size());
     Json findings = lines.findings.Pack(most / 4);
-    const std::size_t without_findings = most - SizeOf(findings);
+    const std::size_t without_findings = most - BytesOf(findings);
     Json blocks = lines.blocks.Pack(without_findings / 2);
-    Json packed_cues = cues.Pack(without_findings - SizeOf(blocks));
+    Json packed_cues = cues.Pack(without_findings - BytesOf(blocks));
     Json codes = Json::array();
     for (const std::string& number : lines.codes) {
         codes.push_back(console::ParseJson(report.Format(*check::FindCode(number))));
