@@ -20,20 +20,11 @@ class ByteFinder {
     explicit ByteFinder(char wanted) : m_wanted(wanted) {}
 
     /// Starts on a new chunk, which may be empty. Nothing is looked for before it is asked for.
-    void start() {
-        m_found = nullptr;
-#ifndef NDEBUG
-        m_from = nullptr;
-#endif
-    }
+    void start() { m_found = nullptr; }
 
     /// The first occurrence in [from, end), or end. From start on, end stays the same and from
     /// never goes back.
     const char* find(const char* from, const char* end) {
-#ifndef NDEBUG
-        assert(from >= m_from);
-        m_from = from;
-#endif
         if (m_found < from) {
             m_found = find_byte(from, end, m_wanted);
         }
@@ -44,9 +35,6 @@ class ByteFinder {
   private:
     char m_wanted;
     const char* m_found = nullptr;
-#ifndef NDEBUG
-    const char* m_from = nullptr;  // of the last search
-#endif
 };
 
 }  // namespace webvtt
