@@ -273,15 +273,18 @@ class Logs(SessionTest):
         for log, words in ((whole.replace(b'"shown"', b'"hidden"'), "recorded with the text hidden"),
                            (whole[:-5], "cut off in its last line"),
                            (whole + b'{"stopped": "limit"}\n', "stopped at the limit of its size"),
-                           (whole.replace(b'"One', b'"Uno'), "1 cue of the host stand"),
+                           (whole, "Found nowhere in the track, as this module reads it: 1 cue"),
                            (whole, None)):
             # The text that is delivered, and not that which is fed.
-            if words and "stand" in words:
+            if words and "Found" in words:
                 log = whole.replace(b'"pcText": "One', b'"pcText": "Uno')
             self.open_log(log)
             self.assertEqual(len(self.notes()), 1 if words else 0, words)
             if words:
                 self.assertIn(words, self.notes()[0])
+            if words and "Found" in words:
+                self.go("#C4")
+                self.assertIn("Found nowhere in the track: 1 cue.", self.text("#call"))
         self.assertIn("guard 0.1.0", self.text("#session dl"))
 
     def test_nothing_was_fed(self):

@@ -177,7 +177,7 @@ export class Session {
      */
     #guessClock(track) {
         const [first] = this.chunksOf(track);
-        const began = Math.min(...[...this.#chunks.values()].map(([call]) => call.us));
+        const began = this.calls.find(({ chunk }) => chunk)?.us ?? 0;
         this.#clocks.set(track, { began, film: 0 });
         const start = track.cues.find((entry) => Number.isFinite(entry.start))?.start ?? 0;
         if (!first || start < this.filmAt(track, first.us) - FRAME) {

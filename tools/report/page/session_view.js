@@ -21,7 +21,7 @@ function notesOn(session, track) {
             `The last ${session.leftOut.toLocaleString('en')} calls are left out here; quill replay --show prints all.`,
         track.parser === 0 && 'No parser was fed anything: there is no track to show.',
         track.strays > 0 &&
-            `${count(track.strays, 'cue')} of the host stand nowhere in the track as this module reads it.`,
+            `Found nowhere in the track, as this module reads it: ${count(track.strays, 'cue')} of the host.`,
     ].filter(Boolean);
 }
 
@@ -145,9 +145,15 @@ function deliveryParts(session, track, call) {
         return [element('p', {}, `${said}.`)];
     }
     const late = (entry) => ` – ${inWords(session.lateness(track, entry))}`;
+    const strays = call.cues - call.delivered.length;
+    const others =
+        strays > 0
+            ? [element('p', {}, `Found nowhere in the track: ${count(strays, 'cue')}.`)]
+            : [];
     return [
         element('p', {}, `${said}, ${secondsOf(call.delivered_us)} s after the session began:`),
         cueLinks(track, call.delivered, late),
+        ...others,
     ];
 }
 
