@@ -35,8 +35,11 @@ Json After(const replay::Call& call, std::optional<std::uint64_t> us) {
     return us ? Json(static_cast<std::int64_t>(*us - call.us)) : Json(nullptr);
 }
 
-Json ForPage(const replay::Session& session, const replay::Call& call) {
+// `before` is the call before it in the log.
+Json ForPage(const replay::Session& session, const replay::Call& call, const replay::Call& before) {
     Json object = replay::InJson(session, call);
+    object["call"] = std::int64_t{call.number} - before.number;
+    object["us"] = static_cast<std::int64_t>(call.us - before.us);
     for (const char* const elsewhere : {"line", "bytes", "mistakes", "deliveries", "ended_us"}) {
         object.erase(elsewhere);
     }
@@ -64,8 +67,11 @@ Json MakeSessionData(const replay::Session& session) {
     const auto add = [&mistakes](const replay::Mistake& mistake) {
         mistakes.Add({{"call", mistake.call}, {"code", mistake.code}, {"text", mistake.text}});
     };
+    const replay::Call none;
+    const replay::Call* before = &none;
     for (const replay::Call& call : session.calls) {
-        calls.Add(ForPage(session, call));
+        calls.Add(ForPage(session, call, *before));
+        before = &call;
         for (const replay::Mistake& mistake : call.mistakes) {
             add(mistake);
         }

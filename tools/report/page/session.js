@@ -86,6 +86,15 @@ function lastLine(outcome) {
     return /^(= |throws )/.test(last) ? last : '';
 }
 
+/** Numbers and times count from the call before. */
+function addUp(rows) {
+    rows.forEach((row, at) => {
+        row.call += rows[at - 1]?.call ?? 0;
+        row.us += rows[at - 1]?.us ?? 0;
+    });
+    return rows;
+}
+
 export class Session {
     #calls = new Map();
     #chunks = new Map(); // of each parser, the calls that fed it something
@@ -93,7 +102,7 @@ export class Session {
 
     constructor(data, tracks) {
         Object.assign(this, data);
-        this.calls = unpack(data.calls).map((row, index) => new Call(row, index));
+        this.calls = addUp(unpack(data.calls)).map((row, index) => new Call(row, index));
         for (const call of this.calls) {
             this.#calls.set(call.call, call);
             this.#addChunk(call);
