@@ -12,8 +12,8 @@ from faults import apply
 
 MODULE = "quillcaption.so"
 UNIT_TESTS = "tests/unit/unit_tests"
-MEMORY_TESTS = "tests/unit/memory_tests"
-PRODUCTS = (MODULE, UNIT_TESTS, MEMORY_TESTS)  # what the sources are linked into
+# What the sources are linked into.
+PRODUCTS = (MODULE, UNIT_TESTS, "tests/unit/memory_tests", "tests/unit/arena_tests")
 NOT_COPIED = shutil.ignore_patterns("build", ".git", "__pycache__")
 # Read by one file only, into which it puts an object of its own.
 NOT_PRECOMPILED = {"iostream"}
@@ -39,12 +39,19 @@ def configure(tree, folder, options):
          f"-DPython3_EXECUTABLE={sys.executable}", *options)
 
 
+def standard_headers(sources):
+    """A file that includes what the sources include of the standard library."""
+    names = {name for path in sources.rglob("*.[ch]*")
+             for name in re.findall(r"^#include <(\w+)>$", path.read_text("utf-8"), re.MULTILINE)}
+    return "".join(f"#include <{name}>\n" for name in sorted(names - NOT_PRECOMPILED))
+
+
 class Build:
     """A build folder without any fault. Nothing in it changes once it is made."""
 
     def __init__(self, tree, folder, options=()):
         self.tree, self.folder, self.options = tree, folder, list(options)
-        self.compile, self.link, self.read_by = {}, {}, {}
+        self.compile, self.link, self.read_by, self.left_out = {}, {}, {}, {}
 
     def make(self, jobs, targets):
         configure(self.tree, self.folder, self.options)
@@ -59,6 +66,9 @@ class Build:
             made = words[words.index("-o") + 1]
             if made in linked:
                 self.compile[made] = words
+        # The linker takes out of an archive what is needed: see not_for.
+        must("ar", "--thin", "-crs", self.folder / "sources.a",
+             *(self.folder / word for word in sorted(self.sources())))
         self.read_dependencies()
         self.precompile()
 
@@ -76,11 +86,8 @@ class Build:
 
     def precompile(self):
         """The standard headers that the sources include, read once instead of once a fault."""
-        names = {name for path in (self.tree / "src").rglob("*.[ch]*")
-                 for name in re.findall(r"^#include <(\w+)>$", path.read_text("utf-8"), re.M)}
         header = self.folder / "standard.h"
-        header.write_text("".join(f"#include <{name}>\n" for name in sorted(names - NOT_PRECOMPILED)),
-                          "utf-8")
+        header.write_text(standard_headers(self.tree / "src"), "utf-8")
         words = next(words for made, words in self.compile.items() if made.startswith("src/"))
         words = words[:words.index("-o")]
         must(*words, "-x", "c++-header", "-o", f"{header}.gch", header)
@@ -88,9 +95,27 @@ class Build:
             if made.startswith("src/"):
                 words[words.index("-o"):words.index("-o")] = ["-include", str(header)]
 
+    def sources(self):
+        """The objects of src/."""
+        return {word for word in self.link[UNIT_TESTS] if word.startswith("src/")}
+
     def unit_tests(self):
         """The objects that are tests of classes and nothing else."""
-        return [word for word in self.link[UNIT_TESTS] if word.endswith("_test.cpp.o")]
+        return {word for word in self.link[UNIT_TESTS] if word.endswith("_test.cpp.o")}
+
+    def not_for(self, tests):
+        """The objects of the program of unit tests that some of its tests do without."""
+        key = frozenset(tests)
+        if key not in self.left_out:
+            others = self.unit_tests() - key
+            sources = self.sources()
+            words = [word for word in self.link[UNIT_TESTS] if word not in others | sources]
+            words[words.index("-o") + 1] = str(self.folder / "needed")
+            taken = subprocess.run([*words, "sources.a", "-Wl,--trace"], cwd=self.folder, text=True,
+                                   capture_output=True).stdout
+            needed = {word for word in sources if re.search(rf"\b{re.escape(word)}\b", taken)}
+            self.left_out[key] = frozenset(others | (sources - needed))
+        return self.left_out[key]
 
 
 class Trial:
@@ -147,7 +172,7 @@ class Trial:
         return self.runs(words)
 
     def make_otherwise(self, name):
-        """For a file that no compiler reads, such as the export map: the module from another tree."""
+        """For a file that no compiler reads, such as the export map: another tree's module."""
         if name != MODULE:
             return self.build.folder / name
         tree, folder = self.folder / "tree", self.folder / "build"

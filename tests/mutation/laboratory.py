@@ -23,7 +23,7 @@ class Laboratory:
         self.lock = threading.Lock()
 
     def prepare(self):
-        shutil.rmtree(self.folder, ignore_errors=True)
+        shutil.rmtree(self.tree, ignore_errors=True)
         shutil.copytree(self.root, self.tree, ignore=NOT_COPIED)
         self.ready(self.plain)
 
@@ -49,6 +49,8 @@ class Laboratory:
     def first_to_notice(self, trial):
         for test, without in self.in_order(trial):
             product = trial.product(test.product, without)
+            if product is None and without:
+                continue  # the fault may need more of the sources
             if product is None:
                 return "the compiler"
             noticed = test.notices(product)
@@ -58,12 +60,11 @@ class Laboratory:
 
     def in_order(self, trial):
         """The tests, each with the objects that its program is linked without."""
-        build, tests = trial.build, self.tests[trial.build]
-        all_units = set(build.unit_tests())
-        near = set(near_tests(build, trial.fault.file))
+        tests = self.tests[trial.build]
+        near = near_tests(trial.build, trial.fault.file)
         if near:
             units = next(test for test in tests if test.product == UNIT_TESTS)
-            yield units, frozenset(all_units - near)
+            yield units, trial.build.not_for(near)
         # To compile many tests of classes takes longer than to run all that needs the module only.
         modules_first = len(trial.touched(UNIT_TESTS)) > len(trial.touched(MODULE)) + FEW
         for test in sorted(tests, key=lambda test: (

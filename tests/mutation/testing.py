@@ -11,14 +11,13 @@ import subprocess
 import tempfile
 import time
 
-from building import MEMORY_TESTS, MODULE, UNIT_TESTS, must
+from building import MODULE, PRODUCTS, must
 
-KEPT = re.compile(r"^(unit_tests|memory_tests|host_\w+|contract\.(plain_\w+|binary)"
-                  r"|model\.(compare|samples)|examples\.host)$")
+KEPT = re.compile(r"^(unit_tests|memory_tests|arena_tests|host_(?!case_thorough)\w+"
+                  r"|contract\.(plain_\w+|binary)|model\.(compare|samples|failing)|examples\.host)$")
 # What these tests need, in the words of the build.
-TARGETS = ("quillcaption", "unit_tests", "memory_tests", "tests/host/all", "script_player",
+TARGETS = ("quillcaption", "tests/unit/all", "tests/host/all", "script_player", "failing_player",
            "examples/all", "tests/examples/all")
-MODEL_SCRIPTS = "2000"
 SLOW = 0.1  # seconds that a quick case does not take
 ADDRESS_SPACE = 3 << 30  # a fault may make a test eat all memory
 
@@ -37,44 +36,25 @@ class Test:
         self.took = []  # by the cases of a GoogleTest program that passed, in seconds
         self.filter = ""  # the cases of a GoogleTest program, if not all
         # A program that has the sources in it, or the module.
-        self.product = next((product for product in (UNIT_TESTS, MEMORY_TESTS)
+        self.product = next((product for product in PRODUCTS
                              if command[0] == str(build.folder / product)), MODULE)
 
-    def cases(self):
-        """The names of a GoogleTest program's cases, those that differ in a parameter only under one
-        name; of another test, one empty name."""
-        if len(self.command) > 1:
-            return [""]
-        names, suite = [], ""
-        for line in must(*self.command, "--gtest_list_tests").splitlines():
-            name = line.partition("#")[0].rstrip()
-            if name.endswith(".") and not name[0].isspace():
-                suite = name
-            elif suite:
-                names.append(re.sub(r"/[^/]*$", "/*", suite + name.strip()))
-        return list(dict.fromkeys(names))
-
-    def notices(self, product, cases=(), also=(), seconds=None):
-        """What failed with this product, in words, or None when the test passes.
-
-        Only these cases of a GoogleTest program, if there are any; with these variables besides;
-        and seconds is what it takes without a fault."""
-        seconds = self.seconds if seconds is None else seconds
+    def notices(self, product):
+        """What failed with this product, in words, or None when the test passes."""
         original = str(self.build.folder / self.product)
         command = [str(product) if word == original else word for word in self.command]
         environment = {**os.environ, "GTEST_FAIL_FAST": "1", "PYTHONDONTWRITEBYTECODE": "1",
-                       **self.environment, **dict(also)}
-        if any(cases) or self.filter:
-            environment["GTEST_FILTER"] = ":".join(cases) or self.filter
+                       **self.environment}
+        if self.filter:
+            environment["GTEST_FILTER"] = self.filter
         if self.product == MODULE:
             environment["QUILLCAPTION_MODULE"] = str(product)
         with tempfile.TemporaryFile() as output:
             with subprocess.Popen(command, cwd=self.folder, env=environment,
                                   stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                                  preexec_fn=lambda: self.limit(seconds),
-                                  start_new_session=True) as process:
+                                  preexec_fn=self.limit, start_new_session=True) as process:
                 try:
-                    code = process.wait(60 + 30 * seconds)
+                    code = process.wait(60 + 30 * self.seconds)
                 except subprocess.TimeoutExpired:
                     code = -signal.SIGXCPU
                 finally:
@@ -82,8 +62,8 @@ class Test:
             output.seek(0)
             return self.verdict(code, output.read().decode("utf-8", "replace"))
 
-    def limit(self, seconds):
-        processor = int(3 + 5 * seconds)
+    def limit(self):
+        processor = int(3 + 5 * self.seconds)
         resource.setrlimit(resource.RLIMIT_CPU, (processor, processor))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
         if not self.build.options:  # a sanitizer reserves all there is
@@ -94,9 +74,9 @@ class Test:
             self.took = [(case, int(time) / 1000) for case, time in
                          re.findall(r"^\[       OK \] ([^\s,]+).* \((\d+) ms\)$", output, re.MULTILINE)]
             return None
-        case = re.search(r"^\[  FAILED  \] (\S+)|^\[ RUN      \] (\S+)(?![\s\S]*\[ RUN )", output,
-                         re.MULTILINE)
-        detail = (case[1] or case[2]).rstrip(",") if case else ""
+        cases = (re.findall(r"^\[  FAILED  \] ([^\s,]+)", output, re.MULTILINE)
+                 or re.findall(r"^\[ RUN      \] (\S+)", output, re.MULTILINE)[-1:])
+        detail = cases[0] if cases else ""
         if code in (-signal.SIGXCPU, -signal.SIGKILL):
             detail += " (it did not end)"
         elif code < 0:
@@ -119,7 +99,10 @@ def find_tests(build, scripts):
         if "command" not in entry or not KEPT.match(entry["name"]):
             continue
         properties = {item["name"]: item["value"] for item in entry.get("properties", [])}
-        command = [str(scripts) if word == MODEL_SCRIPTS else word for word in entry["command"]]
+        command = list(entry["command"])
+        if "--count" in command:
+            count = command.index("--count") + 1
+            command[count] = str(min(int(command[count]), scripts))
         environment = dict(item.split("=", 1) for item in properties.get("ENVIRONMENT", []))
         if "QUILLCAPTION_INSTRUMENTED" in environment:
             # Without optimisation the module asks for more than the product may.
@@ -165,7 +148,7 @@ def near_tests(build, file):
     """The tests of classes whose names have most of their first letters in common with a file's."""
     stem = pathlib.Path(file).stem
     common = {made: len(os.path.commonprefix([stem, pathlib.Path(made).name]))
-              for made in build.unit_tests()}
+              for made in sorted(build.unit_tests())}
     longest = max(common.values())
     if longest < min(len(stem), 4):
         return []
