@@ -23,7 +23,8 @@ int WebVTTParser::ersltParseMetadataHeader() {
             if (!fgCollectLine(&collected)) {
                 break;
             }
-        } catch (const std::bad_alloc&) {  // of ours or, where even its text has no room, another
+        } catch (const std::bad_alloc&) {
+            // Of ours or, where even its text has no room, the standard one.
             return WEBVTT_RESULT_ERROR;
         }
         const std::unique_ptr<char[]> line(collected);
