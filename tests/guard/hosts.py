@@ -2,7 +2,8 @@
 
 GUARD the guard's file, GUARD_SOURCE the top folder, GUARD_MISTAKES the folder of the built hosts of
 examples/mistakes, GUARD_EMULATOR what runs programs of the target, if anything, GUARD_SANITIZE the
-sanitizers of the build, if any. What a test needs besides, it names itself.
+sanitizers of the build, if any, GUARD_COUNTS 1 where lines are counted. What a test needs besides, it
+names itself.
 """
 
 import os
