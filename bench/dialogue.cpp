@@ -1,18 +1,21 @@
 // Dialogue through the module, beside two limits on the same text:
 //
 //   dialogue [--style NAME] [--size BYTES]...   times, as a table
+//   dialogue --time STYLE:SUBJECT... [--size BYTES]
+//                                               nanoseconds a byte of each, a line each
 //   dialogue --print [--style NAME] [--size BYTES]
 //                                               the track itself
 //   dialogue --only SUBJECT [--style NAME] [--size BYTES] [--passes N]
 //                                               one subject, for an instruction counter
 //
 // A subject is "scan", "copy" (scan_limits.h), or a chunk size for the module. Styles are those of
-// track_generator.h.
+// track_generator.h. Times are the processor's, and the best of many passes.
 #include <getopt.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
+#include <ctime>
+#include <deque>
 #include <limits>
 #include <string>
 #include <vector>
@@ -27,7 +30,6 @@ namespace {
 
 constexpr std::size_t kChunkSizes[] = {65536, 1460};  // a file's buffer, a network packet
 constexpr std::size_t kDefaultSize = 1000000;
-constexpr double kSecondsPerSubject = 2.0;
 constexpr unsigned kFewestPasses = 5;
 
 struct Subject {
@@ -67,16 +69,22 @@ Subject make_subject(const std::string& name, const support::Methods& module, co
     return {name, [&module, &track, chunk_size] { play(module, track, chunk_size); }};
 }
 
+double processor_seconds() {
+    timespec now = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
 double seconds_of(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processor_seconds();
     bench_measured(work, 1);
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return processor_seconds() - start;
 }
 
 /// In turns, so that a machine that is busy for a while slows all of them; the best pass counts.
-void take_times(std::vector<Subject>& subjects) {
+void take_times(std::vector<Subject>& subjects, double seconds_for_each) {
     double spent = 0.0;
-    const double allowed = kSecondsPerSubject * static_cast<double>(subjects.size());
+    const double allowed = seconds_for_each * static_cast<double>(subjects.size());
     for (unsigned pass = 0; pass < kFewestPasses || spent < allowed; ++pass) {
         for (Subject& subject : subjects) {
             const double seconds = seconds_of(subject.work);
@@ -94,7 +102,8 @@ void print_times(std::FILE* report, const support::Methods& module, const Track&
     for (const std::size_t chunk_size : kChunkSizes) {
         subjects.push_back(make_subject(std::to_string(chunk_size), module, track));
     }
-    take_times(subjects);
+    constexpr double kSecondsForEach = 2.0;
+    take_times(subjects, kSecondsForEach);
 
     const auto bytes = static_cast<double>(track.text.size());
     std::fprintf(report, "%zu bytes, %u cues of %.1f bytes\n", track.text.size(), track.cues,
@@ -109,12 +118,39 @@ void print_times(std::FILE* report, const support::Methods& module, const Track&
     }
 }
 
+int print_times_of(std::FILE* report, const support::Methods& module,
+                   const std::vector<std::string>& wanted, std::size_t size) {
+    std::deque<Track> tracks;  // which the subjects point at
+    std::vector<Subject> subjects;
+    for (const std::string& one : wanted) {
+        const std::size_t colon = std::min(one.find(':'), one.size() - 1);
+        const support::Style* const style = support::find_style(one.substr(0, colon));
+        if (style == nullptr) {
+            std::fprintf(stderr, "not a style and a subject: %s\n", one.c_str());
+            return 2;
+        }
+        tracks.emplace_back(size, *style);
+        subjects.push_back(make_subject(one.substr(colon + 1), module, tracks.back()));
+    }
+    constexpr double kSecondsForEach = 0.5;  // an ordinary test waits for it
+    take_times(subjects, kSecondsForEach);
+    for (std::size_t i = 0; i < subjects.size(); ++i) {
+        std::fprintf(report, "%s %.4f\n", wanted[i].c_str(),
+                     subjects[i].best * 1e9 / static_cast<double>(tracks[i].text.size()));
+    }
+    return 0;
+}
+
 int run(int argc, char** argv) {
-    static const option kOptions[] = {
-        {"only", required_argument, nullptr, 'o'},   {"print", no_argument, nullptr, 'w'},
-        {"style", required_argument, nullptr, 't'},  {"size", required_argument, nullptr, 's'},
-        {"passes", required_argument, nullptr, 'p'}, {}};
+    static const option kOptions[] = {{"only", required_argument, nullptr, 'o'},
+                                      {"print", no_argument, nullptr, 'w'},
+                                      {"style", required_argument, nullptr, 't'},
+                                      {"size", required_argument, nullptr, 's'},
+                                      {"passes", required_argument, nullptr, 'p'},
+                                      {"time", required_argument, nullptr, 'i'},
+                                      {}};
     std::string only;
+    std::vector<std::string> timed;
     bool prints = false;
     const support::Style* style = &support::kStyles[0];
     std::vector<std::size_t> sizes;
@@ -123,6 +159,9 @@ int run(int argc, char** argv) {
         switch (letter) {
             case 'o':
                 only = optarg;
+                break;
+            case 'i':
+                timed.emplace_back(optarg);
                 break;
             case 'w':
                 prints = true;
@@ -157,6 +196,9 @@ int run(int argc, char** argv) {
 
     std::FILE* const report = silence_standard_output();
     const support::Methods& module = load_module();
+    if (!timed.empty()) {
+        return print_times_of(report, module, timed, sizes[0]);
+    }
     if (only.empty()) {
         for (const std::size_t size : sizes) {
             print_times(report, module, Track(size, *style));

@@ -83,6 +83,15 @@ class Build:
         count, fed = self.count("dialogue", "--style", style, "--only", subject, "--size", size)
         return count / fed["bytes"], count / fed["cues"], fed
 
+    def time_dialogues(self, size):
+        """The processor time of LIMITS and DIALOGUES in one run: {name: nanoseconds a byte}. Not of
+        ARM programs, whose time under qemu is qemu's."""
+        kinds = {name: f"{style}:{subject}"
+                 for name, (style, subject) in (LIMITS | DIALOGUES).items()}
+        words = [word for kind in kinds.values() for word in ("--time", kind)]
+        times = numbers(self.play("dialogue", *words, "--size", size))
+        return {name: times[kind] for name, kind in kinds.items()}
+
     def count_bytes_of_shapes(self, divisor):
         """What a byte of each shape costs, at a part of its n: {shape: instructions}. What the
         module prints is not counted, and its calls are counted apart. i386 only."""
