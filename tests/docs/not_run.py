@@ -18,7 +18,7 @@ NOT_RUN = [
     ("scripts/empty-machine", "makes a Debian to build and test in"),
     ("fuzz/run", HOURS),
     ("scripts/setup fuzz", "installs packages"),
-    ("scripts/coverage --fuzz", BUILDS),
+    ("scripts/coverage", BUILDS),
     ("tests/mutation/run", HOURS),
     ("bench/", "the figures belong to the machine; bench.gate holds the ratios"),
     ("build/i386/quill conform --time", "the times belong to the machine; tools.conform takes them too"),
