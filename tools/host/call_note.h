@@ -17,7 +17,7 @@ enum class ModuleCall : std::uint32_t {
     kNone,  // none was made
     kLoad,
     kUnload,
-    kCreate,
+    kCreate,  // from here on as in the method table
     kRelease,
     kParse,
     kSetEventNty,

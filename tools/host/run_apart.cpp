@@ -12,6 +12,7 @@
 #include "tools/console/message.h"
 #include "tools/console/program.h"
 #include "tools/host/diagnostics_capture.h"
+#include "tools/host/module_contract.h"
 #include "tools/host/module_handle.h"
 #include "tools/host/parser_handle.h"
 #include "tools/host/track_reader.h"
@@ -22,14 +23,27 @@ namespace {
 // A call that never returns has been waited for before it is looked for.
 constexpr std::chrono::seconds kSearchLimit(2);
 
-// In the order of ModuleCall.
-constexpr const char* kDoing[] = {
-    "before any call",       "while it was loaded",
-    "while it was unloaded", "in pfnCreate",
-    "in pfnRelease",         "in pfnParse",
-    "in pfnSetEventNty",     "in pfnGetParseResult",
-    "in pfnSetVideoPTS",     "at the end of the process",
-};
+// The function of the method table that is called; null when it is none.
+const char* FunctionOf(ModuleCall call) {
+    const std::size_t slot =
+        static_cast<std::size_t>(call) - static_cast<std::size_t>(ModuleCall::kCreate);
+    return slot < kTableSlots.size() ? kTableSlots[slot].field : nullptr;
+}
+
+std::string Doing(ModuleCall call) {
+    switch (call) {
+        case ModuleCall::kNone:
+            return "before any call";
+        case ModuleCall::kLoad:
+            return "while it was loaded";
+        case ModuleCall::kUnload:
+            return "while it was unloaded";
+        default:  // a module that writes where it may not may have left any number
+            const char* const function = FunctionOf(call);
+            return function != nullptr ? std::string("in ") + function
+                                       : "at the end of the process";
+    }
+}
 
 class Nobody : public CueSink {
   public:
@@ -47,6 +61,7 @@ std::string_view FirstLine(std::string_view bytes) {
 // Feeds line by line and notes each line that begins a block before the module has it.
 void PlayBlocks(const std::string& path, const std::string& track) {
     DiagnosticsCapture capture(DiagnosticsCapture::Mode::kDrop);
+    // What was said when the module broke is not said again.
     dup2(STDOUT_FILENO, STDERR_FILENO);
     const ModuleHandle module(path);
     ParserHandle parser(module, capture);
@@ -98,9 +113,7 @@ std::uint32_t FindBlock(const CallNote& broken, const IsolatedEnd& end) {
 
 std::string DescribePlace(const CallNote& note, const IsolatedEnd& end) {
     const std::string track = note.track.Get();
-    const auto call = note.call.load();
-    if (track.empty() || call == ModuleCall::kLoad || call == ModuleCall::kUnload ||
-        call == ModuleCall::kEnd) {
+    if (track.empty() || FunctionOf(note.call) == nullptr) {
         return "";
     }
     if (!IsAboutBlocks(note)) {
@@ -164,8 +177,7 @@ std::string DescribeBreak(const CallNote& note, const IsolatedEnd& end) {
     const std::string module = note.module.Get();
     const bool has_hung = end.kind == IsolatedEnd::Kind::kTimedOut;
     const auto call = note.call.load();
-    const std::string doing =
-        kDoing[std::min(static_cast<std::size_t>(call), std::size(kDoing) - 1)];
+    const std::string doing = Doing(call);
     const std::string done = has_hung ? "hung" : DescribeEnd(end);
     std::string text = note.is_in_call() ? module + " " + done + " " + doing
                                          : "the process that drives " + module + " " + done +
