@@ -121,6 +121,19 @@ class PageTest(unittest.TestCase):
             slider, x, round(y - slider.size["height"] / 2)).click().perform()
         self.frame()
 
+    def colours(self, part, y):
+        """How many different columns of a pixel the timeline has from that part of its width on, so
+        many pixels from its top: one where it is plain, more where it has a pattern."""
+        return self.js("""
+            const canvas = document.querySelector('canvas');
+            const copy = Object.assign(document.createElement('canvas'),
+                                       {width: canvas.width, height: canvas.height});
+            const context = copy.getContext('2d', {willReadFrequently: true});
+            context.drawImage(canvas, 0, 0);
+            const [part, y] = arguments;
+            return new Set(Array.from({length: 15}, (_, at) => Array.from(context.getImageData(
+                Math.round(part * canvas.width) + at, y, 1, 1).data).join())).size;""", part, y)
+
     def press(self, element, *keys):
         for key in keys:
             element.send_keys(key)

@@ -146,17 +146,8 @@ class Timeline(PageTest):
 
     def test_lost_cues_have_a_pattern(self):
         self.open_track(("", "one"), ("line:,end", "lost"))
-        columns = self.js("""
-            const canvas = document.querySelector('canvas');
-            const copy = Object.assign(document.createElement('canvas'),
-                                       {width: canvas.width, height: canvas.height});
-            const context = copy.getContext('2d', {willReadFrequently: true});
-            context.drawImage(canvas, 0, 0);
-            const column = (part) => new Set(Array.from({length: 30}, (_, at) => Array.from(
-                context.getImageData(copy.width * part + at, 30, 1, 1).data).join()));
-            return [column(0.3).size, column(0.7).size];""")
-        self.assertEqual(columns[0], 1)
-        self.assertGreater(columns[1], 2)
+        self.assertEqual(self.colours(0.3, 30), 1)
+        self.assertGreater(self.colours(0.7, 30), 2)
 
     def test_zooms_by_keys_buttons_and_wheel(self):
         self.open(SAMPLES / "dialogue.vtt")
