@@ -49,15 +49,12 @@ if(QUILLCAPTION_SANITIZE OR NOT CMAKE_BUILD_TYPE STREQUAL "Release")
   set(QUILLCAPTION_LTO OFF)
 endif()
 
-# quillcaption_count_lines(target...): has the targets count which of their lines run, if that is asked
-# for. What is optimised has other lines. Code of other people's headers is not counted: that would be
-# most of what every run of quill has to add up and write.
-function(quillcaption_count_lines)
+# quillcaption_count_own_lines(target...): where lines are counted, the targets count none of other
+# people's headers, which would be most of what every run of quill has to add up and write.
+function(quillcaption_count_own_lines)
   if(QUILL_COUNT_LINES)
     foreach(target ${ARGN})
-      target_compile_options(${target} PRIVATE -O0 --coverage -fprofile-abs-path
-        -fprofile-update=prefer-atomic "-fprofile-filter-files=/(tools|guard|support)/")
-      target_link_options(${target} PUBLIC --coverage)
+      target_compile_options(${target} PRIVATE "-fprofile-filter-files=/(tools|guard|support)/")
     endforeach()
   endif()
 endfunction()
