@@ -178,7 +178,7 @@ Outcome PayloadReader::read_token() {
         case Cue::TOKEN_TIMESTAMP:
             read_timestamp(token.strResult.text);
             break;
-        default:  // a list of classes that a line feed ended
+        default:  // a list of classes that a line feed ended; text, where it is not read in place
             if constexpr (!kFastPaths) {
                 if (m_rest.front() != '<') {
                     m_sink.vText(token.strResult.text);
