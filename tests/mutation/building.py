@@ -53,6 +53,9 @@ class Build:
         self.tree, self.folder, self.options = tree, folder, list(options)
         self.compile, self.link, self.read_by, self.left_out = {}, {}, {}, {}
 
+    def is_sanitized(self):
+        return any("SANITIZE" in option for option in self.options)
+
     def make(self, jobs, targets):
         configure(self.tree, self.folder, self.options)
         must("ninja", "-C", self.folder, "-j", str(jobs), *targets)

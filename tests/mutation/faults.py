@@ -1,4 +1,4 @@
-"""Reads the list of faults and holds it to the sources."""
+"""Faults: those of the list, which is held to the sources, and those that are drawn."""
 
 import pathlib
 import tomllib
@@ -6,17 +6,25 @@ from dataclasses import dataclass
 
 
 class FaultError(Exception):
-    """The list does not fit the sources."""
+    """A list does not fit the sources."""
 
 
 @dataclass(frozen=True)
 class Fault:
     number: int
     file: str  # from src/
-    old: str  # occurs exactly once in the file
+    old: str  # occurs exactly once in the file, unless the fault says where
     new: str
     why: str
     seen_by: str  # "tests", or "sanitizer" or "compiler" when only that can see it
+    # Of those that are drawn:
+    at: int | None = None  # where old begins in the file
+    line: int = 0
+    span: tuple = ()  # of the expression or statement that the fault changes
+    form: str = ""  # "expression" or "statement": it can be chosen when a test is started
+    kind: str = ""
+    before: str = ""  # the changed lines, white space apart, as they are
+    after: str = ""
 
 
 SEEN_BY = ("tests", "sanitizer", "compiler")
@@ -24,7 +32,10 @@ FIELDS = {"file", "old", "new", "why", "seen_by"}
 
 
 def describe(fault):
-    return f"{fault.number:3}  {fault.file}: {fault.why}"
+    if fault.at is None:
+        return f"{fault.number:3}  {fault.file}: {fault.why}"
+    return (f"{fault.number}  {fault.file}:{fault.line}: {fault.kind}\n"
+            f"        - {fault.before}\n        + {fault.after}")
 
 
 def read_faults(path, sources):
@@ -51,6 +62,32 @@ def make_fault(number, entry):
     return fault
 
 
+def make_drawn(number, file, text, place):
+    kind, span, at, old, new, form, line = place
+    begin = text.rfind("\n", 0, at) + 1
+    end = text.find("\n", at + len(old))
+    before = text[begin:end]
+    after = text[begin:at] + new + text[at + len(old):end]
+    return Fault(number, file, old, new, kind, "tests", at, line, span, form, kind,
+                 " ".join(before.split()), " ".join(after.split()))
+
+
+def read_equivalent(path, places):
+    """The faults, among all that can be drawn, that change nothing, each with the reason."""
+    reasons = {}
+    for entry in tomllib.loads(pathlib.Path(path).read_text("utf-8")).get("equivalent", []):
+        if entry.keys() != {"file", "before", "after", "why"} or not entry["why"]:
+            raise FaultError(f"{path.name}: an entry has the fields file, before, after and why: {entry}")
+        found = [fault for fault in places
+                 if (fault.file, fault.before, fault.after)
+                 == (entry["file"], entry["before"], entry["after"])]
+        if not found:
+            raise FaultError(f"{path.name}: no fault that can be drawn in src/{entry['file']} is\n"
+                             f"- {entry['before']}\n+ {entry['after']}")
+        reasons.update({fault.number: entry["why"] for fault in found})
+    return reasons
+
+
 def read_source(sources, name):
     try:
         return (sources / name).read_text("utf-8")
@@ -60,6 +97,8 @@ def read_source(sources, name):
 
 def apply(fault, text):
     """The text with the fault in it."""
+    if fault.at is not None:
+        return text[:fault.at] + fault.new + text[fault.at + len(fault.old):]
     found = text.count(fault.old)
     if found != 1:
         raise FaultError(f"fault {fault.number}: its text occurs {found} times in src/{fault.file}"

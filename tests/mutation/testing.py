@@ -39,22 +39,41 @@ class Test:
         self.product = next((product for product in PRODUCTS
                              if command[0] == str(build.folder / product)), MODULE)
 
-    def notices(self, product):
-        """What failed with this product, in words, or None when the test passes."""
+    def cases(self):
+        """The names of a GoogleTest program's cases, those that differ in a parameter only under one
+        name; of another test, one empty name."""
+        if len(self.command) > 1:
+            return [""]
+        names, suite = [], ""
+        for line in must(*self.command, "--gtest_list_tests").splitlines():
+            name = line.partition("#")[0].rstrip()
+            if name.endswith(".") and not name[0].isspace():
+                suite = name
+            elif suite:
+                names.append(re.sub(r"/[^/]*$", "/*", suite + name.strip()))
+        return list(dict.fromkeys(names))
+
+    def notices(self, product, cases=(), also=(), seconds=None):
+        """What failed with this product, in words, or None when the test passes.
+
+        Only these cases of a GoogleTest program, if there are any; with these variables besides;
+        and seconds is what it takes without a fault."""
+        seconds = self.seconds if seconds is None else seconds
         original = str(self.build.folder / self.product)
         command = [str(product) if word == original else word for word in self.command]
         environment = {**os.environ, "GTEST_FAIL_FAST": "1", "PYTHONDONTWRITEBYTECODE": "1",
-                       **self.environment}
-        if self.filter:
-            environment["GTEST_FILTER"] = self.filter
+                       **self.environment, **dict(also)}
+        if any(cases) or self.filter:
+            environment["GTEST_FILTER"] = ":".join(cases) or self.filter
         if self.product == MODULE:
             environment["QUILLCAPTION_MODULE"] = str(product)
         with tempfile.TemporaryFile() as output:
             with subprocess.Popen(command, cwd=self.folder, env=environment,
                                   stdin=subprocess.DEVNULL, stdout=output, stderr=output,
-                                  preexec_fn=self.limit, start_new_session=True) as process:
+                                  preexec_fn=lambda: self.limit(seconds),
+                                  start_new_session=True) as process:
                 try:
-                    code = process.wait(60 + 30 * self.seconds)
+                    code = process.wait(60 + 30 * seconds)
                 except subprocess.TimeoutExpired:
                     code = -signal.SIGXCPU
                 finally:
@@ -62,11 +81,11 @@ class Test:
             output.seek(0)
             return self.verdict(code, output.read().decode("utf-8", "replace"))
 
-    def limit(self):
-        processor = int(3 + 5 * self.seconds)
+    def limit(self, seconds):
+        processor = int(3 + 5 * seconds)
         resource.setrlimit(resource.RLIMIT_CPU, (processor, processor))
         resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
-        if not self.build.options:  # a sanitizer reserves all there is
+        if not self.build.is_sanitized():  # a sanitizer reserves all there is
             resource.setrlimit(resource.RLIMIT_AS, (ADDRESS_SPACE, ADDRESS_SPACE))
 
     def verdict(self, code, output):

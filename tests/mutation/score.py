@@ -1,0 +1,58 @@
+"""What became of the faults of a run."""
+
+import json
+import subprocess
+from collections import Counter
+
+from laboratory import COMPILER
+
+
+class Score:
+    def __init__(self, faults, equivalent):
+        self.faults, self.equivalent = faults, equivalent
+        self.by = {}  # who noticed, by number: a stage, or the compiler
+
+    def add(self, fault, stage, killer):
+        if killer:
+            self.by[fault.number] = "compiler" if killer == COMPILER else stage.seen_by
+
+    def noticed(self, fault):
+        return fault.number in self.by
+
+    def refuted(self):
+        """Those that are said to change nothing, and that were noticed."""
+        return [fault for fault in self.faults
+                if self.noticed(fault) and fault.number in self.equivalent]
+
+    def survivors(self):
+        return [fault for fault in self.faults
+                if not self.noticed(fault) and fault.number not in self.equivalent]
+
+    def counts(self, faults):
+        """So many noticed by whom; argued to change nothing; survived."""
+        by = Counter(self.by.get(fault.number) for fault in faults)
+        equivalent = sum(fault.number in self.equivalent and not self.noticed(fault)
+                         for fault in faults)
+        return {"faults": len(faults), "tests": by["tests"], "sanitizer": by["sanitizer"],
+                "compiler": by["compiler"], "equivalent": equivalent,
+                "survived": by[None] - equivalent}
+
+    def summary(self):
+        counts = self.counts(self.faults)
+        files = len({fault.file for fault in self.faults})
+        noticed = counts["tests"] + counts["sanitizer"] + counts["compiler"]
+        text = (f"{len(self.faults)} faults in {files} files: {noticed} noticed ({counts['tests']} by "
+                f"the tests, {counts['sanitizer']} by a sanitizer only, {counts['compiler']} by the "
+                f"compiler), {counts['survived']} survived")
+        return text + (f", {counts['equivalent']} change nothing" if self.equivalent else "")
+
+    def write(self, path, root, arguments):
+        """Keeps the score with the commit that it was measured on."""
+        commit = subprocess.run(["git", "-C", root, "log", "-1", "--format=%h %cs", "--", "src"],
+                                capture_output=True, text=True, check=True).stdout.split()
+        kinds = sorted({fault.kind for fault in self.faults})
+        content = {"commit": commit[0], "date": commit[1], "seed": arguments.seed,
+                   "all": self.counts(self.faults),
+                   "kinds": {kind: self.counts([fault for fault in self.faults if fault.kind == kind])
+                             for kind in kinds}}
+        path.write_text(json.dumps(content, indent=2) + "\n", "utf-8")
