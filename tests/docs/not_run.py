@@ -7,6 +7,7 @@ exist: its first word is looked up in the tree when it has a slash.
 
 BUILDS = "builds and tests, as continuous integration does"
 HOURS = "takes minutes to hours"
+ON_A_BOARD = "uses packages that are installed: scripts/check-packages runs it"
 
 NOT_RUN = [
     ("scripts/demo", "installs packages and builds"),
@@ -27,4 +28,10 @@ NOT_RUN = [
     ("cmake --build build/profile", "the same"),
     ("scripts/campaign", HOURS),
     ("scripts/check-report", "installs a browser"),
+    ("dpkg --install", ON_A_BOARD),
+    ("cd /usr/share/doc/quillcaption", ON_A_BOARD),
+    ("quill cues --quiet dialogue.vtt", ON_A_BOARD),
+    ("quill cues --quiet --module /usr/lib", ON_A_BOARD),
+    ("quill replay session.log", ON_A_BOARD),
+    ("quill replay --show session.log", ON_A_BOARD),
 ]

@@ -38,6 +38,14 @@ class Arguments(unittest.TestCase):
             self.assertIn("scripts/empty-machine [bookworm|trixie]", result.stderr)
             self.assertEqual(result.stdout, "")
 
+    def test_an_architecture_or_folder_that_is_not_there(self):
+        result = run("--arch", "sparc")
+        self.assertEqual((result.returncode, result.stdout), (2, ""))
+        self.assertIn("empty-machine: there is no empty Debian for 'sparc'\n", result.stderr)
+        result = run("--folder", "/nowhere/to/be/found")
+        self.assertEqual((result.returncode, result.stdout), (1, ""))
+        self.assertIn("empty-machine: --folder needs a folder that there is\n", result.stderr)
+
     def test_help_ends_well(self):
         result = run("trixie", "--help")
         self.assertEqual((result.returncode, result.stderr), (0, ""))
@@ -123,6 +131,10 @@ class Machine(unittest.TestCase):
     def test_copies_the_tree(self):
         command = "test ! -e build -a ! -e .git && cat scripts/empty-machine"
         self.assertEqual(self.play(command, "--archive"), (0, SCRIPT.read_text()))
+
+    def test_copies_another_folder(self):
+        folder = self.tree / "build"
+        self.assertEqual(self.play("echo *", "--folder", folder), (0, "left_out\n"))
 
     @unittest.skipUnless(shutil.which("git"), "needs git")
     def test_copies_a_clone(self):
