@@ -48,13 +48,3 @@ check_ipo_supported(RESULT QUILLCAPTION_LTO OUTPUT ignored LANGUAGES CXX)
 if(QUILLCAPTION_SANITIZE OR NOT CMAKE_BUILD_TYPE STREQUAL "Release")
   set(QUILLCAPTION_LTO OFF)
 endif()
-
-# quillcaption_count_own_lines(target...): where lines are counted, the targets count none of other
-# people's headers, which would be most of what every run of quill has to add up and write.
-function(quillcaption_count_own_lines)
-  if(QUILL_COUNT_LINES)
-    foreach(target ${ARGN})
-      target_compile_options(${target} PRIVATE "-fprofile-filter-files=/(tools|guard|support)/")
-    endforeach()
-  endif()
-endfunction()

@@ -1,6 +1,6 @@
 """Runs quill the way a user does. Where it is and what to test it with comes from the environment,
-which ctest sets (tests/tools/CMakeLists.txt lists it): QUILL, QUILL_SANITIZE, what single tests need and,
-for a build for another machine, QUILL_EMULATOR."""
+which ctest sets (tests/tools/CMakeLists.txt lists it): QUILL, QUILL_SANITIZE, QUILL_SLOW, what single tests
+need and, for a build for another machine, QUILL_EMULATOR."""
 
 import collections
 import os
@@ -17,6 +17,10 @@ EMULATOR = os.environ.get("QUILL_EMULATOR", "").split()
 
 # A sanitizer reports a crash itself, and keeps a heap of its own.
 SANITIZED = bool(os.environ.get("QUILL_SANITIZE"))
+
+# An emulator, a sanitizer and a build without optimisation take several times as long. Of what a test
+# repeats with ever other input, a part will do there.
+SLOW = os.environ["QUILL_SLOW"] == "1"
 
 # Longer than any run takes, so that a hang is a failure and not the end of the tests.
 PATIENCE = 60

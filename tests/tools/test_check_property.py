@@ -7,7 +7,7 @@ import random
 import sys
 import unittest
 
-from quill_runner import EMULATOR, SANITIZED, QuillTest
+from quill_runner import SLOW, QuillTest
 
 sys.path.insert(1, os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, "model"))
 from generate import Generator  # pylint: disable=wrong-import-position
@@ -19,8 +19,7 @@ RUNS = ((WHOLE, 80), (7, 60), (64, 60))
 
 class EveryTrack(QuillTest):
     def tracks(self, chunk, count):
-        # Emulators and sanitizers take ten times as long; a part of the tracks will do there.
-        for index in range(count // 8 if EMULATOR or SANITIZED else count):
+        for index in range(count // 8 if SLOW else count):
             yield Generator(random.Random(f"check/{chunk}/{index}")).track()
 
     def check(self, chunk, paths):

@@ -11,15 +11,14 @@ import shutil
 import sys
 import unittest
 
-from quill_runner import EMULATOR, SANITIZED, QuillTest
+from quill_runner import SLOW, QuillTest
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, os.pardir)
 sys.path.insert(1, os.path.join(ROOT, "tests", "model"))
 from generate import Generator  # pylint: disable=wrong-import-position
 
-# In the ordinary tests a few hundred; an emulator and a sanitizer take ten times as long. The
-# campaign says how many else.
-COUNT = int(os.environ.get("QUILL_FIX_TRACKS", "100" if EMULATOR or SANITIZED else "400"))
+# In the ordinary tests a few hundred; the campaign says how many else.
+COUNT = int(os.environ.get("QUILL_FIX_TRACKS", "100" if SLOW else "400"))
 BATCH = 500  # as many are read in one run of quill
 # Of a hundred generated tracks, damaged beyond what anybody writes, at most two may be given up.
 GIVEN_UP = 2

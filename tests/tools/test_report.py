@@ -11,7 +11,7 @@ import re
 
 import unittest
 
-from quill_runner import MODULE, QuillTest, SANITIZED, fixture
+from quill_runner import MODULE, SLOW, QuillTest, fixture
 import session_log
 from session_log import HEADER, Log, cue
 
@@ -107,7 +107,7 @@ class Report(ReportTest):
                                           if json.loads(line)["code"] in found])
 
     def test_the_page_holds_what_the_commands_say(self):
-        for path in SAMPLES[:3] if SANITIZED else SAMPLES:
+        for path in SAMPLES[:3] if SLOW else SAMPLES:
             with self.subTest(path.name):
                 data = self.report(path).data()
                 self.assertEqual((data["quill"], data["against"], len(data["tracks"])),
@@ -170,7 +170,7 @@ class Report(ReportTest):
 
     def test_sizes(self):
         """A page is never large; an ordinary track fits into it whole."""
-        part = 10 if SANITIZED else 1
+        part = 10 if SLOW else 1
         tracks = (("".join(ordinary(number) for number in range(14000)), 1000000 // part),
                   ("00:01.000 --> 00:02.000\nx\n\n" * 37000, 500000 // part),
                   ("x\n\n" * 99999, 200000 // part),
@@ -418,7 +418,7 @@ class Sessions(ReportTest):
     def test_sizes(self):
         log = Log()
         parser = log.open()
-        count = 100 if SANITIZED else 3000
+        count = 100 if SLOW else 3000
         for number in range(count):
             log.parse(parser, ("WEBVTT\n\n" if number == 0 else "") + ordinary(number))
             log.take(parser)
@@ -447,7 +447,7 @@ class Sessions(ReportTest):
         self.assert_fails(self.quill("report", "--log", named), 2, '"module" must be a text')
         self.assert_fails(self.quill("report", "--log", log, "--module", "none.so"), 3, "none.so")
 
-    @unittest.skipIf(SANITIZED, "what a sanitizer adds to so many bytes takes long")
+    @unittest.skipIf(SLOW, "so many bytes take long")
     def test_no_longer_track(self):
         log = Log()
         log.parse(log.open(), "x" * ((16 << 20) + 1))
