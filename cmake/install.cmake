@@ -48,6 +48,10 @@ if(QUILLCAPTION_TOOLS)
           FILES_MATCHING PATTERN "*.1")
   install(FILES completions/quill.bash RENAME quill
           DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tools)
+  install(FILES completions/_quill
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tools)
+  install(FILES completions/quill.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tools)
 endif()
 
 install(FILES README.md CHANGELOG.md SECURITY.md

@@ -1,11 +1,13 @@
-"""What bash offers for quill, asked as bash asks it, and compared with what quill takes.
+"""What shells offer for quill, asked as the shells ask it, and compared with what quill takes.
 
-The completion is installed, and Debian's bash-completion finds and reads it at the first TAB.
-INSTALL_BASH_COMPLETION is the file that bash-completion is started by.
+The completion is installed. Debian's bash-completion finds and reads it at the first TAB;
+INSTALL_BASH_COMPLETION is the file that bash-completion is started by. So do zsh and fish, whose
+completions ask that of bash; where one of them is missing, a line says so.
 """
 
 import os
 import re
+import shutil
 import unittest
 
 from installation import BUILD, EMULATOR, SOURCE, InstallTest
@@ -61,6 +63,19 @@ OFFERS = [
 ]
 
 
+# zsh's own search finds the function for quill; it is called as the line editor does.
+ASKING_ZSH = """
+autoload -Uz compinit && compinit -D -u && [[ $_comps[quill] = _quill ]] || exit
+compadd() { [[ "$1 $2" = "-f --" ]] && shift 2 && print -rl -- "$@" }
+while IFS= read -r line; do
+    words=("${(@ps:\x1f:)line}") CURRENT=$#words
+    _quill
+    print "\x1e"
+done
+"""
+ASKING_FISH = """while read line; complete -C "$line"; printf '\\x1e\\n'; end"""
+
+
 class Completion(InstallTest):
     def setUp(self):
         super().setUp()
@@ -75,6 +90,36 @@ class Completion(InstallTest):
                                    cwd=self.place, env={**os.environ, "HOME": str(self.folder),
                                                         "XDG_DATA_DIRS": f"{self.prefix}/share"})
         return sorted(offered.splitlines())
+
+    def offered_by_another(self, *command, lines, **environment):
+        """What a shell that is told of the installation in its own way offers for each line."""
+        offered = self.run_program(*command, cwd=self.place, input="".join(lines).encode(), env={
+            **os.environ, "HOME": str(self.folder), "XDG_CONFIG_HOME": str(self.folder),
+            "PATH": f"{self.prefix}/bin:{os.environ['PATH']}", **environment})
+        return [sorted(part.strip("\n").split("\n")) if part.strip("\n") else []
+                for part in offered.split("\x1e\n")[:-1]]
+
+    def assert_offers(self, table, offered):
+        self.assertEqual(len(offered), len(table))
+        for (words, offers), found in zip(table, offered):
+            with self.subTest(words):
+                self.assertEqual(found, offers)
+
+    @unittest.skipUnless(shutil.which("zsh"), "needs zsh (scripts/setup packages installs it)")
+    def test_zsh_offers_the_same(self):
+        folders = self.run_program("zsh", "-fc", "print $FPATH").strip()
+        self.assert_offers(OFFERS, self.offered_by_another(
+            "zsh", "-fc", ASKING_ZSH, lines=["\x1f".join(words) + "\n" for words, _ in OFFERS],
+            FPATH=f"{self.prefix}/share/zsh/vendor-completions:{folders}"))
+
+    @unittest.skipUnless(shutil.which("fish"), "needs fish (scripts/setup packages installs it)")
+    def test_fish_offers_the_same(self):
+        (self.place / "folder").mkdir()
+        table = [(words, [*offers, "folder/"] if "another.so" in offers and not words[-1] else offers)
+                 for words, offers in OFFERS] + [(["quill", "inspect", "fol"], ["folder/"])]
+        lines = [" ".join(word.replace(" ", "\\ ") for word in words) + "\n" for words, _ in table]
+        self.assert_offers(table, self.offered_by_another(
+            "fish", "-c", ASKING_FISH, lines=lines, XDG_DATA_DIRS=f"{self.prefix}/share"))
 
     def help(self, *subcommand):
         return self.run_program(*EMULATOR, QUILL, *subcommand, "--help")

@@ -22,6 +22,8 @@ COMPONENTS = {
                "lib/pkgconfig/quillcaption.pc"],
     "tools": ["bin/quill",
               "share/bash-completion/completions/quill",
+              "share/fish/vendor_completions.d/quill.fish",
+              "share/zsh/vendor-completions/_quill",
               *(f"share/man/man1/{page}" for page in PAGES)],
     "docs": [f"share/doc/quillcaption/{name}" for name in
              ("CHANGELOG.md", "README.md", "SECURITY.md",
