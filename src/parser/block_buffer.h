@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "base/fast_paths.h"
 #include "parser/line_finder.h"
 
 namespace webvtt {
@@ -75,7 +76,8 @@ class BlockBuffer {
 
 // Inline, as every line of a block comes through here.
 inline bool BlockBuffer::fgAppendLines(const ChunkLines& lines) {
-    const bool follows = m_size == 0 || (!fgOwns() && m_text + m_size == lines.text.data());
+    const bool follows =
+        kFastPaths && (m_size == 0 || (!fgOwns() && m_text + m_size == lines.text.data()));
     if (!follows || lines.is_cut || !lines.ends_in_line_feed) {
         return fgCopyLines(lines);
     }
