@@ -6,6 +6,7 @@ exist: its first word is looked up in the tree when it has a slash.
 """
 
 BUILDS = "builds and tests, as continuous integration does"
+GSTREAMER = "needs GStreamer for i386; scripts/check-gstreamer runs it"
 HOURS = "takes minutes to hours"
 ON_A_BOARD = "uses packages that are installed: scripts/check-packages runs it"
 
@@ -34,4 +35,6 @@ NOT_RUN = [
     ("quill cues --quiet --module /usr/lib", ON_A_BOARD),
     ("quill replay session.log", ON_A_BOARD),
     ("quill replay --show session.log", ON_A_BOARD),
+    ("gst-inspect-1.0", GSTREAMER),
+    ("gst-launch-1.0", GSTREAMER),
 ]
