@@ -41,6 +41,11 @@ def symbols(option):
     return re.findall(row, readelf(option), re.MULTILINE)
 
 
+def section_names():
+    """By number, which readelf writes as text."""
+    return dict(re.findall(r"^ *\[ *(\d+)\] (\S+)", readelf("--section-headers"), re.MULTILINE))
+
+
 def dynamic(tag):
     """The values of all entries of a kind in the dynamic section."""
     return re.findall(rf"^ *0x[0-9a-f]+ \({tag}\) +(.*?) *$", readelf("--dynamic"), re.MULTILINE)
@@ -73,11 +78,21 @@ class Exports(unittest.TestCase):
 
     def test_functions_and_objects_lie_where_they_belong(self):
         """Functions in code; the objects in memory that is read-only once relocated."""
-        names = re.findall(r"^ *\[ *(\d+)\] (\S+)", readelf("--section-headers"), re.MULTILINE)
-        sections = dict(names)
+        sections = section_names()
         for _, _, kind, _, _, section, name in self.exported():
             wanted = ".text" if kind == "FUNC" else ".data.rel.ro"
             self.assertEqual(sections[section], wanted, name)
+
+
+@unittest.skipIf("guard" in os.path.basename(MODULE), "the guard locks what its calls share")
+class State(unittest.TestCase):
+    def test_no_function_has_a_variable_that_outlives_its_call(self):
+        """Two parsers at once would share it. The compiler begins the names of such variables, and
+        of what says that they are made, like this."""
+        sections = section_names()
+        rows = [row for row in symbols("--syms") if sections.get(row[5]) in (".bss", ".data")]
+        self.assertIn("live_handles", "".join(row[6] for row in rows))
+        self.assertEqual([row[6] for row in rows if re.match("_ZZ|_ZGVZ", row[6])], [])
 
 
 class File(unittest.TestCase):
