@@ -1,12 +1,14 @@
 """A build with many faults in it: a test chooses one when it is started, and only those tests are
 started that come past it."""
 
+import json
 import shutil
 import tempfile
 import time
 from dataclasses import dataclass, field
 
 from building import NOT_COPIED, Build
+from diary import digest
 from switching import find_errors, write_switched
 from testing import TARGETS, TestError, find_tests, processor_time
 
@@ -38,11 +40,20 @@ class SwitchedBuild:
         self.chosen, self.runs = set(), []
 
     def make(self, faults, scripts, jobs):
-        shutil.rmtree(self.tree, ignore_errors=True)
-        shutil.copytree(self.original, self.tree, ignore=NOT_COPIED)
-        chosen = write_switched(self.tree, faults, lambda: find_errors(self.tree))
-        self.chosen = {fault.number for fault in chosen}
-        self.build.make(jobs, TARGETS)
+        made = self.tree.parent / "made"  # of what, when it is complete
+        wanted = {"sources": digest(self.original / "src"),
+                  "tests": digest(self.original / "tests", {"mutation"}),
+                  "faults": [fault.number for fault in faults]}
+        known = json.loads(made.read_text("utf-8")) if made.exists() else {}
+        if known.get("of") != wanted:
+            shutil.rmtree(self.tree, ignore_errors=True)
+            made.unlink(missing_ok=True)
+            shutil.copytree(self.original, self.tree, ignore=NOT_COPIED)
+            chosen = write_switched(self.tree, faults, lambda: find_errors(self.tree))
+            known = {"of": wanted, "chosen": [fault.number for fault in chosen]}
+            self.build.make(jobs, TARGETS)
+            made.write_text(json.dumps(known), "utf-8")
+        self.chosen = set(known["chosen"])
         size = max((fault.number for fault in faults), default=0) + 1
         for test in find_tests(self.build, scripts):
             if test.name in OF_THE_FILE:

@@ -13,7 +13,7 @@ class Diary:
 
     def __init__(self, path, root):
         self.path, self.lock, self.known = path, threading.Lock(), {}
-        self.sources = digest(root / "src", set())
+        self.sources = digest(root / "src")
         self.tests = digest(root / "tests", {"mutation"})
         path.parent.mkdir(parents=True, exist_ok=True)
         lines = path.read_text("utf-8").splitlines() if path.exists() else []
@@ -38,7 +38,7 @@ def key(fault, stage):
     return fault.file, fault.at, fault.old, fault.new, stage
 
 
-def digest(folder, without):
+def digest(folder, without=frozenset()):
     sum_ = hashlib.sha256()
     for path in sorted(folder.rglob("*")):
         if path.is_file() and not without & set(path.relative_to(folder).parts) \

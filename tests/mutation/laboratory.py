@@ -8,7 +8,7 @@ from building import MODULE, NOT_COPIED, UNIT_TESTS, Build, Trial
 from choosing import SwitchedBuild
 from testing import TARGETS, TestError, find_tests, measure, near_tests
 
-QUICK = 1  # seconds; slower tests come last
+QUICK = 0.3  # seconds; slower tests come last
 FEW = 3  # objects that are compiled anew before the module is tried
 SANITIZED = ["-DQUILLCAPTION_SANITIZE=address,undefined"]
 COMPILER = "the compiler"
@@ -68,10 +68,13 @@ class Laboratory:
                 builds.build.make(self.jobs, TARGETS)
                 builds.tests = measure(find_tests(builds.build, self.scripts))
 
+    def can_be_chosen(self, fault, stage):
+        return fault.number in self.builds[stage.build].switched.chosen
+
     def try_fault(self, fault, stage, worker):
         """Who noticed the fault, or None. No two workers have the same name."""
         builds = self.builds[stage.build]
-        if fault.number in builds.switched.chosen:
+        if self.can_be_chosen(fault, stage):
             return builds.switched.try_fault(fault, stage)
         self.ready(builds)
         noticed = self.first_to_notice(Trial(builds.build, fault, self.folder / worker), stage,
