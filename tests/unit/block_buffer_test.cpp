@@ -192,7 +192,7 @@ TEST(BlockBuffer, GrowsByteByByte) {
 }
 
 TEST(BlockBuffer, MovesBorrowedTextIntoStorageOfAnySize) {
-    for (const std::size_t size : {1u, 100u, 254u, 255u, 256u, 1000u, 100000u}) {
+    for (const std::size_t size : {0u, 1u, 100u, 254u, 255u, 256u, 1000u, 100000u}) {
         SCOPED_TRACE(size);
         const std::string line(size, 'x');
         const Chunk chunk(line + "\n");
@@ -204,17 +204,21 @@ TEST(BlockBuffer, MovesBorrowedTextIntoStorageOfAnySize) {
 }
 
 TEST(BlockBuffer, KeepsUsualStorageForTheNextText) {
-    BlockBuffer buffer;
-    ASSERT_TRUE(buffer.fgAppendText(std::string(60000, 'x')));
-    const char* const storage = buffer.pcOwned();
-    buffer.vClear();
-    EXPECT_TRUE(buffer.fgIsEmpty());
-    EXPECT_EQ(buffer.uLineFeeds(), 0u);
-    const Chunk chunk("borrowed first\n");
-    append_lines(buffer, chunk);
-    ASSERT_TRUE(buffer.fgAppendText("next"));
-    EXPECT_EQ(buffer.pcOwned(), storage);
-    EXPECT_STREQ(buffer.pcOwned(), "borrowed first\nnext");
+    for (const std::size_t size : {60000u, 65535u}) {
+        SCOPED_TRACE(size);
+        BlockBuffer buffer;
+        ASSERT_TRUE(buffer.fgAppendText(std::string(size, 'x')));
+        const char* const storage = buffer.pcOwned();
+        buffer.vClear();
+        EXPECT_TRUE(buffer.fgIsEmpty());
+        EXPECT_EQ(buffer.uLineFeeds(), 0u);
+        EXPECT_EQ(buffer.pcOwned(), storage);
+        const Chunk chunk("borrowed first\n");
+        append_lines(buffer, chunk);
+        ASSERT_TRUE(buffer.fgAppendText("next"));
+        EXPECT_EQ(buffer.pcOwned(), storage);
+        EXPECT_STREQ(buffer.pcOwned(), "borrowed first\nnext");
+    }
 }
 
 TEST(BlockBuffer, GivesHugeStorageBack) {

@@ -59,6 +59,8 @@ TEST(Cue, StartsWithTheUsualSettings) {
     const Cue cue;
     EXPECT_TRUE(cue.vecApplicableClasses.empty());
     EXPECT_TRUE(cue.dqApplicableLanguages.empty());
+    EXPECT_EQ(cue.dStartTime, 0.0);
+    EXPECT_EQ(cue.dEndTime, 0.0);
     EXPECT_EQ(cue.pRootNode, nullptr);
     EXPECT_TRUE(cue.fgSnapToLines);
     EXPECT_EQ(std::string(cue.acRegionId, sizeof(cue.acRegionId)), std::string(17, '\0'));

@@ -30,7 +30,7 @@ class CueDelivery : public ParserTest {
     }
 };
 
-// With a tree, and without one.
+// With a tree, without one, and with the text only.
 TEST_F(CueDelivery, TakesCuesThatWereParsedByThemselves) {
     start_cues();
     Cue cue;
@@ -38,11 +38,15 @@ TEST_F(CueDelivery, TakesCuesThatWereParsedByThemselves) {
     parser.vAppendNewCue(&cue);
     const Cue empty;
     parser.vAppendNewCue(&empty);
+    Cue plain;
+    ASSERT_EQ(plain.eParseForText("00:01.500 --> 00:03.000\ny\n", nullptr), Outcome::kDone);
+    parser.vAppendNewCue(&plain);
     const auto delivered = cues();
-    ASSERT_EQ(delivered.size(), 2u);
+    ASSERT_EQ(delivered.size(), 3u);
     EXPECT_EQ(delivered[0].text, "x\n");
     EXPECT_EQ(delivered[0].start, 1.5);
     EXPECT_EQ(delivered[1].text, "");
+    EXPECT_EQ(delivered[2].text, "y\n");
 }
 
 TEST_F(CueDelivery, TimesWithoutAMap) {

@@ -182,6 +182,7 @@ TEST(RegionHeader, ItemIsRecognisedByItsName) {
         {"", false},
         {"=", false},
         {"id", false},
+        {"width", false},
         {"x=", false},
         {"=abc", false},
         {"abc", false},
