@@ -11,8 +11,11 @@ class Score:
     def __init__(self, faults, equivalent):
         self.faults, self.equivalent = faults, equivalent
         self.by = {}  # who noticed, by number: a stage, or the compiler
+        self.tried = set()  # by the quick tests at least
+        self.complete = False  # until every stage is done
 
     def add(self, fault, stage, killer):
+        self.tried.add(fault.number)
         if killer:
             self.by[fault.number] = "compiler" if killer == COMPILER else stage.seen_by
 
@@ -25,17 +28,19 @@ class Score:
                 if self.noticed(fault) and fault.number in self.equivalent]
 
     def survivors(self):
-        return [fault for fault in self.faults
-                if not self.noticed(fault) and fault.number not in self.equivalent]
+        """Of every stage; so far, while the score is not complete."""
+        return [fault for fault in self.faults if fault.number in self.tried
+                and not self.noticed(fault) and fault.number not in self.equivalent]
 
     def counts(self, faults):
         """So many noticed by whom; argued to change nothing; survived."""
         by = Counter(self.by.get(fault.number) for fault in faults)
         equivalent = sum(fault.number in self.equivalent and not self.noticed(fault)
                          for fault in faults)
+        survived = len(set(faults) & set(self.survivors()))
         return {"faults": len(faults), "tests": by["tests"], "sanitizer": by["sanitizer"],
                 "compiler": by["compiler"], "equivalent": equivalent,
-                "survived": by[None] - equivalent}
+                "survived": survived, "untried": by[None] - equivalent - survived}
 
     def summary(self):
         counts = self.counts(self.faults)
@@ -44,7 +49,9 @@ class Score:
         text = (f"{len(self.faults)} faults in {files} files: {noticed} noticed ({counts['tests']} by "
                 f"the tests, {counts['sanitizer']} by a sanitizer only, {counts['compiler']} by the "
                 f"compiler), {counts['survived']} survived")
-        return text + (f", {counts['equivalent']} change nothing" if self.equivalent else "")
+        text += f", {counts['equivalent']} change nothing" if self.equivalent else ""
+        return text + ("" if self.complete else f"; interrupted, {counts['untried']} not tried yet, "
+                       "and not all survivors by every stage")
 
     def write(self, path, root, arguments):
         """Keeps the score with the commit that it was measured on."""
@@ -52,7 +59,7 @@ class Score:
                                 capture_output=True, text=True, check=True).stdout.split()
         kinds = sorted({fault.kind for fault in self.faults})
         content = {"commit": commit[0], "date": commit[1], "seed": arguments.seed,
-                   "all": self.counts(self.faults),
+                   "complete": self.complete, "all": self.counts(self.faults),
                    "kinds": {kind: self.counts([fault for fault in self.faults if fault.kind == kind])
                              for kind in kinds}}
         path.write_text(json.dumps(content, indent=2) + "\n", "utf-8")

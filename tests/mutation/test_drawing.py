@@ -196,8 +196,19 @@ class ScoreTest(unittest.TestCase):
         score.add(third, quick, None)
         self.assertEqual(score.survivors(), [third])
         self.assertEqual(score.refuted(), [first])
-        self.assertEqual(score.counts(faults()), {"faults": 4, "tests": 1, "sanitizer": 1,
-                                                  "compiler": 0, "equivalent": 1, "survived": 1})
+        self.assertEqual(score.counts(faults()), {"faults": 4, "tests": 1, "sanitizer": 1, "compiler": 0,
+                                                  "equivalent": 1, "survived": 1, "untried": 0})
+
+    def test_a_score_may_not_be_complete(self):
+        first, second, *_ = faults()
+        score = Score(faults(), {})
+        score.add(first, STAGES[0], None)
+        score.add(second, STAGES[0], "the compiler")
+        self.assertEqual(score.survivors(), [first])
+        self.assertEqual(score.counts(faults())["untried"], 2)
+        self.assertIn("interrupted, 2 not tried yet", score.summary())
+        score.complete = True
+        self.assertNotIn("interrupted", score.summary())
 
 
 if __name__ == "__main__":
