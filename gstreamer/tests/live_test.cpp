@@ -67,6 +67,16 @@ TEST(Live, TimesGoOnWhereTheClockOf32BitsBeginsAnew) {
     }
 }
 
+TEST(Live, AMapMayLieBeforeThatAndTheVideoBehind) {
+    Harness harness = Harness::of_live(47727 * GST_SECOND);
+    harness.push("WEBVTT\nX-TIMESTAMP-MAP=MPEGTS:" + std::to_string(47715 * 90000ULL) +
+                     ",LOCAL:00:00:00.000\n\n00:13.000 --> 00:14.000\nx\n\n",
+                 47727 * GST_SECOND);
+    const std::vector<Shown> all = harness.take();
+    ASSERT_EQ(all.size(), 1U);
+    EXPECT_NEAR(all[0].start, 47728000, 1000);
+}
+
 TEST(Live, ADayLeavesMemoryAsItWas) {
     constexpr unsigned kHour = 3600;
     Harness harness = Harness::of_live(0);

@@ -1,6 +1,6 @@
 """The element in pipelines of gst-launch-1.0, held to what quill cues prints.
 
-Environment: QUILL, GSTREAMER_TEST; PATH with gst-launch-1.0, GST_PLUGIN_PATH with the element."""
+Environment: BUILD, the build's folder; PATH with gst-launch-1.0, GST_PLUGIN_PATH with the element."""
 
 import glob
 import json
@@ -14,6 +14,8 @@ import tempfile
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
+BUILD = os.environ["BUILD"]
+QUILL = os.path.join(BUILD, "quill")
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, os.pardir)
 sys.path.insert(1, os.path.join(ROOT, "tests", "model"))
 from generate import Generator  # pylint: disable=wrong-import-position
@@ -61,7 +63,7 @@ def cues_of(track):
     shown: that ends behind its start and behind the start of all."""
     # Packets: each read returns one.
     ours, theirs = socket.socketpair(socket.AF_UNIX, socket.SOCK_SEQPACKET)
-    with ours, subprocess.Popen([os.environ["QUILL"], "cues", "--quiet", "--format", "json", "-"],
+    with ours, subprocess.Popen([QUILL, "cues", "--quiet", "--format", "json", "-"],
                                 stdin=theirs, stdout=subprocess.PIPE,
                                 stderr=subprocess.DEVNULL) as quill:
         theirs.close()
@@ -119,7 +121,7 @@ class Launch(unittest.TestCase):
 
     def test_an_undamaged_track_is_what_quill_prints_of_the_file(self):
         path = os.path.join(ROOT, "samples", "dialogue.vtt")
-        said = subprocess.run([os.environ["QUILL"], "cues", "--quiet", "--format", "json", path],
+        said = subprocess.run([QUILL, "cues", "--quiet", "--format", "json", path],
                               check=True, stdout=subprocess.PIPE).stdout
         self.assertEqual(text_of(path, 4096),
                          "".join(json.loads(line)["pcText"] for line in said.splitlines()))
@@ -160,11 +162,32 @@ class Launch(unittest.TestCase):
             self.assertEqual(b"[WEBVTT] ERR:: FINISHED" in said, quiet == "false")
 
 
+    def test_elements_of_a_process_keep_their_calls_apart(self):
+        """Eight tracks at once, one line a buffer, and the guard looks for calls that overlap."""
+        path = os.path.join(ROOT, "samples", "dialogue.vtt")
+        branch = f"filesrc location={path} blocksize=20 ! quillcaption guard=true ! fakesink "
+        for _ in range(10):
+            said = launch(branch * 8, env={**os.environ, "QUILLCAPTION_GUARD_SUMMARY": "always"})
+            self.assertIn(" 8 parsers, 120 cues, 0 mistakes", said.stderr.decode())
+
+    def test_installed(self):
+        """The plug-in finds the module in its folder, from wherever the two are moved to."""
+        with tempfile.TemporaryDirectory() as prefix:
+            for component in ("module", "gstreamer"):
+                subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix, "--component",
+                                component], check=True, stdout=subprocess.DEVNULL)
+            path = os.path.join(ROOT, "samples", "dialogue.vtt")
+            said = launch(f"filesrc location={path} ! quillcaption quiet=true ! fdsink", env={
+                **os.environ, "GST_REGISTRY": f"{prefix}/registry",
+                "GST_PLUGIN_PATH": f"{prefix}/lib/gstreamer-1.0"})
+            self.assertTrue(said.stdout.startswith(b"The ferry is late again.\n"))
+
+
 class Harness(unittest.TestCase):
     def test_in_the_harness(self):
         """The tests in C++, and that nothing of theirs is left."""
         environment = {**os.environ, "GST_TRACERS": "leaks", "GST_DEBUG": "GST_TRACER:7"}
-        result = subprocess.run([os.environ["GSTREAMER_TEST"]], env=environment, check=False,
+        result = subprocess.run([f"{BUILD}/gstreamer/tests/gstreamer_test"], env=environment, check=False,
                                 stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=300)
         said = result.stdout.decode("utf-8", "replace")
         self.assertEqual(result.returncode, 0, said)
