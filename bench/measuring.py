@@ -39,7 +39,8 @@ def run(command, **options):
         done = subprocess.run([str(word) for word in command], capture_output=True, text=True,
                               stdin=subprocess.DEVNULL, check=False, **options)
     except FileNotFoundError as error:
-        raise Failure(f"{error.filename} is not here") from error
+        kind = Unable if error.filename == "valgrind" else Failure
+        raise kind(f"{error.filename} is not here: scripts/setup test installs it") from error
     if done.returncode != 0:
         raise Failure(f"{' '.join(map(str, command))} ended with {done.returncode}:\n"
                       f"{done.stderr}{done.stdout}")

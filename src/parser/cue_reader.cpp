@@ -60,10 +60,10 @@ Outcome WebVTTParser::eParseCue(int* result) {
     if (markup && !m_block.fgOwn()) {
         return Outcome::kNoBlock;
     }
-    const std::string_view block = m_block.strText();
     Cue cue;
-    Outcome outcome = kFastPaths ? cue.eParseForText(block, markup ? m_block.pcOwned() : nullptr)
-                                 : parse_to_tree(cue, block);
+    Outcome outcome =
+        kFastPaths ? cue.eParseForText(m_block.strText(), markup ? m_block.pcOwned() : nullptr)
+                   : parse_to_tree(cue, m_block.strText());
     if (outcome == Outcome::kDone) {
         ++u4ParsedCueCount;
         outcome = eAppendCue(
