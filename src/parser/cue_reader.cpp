@@ -21,8 +21,11 @@ bool has_markup(std::string_view text) {
     return find_byte(text.data(), end, '<') != end || find_byte(text.data(), end, '&') != end;
 }
 
-/// As eParseForText, in the build that has no fast ways. The block is zero-terminated.
-[[maybe_unused]] Outcome parse_to_tree(Cue& cue, std::string_view block) {
+/// As eParseForText, in the build that has no fast ways; a template, so that others are built
+/// without.
+/// @param block zero-terminated
+template <typename AnyCue>
+Outcome parse_to_tree(AnyCue& cue, std::string_view block) {
     try {
         const bool parsed = cue.fgParse(block.data(), static_cast<unsigned>(block.size()));
         return parsed ? Outcome::kDone : Outcome::kRejected;
@@ -61,9 +64,12 @@ Outcome WebVTTParser::eParseCue(int* result) {
         return Outcome::kNoBlock;
     }
     Cue cue;
-    Outcome outcome =
-        kFastPaths ? cue.eParseForText(m_block.strText(), markup ? m_block.pcOwned() : nullptr)
-                   : parse_to_tree(cue, m_block.strText());
+    Outcome outcome = Outcome::kRejected;
+    if constexpr (kFastPaths) {
+        outcome = cue.eParseForText(m_block.strText(), markup ? m_block.pcOwned() : nullptr);
+    } else {
+        outcome = parse_to_tree(cue, m_block.strText());
+    }
     if (outcome == Outcome::kDone) {
         ++u4ParsedCueCount;
         outcome = eAppendCue(

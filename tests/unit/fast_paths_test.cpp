@@ -101,6 +101,9 @@ TEST(FastPaths, UsualTimingLinesAreReadAsAnyOther) {
             for (const std::string& id : {""s, "\n"s, "x\n"s, "-->\n"s}) {
                 for_all_texts(id + head, "\n :a", 5, compare);
                 for_all_texts(id + head + " line:", "\n -5", 3, compare);
+                for (std::size_t size = 0; size != head.size(); ++size) {
+                    compare(id + head.substr(0, size) + "\n");
+                }
                 for (const std::string& line : changes_of(head, "\n 059:.->a")) {
                     for (const char* const tail : {"\nx", " align:end\nx", " ", ""}) {
                         compare(id + line + tail);
