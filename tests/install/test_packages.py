@@ -41,9 +41,13 @@ class Packages(InstallTest):
         """The packages of a kind, made once."""
         folder = self.made / kind
         if not folder.exists():
-            self.run_program(CPACK, "-G", kind, "-B", folder, cwd=BUILD)
+            self.pack(kind, folder)
         return [name for name in files_below(folder) if name.endswith((".deb", ".tar.gz"))
                 and not name.startswith("_CPack")]
+
+    def pack(self, kind, folder):
+        self.run_program(CPACK, "-G", kind, "-B", folder, cwd=BUILD,
+                         env={**os.environ, "SOURCE_DATE_EPOCH": "1700000000"})
 
     def field(self, package, name):
         return self.run_program("dpkg-deb", "--field", self.made / "DEB" / package, name).strip()
@@ -104,6 +108,15 @@ class Packages(InstallTest):
         libstdcxx = [GCC_OF_GLIBCXX[int(text)] for text in re.findall(r"@GLIBCXX_3\.4\.(\d+)", asked)
                      if int(text) > 20]
         self.assertLessEqual(max(libstdcxx), int(depends["libstdc++6"]))
+
+    def test_packed_again_they_are_the_same_to_the_byte(self):
+        """scripts/check-same-bytes builds again as well."""
+        made = self.make("DEB")
+        self.pack("DEB", self.folder / "again")
+        for name in made:
+            with self.subTest(name):
+                self.assertEqual((self.folder / "again" / name).read_bytes(),
+                                 (self.made / "DEB" / name).read_bytes())
 
     def test_archive(self):
         package, = self.make("TGZ")

@@ -1,6 +1,7 @@
 """What cmake --install puts where: by component, into a prefix, into a staging folder."""
 
 import os
+import re
 import shutil
 import sys
 import unittest
@@ -76,6 +77,23 @@ class Prefix(InstallTest):
             prefix / "lib/board/cmake/quillcaption/quillcaption-config.cmake").read_text())
         self.assertIn(r'QUILL_MODULE_DIR=\\\"../../lib/board/quillcaption\\\"',
                       (build / "compile_commands.json").read_text())
+
+    def test_as_a_build_system_calls(self):
+        """Told what it tells every package, and installed into its staging folder.
+
+        scripts/check-same-bytes builds so, for Make, without rights to write to the sources.
+        """
+        build = self.folder / "build"
+        self.run_program(
+            CMAKE, "-G", "Ninja", "-S", SOURCE, "-B", build, "-DCMAKE_INSTALL_PREFIX=/usr",
+            "-DCMAKE_BUILD_TYPE=Release", "-DBUILD_TESTING=OFF", "-DBUILD_SHARED_LIBS=ON",
+            "-DQUILLCAPTION_TOOLS=OFF", *FOR_THE_TARGET)
+        made = re.findall(r": CXX_(\w+)_LIBRARY_LINKER", (build / "build.ninja").read_text())
+        self.assertEqual((made.count("MODULE"), made.count("SHARED")), (2, 0))
+        self.assertFalse((build / "tests").exists())
+        self.run_program(CMAKE, "--install", build, "--component", "header",
+                         env={**os.environ, "DESTDIR": str(self.folder / "stage")})
+        self.assertEqual(files_below(self.folder / "stage/usr"), COMPONENTS["header"])
 
     def test_links_in_the_installed_pages_lead_somewhere(self):
         prefix = self.install("docs", "--component", "docs")
