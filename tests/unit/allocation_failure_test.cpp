@@ -43,12 +43,13 @@ class AllocationFailure : public ParserTest {
     /// As feed, while allocations of at least the given size fail. Gives "2", or the message of
     /// what was thrown.
     std::string feed_failing(const std::string& chunk, std::size_t smallest = kLarge,
-                             unsigned spared = 0) {
+                             unsigned spared = 0, unsigned times = ~0u) {
         support::StdoutCapture capture;
         support::ExactBlock block(chunk);
         int result = -1;
-        const std::string message = message_of(
-            [&] { result = parser.rsltParse(block.data(), block.size()); }, smallest, spared);
+        const std::string message =
+            message_of([&] { result = parser.rsltParse(block.data(), block.size()); }, smallest,
+                       spared, times);
         output = capture.take();
         return result != -1 ? std::to_string(result) : message;
     }
@@ -138,6 +139,20 @@ TEST_F(AllocationFailure, LineOfACueWithNothingCarried) {
     EXPECT_EQ(feed_failing("lost\r\n" + kLong + "\r\n"), "2");
     expect_errors({"Alloc 5001 B memory failed", "return result 2"});
     expect_next_cue_is_read();
+}
+
+TEST_F(AllocationFailure, LinesThatFindNoRoomTogetherFindItOneByOne) {
+    start_cues();
+    const std::string line(600, 'x');
+    std::string block = "00:01.000 --> 00:02.000\r\n";
+    std::string first_nine;
+    for (int i = 0; i != 30; ++i) {
+        block += line + "\r\n";
+        first_nine += i < 9 ? line + "\n" : "";
+    }
+    // What is behind the first ten lines is no cue, and no more lines are found together than fit.
+    EXPECT_EQ(feed_failing(block + "\r\n", kLarge, 0, 1), "0");
+    EXPECT_EQ(texts(), Texts{first_nine});
 }
 
 TEST_F(AllocationFailure, TailOfABlockLosesTheBlock) {
