@@ -9,7 +9,7 @@ declare -gA _quill_options=(
     [conform]='--help --list --only --failed-only --cases --time --timeout --format'
     [cues]='--help --format --chunk --pts --record --timeout --module --quiet'
     [fix]='--help --files-from --output --in-place --diff --dry-run --only --skip --from --all --quiet --timeout --module'
-    [inspect]='--help --format'
+    [inspect]='--help --sysroot --format'
     [replay]='--help --show --track --case --check --parser --pace --timeout --format --module'
     [report]='--help --files-from --output --log --against --against-module --video --background --chunk --pts --timeout --module'
 )
@@ -24,7 +24,7 @@ _quill_value() {
         *:--format) values='text json' ;;
         check:--color) values='auto always never' ;;
         check:--fail-on) values='lost changed remark never' ;;
-        *:--module | *:--files-from | *:--output | *:-o | report:--log | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track | cues:--record) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        inspect:--sysroot | *:--module | *:--files-from | *:--output | *:-o | report:--log | report:--against | report:--against-module | report:--video | report:--background | conform:--cases | replay:--track | cues:--record) mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
         *:--chunk | *:--pts | *:--jobs | check:--select | check:--ignore | check:--explain | *:--timeout | *:--parser | *:--only | fix:--skip | fix:--from) ;;
         *) return 1 ;;
     esac

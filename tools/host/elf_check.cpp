@@ -35,8 +35,9 @@ constexpr struct {
     {EM_SH, "SuperH"},
 };
 
-[[noreturn]] void FailToReadModule(const std::string& path, int error_number) {
-    throw console::Failure(console::kExitModule, "cannot read the module " + path + ": " +
+[[noreturn]] void FailToReadModule(const std::string& path, const std::string& kind,
+                                   int error_number) {
+    throw console::Failure(console::kExitModule, "cannot read the " + kind + " " + path + ": " +
                                                      console::ErrorText(error_number));
 }
 
@@ -55,16 +56,16 @@ ElfTarget OwnTarget() {
     return {__ehdr_start.e_ident[EI_CLASS], __ehdr_start.e_ident[EI_DATA], __ehdr_start.e_machine};
 }
 
-std::string ReadModuleFile(const std::string& path) {
+std::string ReadModuleFile(const std::string& path, const std::string& kind) {
     // Opening a pipe would wait for somebody to write into it.
     const console::Descriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.valid()) {
-        FailToReadModule(path, errno);
+        FailToReadModule(path, kind, errno);
     }
     struct stat status = {};
     if (fstat(file.get(), &status) == 0 && !S_ISREG(status.st_mode)) {
         throw console::Failure(console::kExitModule,
-                               path + " is not a module: it is not a regular file");
+                               path + " is not a " + kind + ": it is not a regular file");
     }
     const std::uint64_t present =
         status.st_size < 0 ? 0 : static_cast<std::uint64_t>(status.st_size);
@@ -74,7 +75,7 @@ std::string ReadModuleFile(const std::string& path) {
     while (filled < start.size()) {
         const int count = console::ReadSome(file.get(), &start[filled], start.size() - filled);
         if (count < 0) {
-            FailToReadModule(path, errno);
+            FailToReadModule(path, kind, errno);
         }
         if (count == 0) {
             break;
@@ -85,10 +86,10 @@ std::string ReadModuleFile(const std::string& path) {
     return start;
 }
 
-ElfTarget ElfTargetOf(std::string_view start, const std::string& path) {
+ElfTarget ElfTargetOf(std::string_view start, const std::string& path, const std::string& kind) {
     if (start.size() < kHeaderStart || start.compare(0, SELFMAG, ELFMAG) != 0) {
         throw console::Failure(console::kExitModule,
-                               path + " is not a module: it is not an ELF file");
+                               path + " is not a " + kind + ": it is not an ELF file");
     }
     const auto byte = [&start](std::size_t index) {
         return static_cast<std::uint8_t>(start[index]);

@@ -22,11 +22,12 @@ struct ElfTarget {
 ElfTarget OwnTarget();
 
 // The bytes of the module at `path`, the first 256 MiB of a longer one. Throws Failure when it
-// cannot be read or is not a regular file.
-std::string ReadModuleFile(const std::string& path);
+// cannot be read or is not a regular file. `kind` is what messages call the file.
+std::string ReadModuleFile(const std::string& path, const std::string& kind = "module");
 
 // The target of a module whose bytes begin so. Throws Failure when it is no ELF file.
-ElfTarget ElfTargetOf(std::string_view start, const std::string& path);
+ElfTarget ElfTargetOf(std::string_view start, const std::string& path,
+                      const std::string& kind = "module");
 
 // "32-bit (i386)", or, when that would not tell them apart, with the byte order.
 std::string TargetName(const ElfTarget& target);

@@ -6,27 +6,14 @@
 #include <cctype>
 #include <cstddef>
 
-#include "tools/host/elf_reader.h"
+#include "tools/host/elf_image.h"
 
 namespace quill::host {
 namespace {
 
 using Place = ElfReader::Place;
 
-// The records of the two classes hold the same fields at other places and in other widths.
-constexpr Place kHeaderSize = {sizeof(Elf32_Ehdr), sizeof(Elf64_Ehdr)};
-constexpr Place kProgramTable = {offsetof(Elf32_Ehdr, e_phoff), offsetof(Elf64_Ehdr, e_phoff)};
-constexpr Place kProgramSize = {offsetof(Elf32_Ehdr, e_phentsize),
-                                offsetof(Elf64_Ehdr, e_phentsize)};
-constexpr Place kProgramCount = {offsetof(Elf32_Ehdr, e_phnum), offsetof(Elf64_Ehdr, e_phnum)};
 constexpr Place kFileType = {offsetof(Elf32_Ehdr, e_type), offsetof(Elf64_Ehdr, e_type)};
-constexpr Place kSegmentType = {offsetof(Elf32_Phdr, p_type), offsetof(Elf64_Phdr, p_type)};
-constexpr Place kSegmentOffset = {offsetof(Elf32_Phdr, p_offset), offsetof(Elf64_Phdr, p_offset)};
-constexpr Place kSegmentAddress = {offsetof(Elf32_Phdr, p_vaddr), offsetof(Elf64_Phdr, p_vaddr)};
-constexpr Place kSegmentSize = {offsetof(Elf32_Phdr, p_filesz), offsetof(Elf64_Phdr, p_filesz)};
-constexpr Place kDynamicTag = {offsetof(Elf32_Dyn, d_tag), offsetof(Elf64_Dyn, d_tag)};
-constexpr Place kDynamicValue = {offsetof(Elf32_Dyn, d_un), offsetof(Elf64_Dyn, d_un)};
-constexpr Place kDynamicSize = {sizeof(Elf32_Dyn), sizeof(Elf64_Dyn)};
 constexpr Place kSymbolName = {offsetof(Elf32_Sym, st_name), offsetof(Elf64_Sym, st_name)};
 constexpr Place kSymbolInfo = {offsetof(Elf32_Sym, st_info), offsetof(Elf64_Sym, st_info)};
 constexpr Place kSymbolOther = {offsetof(Elf32_Sym, st_other), offsetof(Elf64_Sym, st_other)};
@@ -34,132 +21,98 @@ constexpr Place kSymbolSection = {offsetof(Elf32_Sym, st_shndx), offsetof(Elf64_
 constexpr Place kSymbolBytes = {offsetof(Elf32_Sym, st_size), offsetof(Elf64_Sym, st_size)};
 constexpr Place kSymbolSize = {sizeof(Elf32_Sym), sizeof(Elf64_Sym)};
 
-// Names may share their ends. Those of a file that is whole add up to less than this many times it.
-constexpr std::uint64_t kMostNames = 4;
+// Newer than the headers of some toolchains.
+constexpr std::uint64_t kPackedRelocations = 36;      // DT_RELR
+constexpr std::uint64_t kMipsHashTable = 0x70000036;  // DT_MIPS_XHASH
+constexpr std::uint64_t kIsProgram = 0x08000000;      // DF_1_PIE
 
-struct Segment {
-    std::uint64_t type;
-    std::uint64_t offset;
-    std::uint64_t address;
-    std::uint64_t size;  // in the file
-};
+constexpr std::uint64_t kPage = 4096;
 
 class DynamicReader {
   public:
-    DynamicReader(std::string_view bytes, const ElfTarget& target) : file_(bytes, target) {}
+    DynamicReader(std::string_view bytes, const ElfTarget& target)
+        : image_(bytes, target), file_(image_.file()), is_mips_(target.machine == EM_MIPS) {}
 
     ElfDynamic Read();
 
   private:
-    void ReadSegments();
-    void ReadEntries();
-    std::uint64_t OffsetOf(const char* what, std::uint64_t address) const;
-    std::uint64_t Entry(std::uint64_t tag) const;
-    void FindNames();
-    std::string Name(std::uint64_t index);
+    void ReadKind();
+    void ReadMemory();
+    void ReadRunPath();
     std::uint64_t CountSymbols() const;
     std::uint64_t CountHashed(std::uint64_t table) const;
-    void ReadVersions(ElfDynamic& found);
-    void ReadExports(ElfDynamic& found);
+    void ReadVersionNeeds();
+    void ReadVersionOffers();
+    void ReadSymbols();
 
     std::uint64_t U32(const char* what, std::uint64_t offset) const {
         return file_.Field(what, offset, {0, 0}, 4);
     }
+    std::uint64_t Entry(std::uint64_t tag) const { return image_.Entry(tag); }
 
-    ElfReader file_;
-    std::vector<Segment> segments_;
-    std::map<std::uint64_t, std::uint64_t> entries_;  // of the dynamic section, by tag
-    std::vector<std::uint64_t> needed_;               // names that DT_NEEDED gives
-    std::uint64_t names_ = 0;                         // where the table of names begins
-    std::uint64_t names_end_ = 0;
-    std::uint64_t names_left_ = 0;  // bytes of names that may still be read
+    ElfImage image_;
+    const ElfReader& file_;
+    bool is_mips_;
+    ElfDynamic found_;
 };
 
-void DynamicReader::ReadSegments() {
-    file_.CheckRange("the ELF header", 0, file_.SizeOf(kHeaderSize));
-    const std::uint64_t table = file_.Word("the ELF header", 0, kProgramTable);
-    const std::uint64_t size = file_.Field("the ELF header", 0, kProgramSize, 2);
-    const std::uint64_t count = file_.Field("the ELF header", 0, kProgramCount, 2);
-    for (std::uint64_t i = 0; i < count; ++i) {
-        const std::uint64_t at = table + i * size;
-        const char* const what = "the table of segments";
-        const Segment segment = {
-            file_.Field(what, at, kSegmentType, 4), file_.Word(what, at, kSegmentOffset),
-            file_.Word(what, at, kSegmentAddress), file_.Word(what, at, kSegmentSize)};
-        if (segment.type == PT_LOAD || segment.type == PT_DYNAMIC) {
-            // The loader would map what is not there, and the first access would end the program.
-            file_.CheckRange("a segment", segment.offset, segment.size);
-            segments_.push_back(segment);
+// A library may name a loader as well, to be started by hand; it has a name of its own.
+void DynamicReader::ReadKind() {
+    found_.type = static_cast<unsigned>(file_.Field("the ELF header", 0, kFileType, 2));
+    const ElfSegment* const interpreter = image_.FindSegment(PT_INTERP);
+    if (interpreter != nullptr) {
+        found_.interpreter = file_.Text("the name of the loader", interpreter->offset,
+                                        interpreter->offset + interpreter->size);
+    }
+    found_.is_program = found_.type == ET_EXEC || (Entry(DT_FLAGS_1) & kIsProgram) != 0 ||
+                        (interpreter != nullptr && !image_.HasEntry(DT_SONAME));
+    found_.has_dynamic_section = image_.FindSegment(PT_DYNAMIC) != nullptr;
+    found_.has_gnu_hash =
+        image_.HasEntry(DT_GNU_HASH) || (is_mips_ && image_.HasEntry(kMipsHashTable));
+    found_.has_hash = image_.HasEntry(DT_HASH);
+    found_.has_packed_relocations = image_.HasEntry(kPackedRelocations);
+    found_.relocates_code = image_.HasEntry(DT_TEXTREL) || (Entry(DT_FLAGS) & DF_TEXTREL) != 0;
+    found_.refuses_dlopen = (Entry(DT_FLAGS_1) & DF_1_NOOPEN) != 0;
+}
+
+void DynamicReader::ReadMemory() {
+    std::uint64_t first = UINT64_MAX;
+    std::uint64_t end = 0;
+    for (const ElfSegment& segment : image_.segments()) {
+        if (segment.type == PT_LOAD) {
+            first = std::min(first, segment.address / kPage * kPage);
+            end = std::max(end, segment.address + segment.memory);
         }
     }
+    found_.memory = end > first ? end - first : 0;
+    const ElfSegment* const stack = image_.FindSegment(PT_GNU_STACK);
+    found_.stack = stack == nullptr             ? ElfStack::kUnsaid
+                   : (stack->flags & PF_X) != 0 ? ElfStack::kExecutable
+                                                : ElfStack::kPlain;
+    const ElfSegment* const per_thread = image_.FindSegment(PT_TLS);
+    found_.thread_local_bytes = per_thread != nullptr ? per_thread->memory : 0;
 }
 
-void DynamicReader::ReadEntries() {
-    const auto dynamic = std::find_if(segments_.begin(), segments_.end(),
-                                      [](const Segment& one) { return one.type == PT_DYNAMIC; });
-    if (dynamic == segments_.end()) {
-        return;
-    }
-    const std::size_t step = file_.SizeOf(kDynamicSize);
-    for (std::uint64_t at = 0; at + step <= dynamic->size; at += step) {
-        const std::uint64_t record = dynamic->offset + at;
-        const std::uint64_t tag = file_.Word("the dynamic section", record, kDynamicTag);
-        const std::uint64_t value = file_.Word("the dynamic section", record, kDynamicValue);
-        if (tag == DT_NULL) {
-            return;
-        }
-        if (tag == DT_NEEDED) {
-            needed_.push_back(value);
-        }
-        entries_.emplace(tag, value);
+// The newer entry puts the older one out of force.
+void DynamicReader::ReadRunPath() {
+    const bool is_newer = image_.HasEntry(DT_RUNPATH);
+    if (is_newer || image_.HasEntry(DT_RPATH)) {
+        found_.run_path = image_.Name(Entry(is_newer ? DT_RUNPATH : DT_RPATH));
+        found_.run_path_is_inherited = !is_newer;
     }
 }
 
-std::uint64_t DynamicReader::OffsetOf(const char* what, std::uint64_t address) const {
-    for (const Segment& segment : segments_) {
-        if (segment.type == PT_LOAD && address >= segment.address &&
-            address - segment.address < segment.size) {
-            return segment.offset + (address - segment.address);
-        }
-    }
-    throw DamagedElf(std::string(what) + " lies outside of the file");
-}
-
-// 0 where there is none, which is no address of a table.
-std::uint64_t DynamicReader::Entry(std::uint64_t tag) const {
-    const auto found = entries_.find(tag);
-    return found != entries_.end() ? found->second : 0;
-}
-
-void DynamicReader::FindNames() {
-    if (Entry(DT_STRTAB) == 0) {
-        return;
-    }
-    names_ = OffsetOf("the table of names", Entry(DT_STRTAB));
-    names_end_ = names_ + Entry(DT_STRSZ);
-    names_left_ = kMostNames * file_.size();
-}
-
-std::string DynamicReader::Name(std::uint64_t index) {
-    if (index >= names_end_ - names_) {
-        throw DamagedElf("a name lies outside of the table of names");
-    }
-    std::string name = file_.Text("a name", names_ + index, names_end_);
-    if (name.size() > names_left_) {
-        throw DamagedElf("the names are longer than the file");
-    }
-    names_left_ -= name.size();
-    return name;
-}
-
-// The symbol table has no count of its own: its hash table knows.
+// The symbol table has no count of its own but on MIPS: its hash table knows.
 std::uint64_t DynamicReader::CountSymbols() const {
     const std::uint64_t plain = Entry(DT_HASH);
     if (plain != 0) {
-        return U32("the hash table", OffsetOf("the hash table", plain) + 4);
+        return U32("the hash table", image_.OffsetOf("the hash table", plain) + 4);
+    }
+    if (is_mips_) {
+        return Entry(DT_MIPS_SYMTABNO);
     }
     const std::uint64_t hashed = Entry(DT_GNU_HASH);
-    return hashed != 0 ? CountHashed(OffsetOf("the hash table", hashed)) : 0;
+    return hashed != 0 ? CountHashed(image_.OffsetOf("the hash table", hashed)) : 0;
 }
 
 // One past the last symbol of the last chain.
@@ -185,45 +138,52 @@ std::uint64_t DynamicReader::CountHashed(std::uint64_t table) const {
     return last + 1;
 }
 
-// "GLIBCXX_3.4.21" counts for GLIBCXX. A name without a number at its end is its library's own.
-void NoteVersion(const std::string& name, ElfDynamic& found) {
-    const std::size_t joint = name.rfind('_');
-    if (joint == std::string::npos || joint + 1 >= name.size() ||
-        std::isdigit(static_cast<unsigned char>(name[joint + 1])) == 0) {
-        return;
-    }
-    std::string& highest = found.versions[name.substr(0, joint)];
-    const std::string version = name.substr(joint + 1);
-    if (highest.empty() || IsHigherVersion(version, highest)) {
-        highest = version;
-    }
-}
+// Counts the records of a table of versions, which may overlap.
+class RecordBudget {
+  public:
+    explicit RecordBudget(std::uint64_t file_size) : left_(file_size / sizeof(Elf32_Vernaux)) {}
 
-void DynamicReader::ReadVersions(ElfDynamic& found) {
+    void Take() {
+        if (left_-- == 0) {
+            throw DamagedElf("the versions are more than the file can hold");
+        }
+    }
+
+  private:
+    std::uint64_t left_;
+};
+
+// Both classes have the same records here.
+void DynamicReader::ReadVersionNeeds() {
     const char* const what = "the table of versions";
     const std::uint64_t table = Entry(DT_VERNEED);
     const std::uint64_t count = Entry(DT_VERNEEDNUM);
-    std::uint64_t records_left = file_.size() / sizeof(Elf32_Vernaux);
-    const auto take_record = [&records_left] {
-        if (records_left-- == 0) {
-            throw DamagedElf("the versions are more than the file can hold");
-        }
-    };
-    std::uint64_t library = table != 0 ? OffsetOf(what, table) : 0;
-    // Both classes have the same records here.
+    RecordBudget budget(file_.size());
+    std::uint64_t library = table != 0 ? image_.OffsetOf(what, table) : 0;
     for (std::uint64_t i = 0; table != 0 && i < count; ++i) {
-        take_record();
+        budget.Take();
         const std::uint64_t names = file_.Field(what, library, {2, 2}, 2);
+        ElfVersionNeeds needs;
+        needs.library = image_.Name(U32(what, library + offsetof(Elf32_Verneed, vn_file)));
         std::uint64_t version = library + U32(what, library + offsetof(Elf32_Verneed, vn_aux));
         for (std::uint64_t j = 0; j < names; ++j) {
-            take_record();
-            NoteVersion(Name(U32(what, version + offsetof(Elf32_Vernaux, vna_name))), found);
+            budget.Take();
+            const std::uint64_t flags = file_.Field(
+                what, version,
+                {offsetof(Elf32_Vernaux, vna_flags), offsetof(Elf64_Vernaux, vna_flags)}, 2);
+            needs.versions.push_back(
+                {image_.Name(U32(what, version + offsetof(Elf32_Vernaux, vna_name))),
+                 (flags & VER_FLG_WEAK) != 0});
+            if (SplitVersion(needs.versions.back().name)) {
+                NoteVersion(needs.versions.back().name, found_.versions);
+            }
             const std::uint64_t next_name = U32(what, version + offsetof(Elf32_Vernaux, vna_next));
             if (next_name == 0) {
                 break;
             }
             version += next_name;
         }
+        found_.version_needs.push_back(std::move(needs));
         const std::uint64_t next = U32(what, library + offsetof(Elf32_Verneed, vn_next));
         if (next == 0) {
             break;
@@ -232,10 +192,33 @@ void DynamicReader::ReadVersions(ElfDynamic& found) {
     }
 }
 
-void DynamicReader::ReadExports(ElfDynamic& found) {
+void DynamicReader::ReadVersionOffers() {
+    const char* const what = "the table of own versions";
+    const std::uint64_t table = Entry(DT_VERDEF);
+    const std::uint64_t count = Entry(DT_VERDEFNUM);
+    RecordBudget budget(file_.size());
+    std::uint64_t version = table != 0 ? image_.OffsetOf(what, table) : 0;
+    for (std::uint64_t i = 0; table != 0 && i < count; ++i) {
+        budget.Take();
+        const std::uint64_t flags = file_.Field(
+            what, version, {offsetof(Elf32_Verdef, vd_flags), offsetof(Elf64_Verdef, vd_flags)}, 2);
+        const std::uint64_t name = version + U32(what, version + offsetof(Elf32_Verdef, vd_aux));
+        if ((flags & VER_FLG_BASE) == 0) {  // which is the library's own name
+            found_.version_offers.insert(
+                image_.Name(U32(what, name + offsetof(Elf32_Verdaux, vda_name))));
+        }
+        const std::uint64_t next = U32(what, version + offsetof(Elf32_Verdef, vd_next));
+        if (next == 0) {
+            break;
+        }
+        version += next;
+    }
+}
+
+void DynamicReader::ReadSymbols() {
     const char* const what = "the table of symbols";
     const std::uint64_t count = Entry(DT_SYMTAB) != 0 ? CountSymbols() : 0;
-    const std::uint64_t table = count != 0 ? OffsetOf(what, Entry(DT_SYMTAB)) : 0;
+    const std::uint64_t table = count != 0 ? image_.OffsetOf(what, Entry(DT_SYMTAB)) : 0;
     const std::size_t step = file_.SizeOf(kSymbolSize);
     file_.CheckRange(what, table, count * step);
     for (std::uint64_t i = 1; i < count; ++i) {
@@ -243,30 +226,34 @@ void DynamicReader::ReadExports(ElfDynamic& found) {
         const auto info = static_cast<unsigned>(file_.Field(what, at, kSymbolInfo, 1));
         const unsigned visibility =
             ELF32_ST_VISIBILITY(static_cast<unsigned>(file_.Field(what, at, kSymbolOther, 1)));
-        if (file_.Field(what, at, kSymbolSection, 2) == SHN_UNDEF ||
-            ELF32_ST_BIND(info) == STB_LOCAL || visibility == STV_HIDDEN ||
+        if (ELF32_ST_BIND(info) == STB_LOCAL || visibility == STV_HIDDEN ||
             visibility == STV_INTERNAL) {
             continue;
         }
-        found.exports.push_back({Name(file_.Field(what, at, kSymbolName, 4)), ELF32_ST_TYPE(info),
-                                 file_.Word(what, at, kSymbolBytes)});
+        const bool is_defined = file_.Field(what, at, kSymbolSection, 2) != SHN_UNDEF;
+        if (is_defined) {
+            found_.exports.push_back({image_.Name(file_.Field(what, at, kSymbolName, 4)),
+                                      ELF32_ST_TYPE(info), file_.Word(what, at, kSymbolBytes)});
+        } else if (ELF32_ST_BIND(info) != STB_WEAK) {
+            found_.imports.push_back(image_.Name(file_.Field(what, at, kSymbolName, 4)));
+        }
     }
-    std::sort(found.exports.begin(), found.exports.end(),
+    std::sort(found_.exports.begin(), found_.exports.end(),
               [](const ElfExport& one, const ElfExport& other) { return one.name < other.name; });
 }
 
 ElfDynamic DynamicReader::Read() {
-    ElfDynamic found;
-    found.type = static_cast<unsigned>(file_.Field("the ELF header", 0, kFileType, 2));
-    ReadSegments();
-    ReadEntries();
-    FindNames();
-    for (const std::uint64_t name : needed_) {
-        found.needed.push_back(Name(name));
+    ReadKind();
+    ReadMemory();
+    ReadRunPath();
+    found_.own_name = image_.HasEntry(DT_SONAME) ? image_.Name(Entry(DT_SONAME)) : "";
+    for (const std::uint64_t name : image_.needed()) {
+        found_.needed.push_back(image_.Name(name));
     }
-    ReadVersions(found);
-    ReadExports(found);
-    return found;
+    ReadVersionNeeds();
+    ReadVersionOffers();
+    ReadSymbols();
+    return found_;
 }
 
 }  // namespace
@@ -276,6 +263,24 @@ ElfDynamic ReadElfDynamic(std::string_view bytes, const ElfTarget& target) {
         throw DamagedElf("the ELF header is of neither class");
     }
     return DynamicReader(bytes, target).Read();
+}
+
+std::optional<ElfVersion> SplitVersion(const std::string& name) {
+    const std::size_t joint = name.rfind('_');
+    if (joint == std::string::npos || joint + 1 >= name.size() ||
+        std::isdigit(static_cast<unsigned char>(name[joint + 1])) == 0) {
+        return std::nullopt;
+    }
+    return ElfVersion{name.substr(0, joint), name.substr(joint + 1)};
+}
+
+std::string NoteVersion(const std::string& name, std::map<std::string, std::string>& highest) {
+    const ElfVersion version = SplitVersion(name).value_or(ElfVersion{name, ""});
+    std::string& most = highest[version.family];
+    if (IsHigherVersion(version.number, most)) {
+        most = version.number;
+    }
+    return version.family;
 }
 
 bool IsHigherVersion(const std::string& version, const std::string& than) {

@@ -1,4 +1,4 @@
-// quill inspect: says what a module is, before and after loading it.
+// quill inspect: says what a module is, before and after loading it, and what a board has of it.
 #ifndef TOOLS_INSPECT_INSPECT_COMMAND_H_
 #define TOOLS_INSPECT_INSPECT_COMMAND_H_
 
@@ -16,7 +16,8 @@ class InspectCommand : public console::Command {
     console::ExitCode Run(console::Output& output) override;
 
   private:
-    std::string module_;  // empty: the module that belongs to this quill
+    std::string module_;   // empty: the module that belongs to this quill
+    std::string sysroot_;  // empty: no board is asked about
     bool as_json_ = false;
 };
 

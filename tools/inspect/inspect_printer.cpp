@@ -51,6 +51,21 @@ std::string Join(const Json& list) {
     return text.empty() ? "none" : text;
 }
 
+std::string DescribeLoading(const Json& loading) {
+    const Json& stack = loading["executable_stack"];
+    const std::string tables = Join(loading["hash_tables"]);
+    const std::string thread_local_part =
+        loading["thread_local"] == 0
+            ? ""
+            : ", " + JsonText(loading["thread_local"]) + " bytes for each thread";
+    return JsonText(loading["memory"]) + " bytes of memory" + thread_local_part + ", " +
+           (stack.is_null()     ? "stack not spoken of"
+            : stack.get<bool>() ? "executable stack"
+                                : "stack not executable") +
+           ", " + (loading["relocates_code"].get<bool>() ? "code relocated" : "code as it is") +
+           ", hash table: " + tables;
+}
+
 void WriteExports(const Json& exports, Page& page) {
     page.Line("exports", std::to_string(exports.size()));
     for (std::size_t i = 0; i < exports.size() && i < kMostExports; ++i) {
@@ -62,6 +77,26 @@ void WriteExports(const Json& exports, Page& page) {
     if (exports.size() > kMostExports) {
         page.Line("", "and " + std::to_string(exports.size() - kMostExports) +
                           " more, which --format json lists");
+    }
+}
+
+void WriteSysroot(const Json& sysroot, Page& page) {
+    page.Line("board", TextOr(sysroot["folder"], "") + ", C library " +
+                           TextOr(sysroot["c_library"], "unknown"));
+    for (const Json& library : sysroot["libraries"]) {
+        const std::string name = library["name"].get<std::string>();
+        page.Line(
+            "", name + ": " + TextOr(library["path"], "missing") +
+                    (library["needed_by"].is_null() ? ""
+                                                    : ", for " + TextOr(library["needed_by"], "")));
+        for (const Json& version : sysroot["versions"]) {
+            if (version["library"] == name) {
+                page.Line(
+                    "", "  needs " + TextOr(version["asks"], "") + ": board has " +
+                            TextOr(version["offers"], version["fits"].get<bool>() ? "it" : "none") +
+                            (version["fits"].get<bool>() ? ", fits" : ", does not fit"));
+            }
+        }
     }
 }
 
@@ -92,6 +127,16 @@ std::string FormatInspectionAsText(const Json& report) {
     page.Line("module", report["module"].get<std::string>());
     page.Line("file", DescribeFile(report["file"]));
     if (!report["needed"].is_null()) {
+        if (!report["processor"].empty()) {
+            page.Line("processor", Join(report["processor"]));
+        }
+        page.Line("loading", DescribeLoading(report["loading"]));
+        if (!report["loading"]["interpreter"].is_null()) {
+            page.Line("loader", TextOr(report["loading"]["interpreter"], ""));
+        }
+        if (!report["loading"]["run_path"].is_null()) {
+            page.Line("run path", TextOr(report["loading"]["run_path"], ""));
+        }
         page.Line("needs", Join(report["needed"]));
         page.Line("versions", Join(report["versions"]));
         WriteExports(report["exports"], page);
@@ -102,11 +147,21 @@ std::string FormatInspectionAsText(const Json& report) {
     if (!report["table"].is_null()) {
         WriteTable(report["table"], page);
     }
+    if (!report["sysroot"].is_null()) {
+        WriteSysroot(report["sysroot"], page);
+    }
+    for (const Json& note : report["notes"]) {
+        page.Line("note", note.get<std::string>());
+    }
     std::string text = page.text() + "\n";
     for (const Json& problem : report["problems"]) {
         text += console::Escape(problem.get<std::string>(), console::LineFeeds::kEscape) + "\n";
     }
-    return text + (report["problems"].empty() ? "all is as the contract says\n" : "");
+    if (!report["problems"].empty()) {
+        return text;
+    }
+    return text + (report["loaded"].is_null() ? "what the file shows is as it must be\n"
+                                              : "all is as the contract says\n");
 }
 
 }  // namespace quill::inspect

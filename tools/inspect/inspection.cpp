@@ -9,7 +9,9 @@
 #include "tools/host/elf_dynamic.h"
 #include "tools/host/elf_reader.h"
 #include "tools/host/module_contract.h"
+#include "tools/inspect/board_check.h"
 #include "tools/inspect/loaded_module.h"
+#include "tools/inspect/processor.h"
 
 namespace quill::inspect {
 namespace {
@@ -103,44 +105,162 @@ void DescribeDynamic(const host::ElfDynamic& file, Json& report) {
     }
 }
 
+Json NullOr(bool is_known, const Json& value) {
+    return is_known ? value : Json(nullptr);
+}
+
+Json DescribeLoading(const host::ElfDynamic& file) {
+    Json tables = Json::array();
+    if (file.has_gnu_hash) {
+        tables.push_back("GNU");
+    }
+    if (file.has_hash) {
+        tables.push_back("System V");
+    }
+    const bool is_executable = file.stack == host::ElfStack::kExecutable;
+    return {{"memory", file.memory},
+            {"executable_stack", NullOr(file.stack != host::ElfStack::kUnsaid, is_executable)},
+            {"relocates_code", file.relocates_code},
+            {"hash_tables", tables},
+            {"thread_local", file.thread_local_bytes},
+            {"interpreter", NullOr(!file.interpreter.empty(), file.interpreter)},
+            {"run_path", NullOr(!file.run_path.empty(), file.run_path)}};
+}
+
+// Collects what is found out, in the order in which it is told.
+class Inspector {
+  public:
+    Inspector(const std::string& path, const std::string& sysroot)
+        : path_(path),
+          sysroot_(sysroot),
+          bytes_(host::ReadModuleFile(path)),
+          target_(host::ElfTargetOf(bytes_, path)) {}
+
+    Json Inspect();
+
+  private:
+    bool ReadFile();
+    void CheckLoading();
+    void AskBoard();
+    void Load();
+
+    void Complain(const std::string& line) { report_["problems"].push_back(line); }
+    void Note(const std::string& line) { report_["notes"].push_back(line); }
+    // For what no loader takes.
+    void Refuse(const std::string& line) {
+        report_["loaded"] = false;
+        Complain(line);
+    }
+
+    std::string path_;
+    std::string sysroot_;  // empty: no board is asked about
+    std::string bytes_;
+    host::ElfTarget target_;
+    host::ElfDynamic file_;
+    Processor processor_;
+    Json report_ = {{"module", path_},          {"file", DescribeTarget(target_)},
+                    {"processor", nullptr},     {"loading", nullptr},
+                    {"needed", nullptr},        {"versions", nullptr},
+                    {"exports", nullptr},       {"sysroot", nullptr},
+                    {"loaded", nullptr},        {"descriptor", nullptr},
+                    {"table", nullptr},         {"notes", Json::array()},
+                    {"problems", Json::array()}};
+};
+
 // Whether all that a loader looks at is in the file.
-bool ReadFile(const std::string& bytes, const host::ElfTarget& target, Json& report) {
+bool Inspector::ReadFile() {
     try {
-        const host::ElfDynamic file = host::ReadElfDynamic(bytes, target);
-        DescribeDynamic(file, report);
-        CheckExports(file, report["problems"]);
-        return true;
+        file_ = host::ReadElfDynamic(bytes_, target_);
+        processor_ = ReadProcessor(bytes_, target_);
     } catch (const host::DamagedElf& error) {
-        report["problems"].push_back(std::string("file: damaged: ") + error.what());
+        Refuse(std::string("file: damaged: ") + error.what());
         return false;
     }
+    report_["processor"] = processor_.words;
+    report_["loading"] = DescribeLoading(file_);
+    DescribeDynamic(file_, report_);
+    return true;
+}
+
+void Inspector::CheckLoading() {
+    if (file_.type != ET_DYN && file_.type != ET_EXEC) {
+        Refuse("load: no loader takes a file of its type (" + TypeName(file_.type) + ")");
+    } else if (file_.is_program) {
+        Note("a program, no caption module: only what starting it needs is looked at");
+    } else if (!file_.has_dynamic_section) {
+        Refuse("load: it has no dynamic section, without which no loader takes a library");
+    } else if (file_.refuses_dlopen) {
+        Refuse("load: it is marked to refuse dlopen; link without -Wl,-z,nodlopen");
+    } else if (!file_.has_gnu_hash && !file_.has_hash) {
+        Refuse(
+            "load: it has no hash table, without which no symbol of it is found; link with "
+            "-Wl,--hash-style=both");
+    }
+    if (file_.relocates_code) {
+        Complain(
+            "relocations: the loader has to write into its code; compile with -fPIC, link "
+            "with -Wl,-z,text");
+    }
+    if (file_.stack == host::ElfStack::kExecutable && target_.machine == EM_MIPS) {
+        Note(
+            "it wants an executable stack, as compilers for MIPS say by default; "
+            "-Wl,-z,noexecstack takes that away");
+    } else if (file_.stack == host::ElfStack::kExecutable) {
+        Complain("stack: it wants an executable stack; link with -Wl,-z,noexecstack");
+    }
+}
+
+void Inspector::AskBoard() {
+    const Json board = CheckBoard({path_, target_, file_, processor_}, sysroot_);
+    report_["sysroot"] = board["sysroot"];
+    for (const Json& problem : board["problems"]) {
+        Refuse(problem.get<std::string>());
+    }
+    for (const Json& note : board["notes"]) {
+        Note(note.get<std::string>());
+    }
+}
+
+void Inspector::Load() {
+    Json live = DescribeLoadedModule(path_);
+    for (const char* part : {"loaded", "descriptor", "table"}) {
+        report_[part] = live[part];
+    }
+    for (const Json& problem : live["problems"]) {
+        report_["problems"].push_back(problem);
+    }
+}
+
+Json Inspector::Inspect() {
+    if (!ReadFile()) {
+        return report_;
+    }
+    CheckLoading();
+    if (!file_.is_program) {
+        CheckExports(file_, report_["problems"]);
+        if (target_.bits_class == ELFCLASS64) {
+            Complain("machine: it is a 64-bit file, and a module's hosts are 32-bit programs");
+        }
+    }
+    const bool is_own = target_ == host::OwnTarget();
+    if (!sysroot_.empty()) {
+        AskBoard();
+        Note("not loaded: with --sysroot the board is asked about, not this machine");
+    } else if (!is_own && !file_.is_program) {
+        Note("not loaded: it is a " + host::TargetName(target_) + " file, this quill a " +
+             host::TargetName(host::OwnTarget()) +
+             " program; quill inspect on the board shows descriptor and table");
+    }
+    if (sysroot_.empty() && is_own && !file_.is_program && report_["loaded"].is_null()) {
+        Load();
+    }
+    return report_;
 }
 
 }  // namespace
 
-Json InspectModule(const std::string& path) {
-    const std::string bytes = host::ReadModuleFile(path);
-    const host::ElfTarget target = host::ElfTargetOf(bytes, path);
-    Json report = {{"module", path},           {"file", DescribeTarget(target)},
-                   {"needed", nullptr},        {"versions", nullptr},
-                   {"exports", nullptr},       {"loaded", false},
-                   {"descriptor", nullptr},    {"table", nullptr},
-                   {"problems", Json::array()}};
-    if (!(target == host::OwnTarget())) {
-        report["problems"].push_back("machine: " + host::DescribeMismatch(path, target));
-    }
-    const bool is_whole = ReadFile(bytes, target, report);
-    if (!is_whole || !(target == host::OwnTarget())) {
-        return report;
-    }
-    Json live = DescribeLoadedModule(path);
-    for (const char* part : {"loaded", "descriptor", "table"}) {
-        report[part] = live[part];
-    }
-    for (const Json& problem : live["problems"]) {
-        report["problems"].push_back(problem);
-    }
-    return report;
+Json InspectModule(const std::string& path, const std::string& sysroot) {
+    return Inspector(path, sysroot).Inspect();
 }
 
 }  // namespace quill::inspect
