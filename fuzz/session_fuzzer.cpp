@@ -42,8 +42,8 @@ class Notes : public replay::PlaySink {
 
 std::vector<std::string> play(const replay::Session& session) {
     Notes notes;
-    replay::SessionPlayer player(
-        session, module().methods(), [] { return std::string(); }, notes);
+    const auto nothing = [] { return std::string(); };
+    replay::SessionPlayer player(session, module().methods(), nothing, notes);
     player.Play();
     return notes.lines;
 }

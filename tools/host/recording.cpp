@@ -32,7 +32,7 @@ void CheckThatItCanBeWritten(const std::string& log) {
 std::string RecordTo(const std::string& log, const std::string& module) {
     std::string guard = FindGuard();
     // What is wrong with a module is said here as anywhere, and the guard needs no words for it.
-    { const ModuleHandle tried(module); }
+    static_cast<void>(ModuleHandle(module));
     CheckThatItCanBeWritten(log);
     // A name without a slash would send the loader to the system's library folders.
     const std::string file = module.find('/') == std::string::npos ? "./" + module : module;

@@ -97,8 +97,8 @@ void PlayInChild(const Session& session, const ReplayOptions& options, host::Cha
         const support::Methods methods = support::methods_at(&module.methods());
         printed.Take();
         Comparison comparison(session, options.keeps_pace, channel);
-        SessionPlayer player(
-            session, methods, [&printed] { return printed.Take(); }, comparison);
+        const auto take = [&printed] { return printed.Take(); };
+        SessionPlayer player(session, methods, take, comparison);
         player.Play();
     }
     channel.Write(Tell(kEnd, ""));
