@@ -3,56 +3,26 @@
 #include <elf.h>
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
 #include <map>
 #include <memory>
-#include <optional>
 #include <set>
-#include <sstream>
 
-#include "tools/console/failure.h"
-#include "tools/host/elf_reader.h"
+#include "tools/inspect/board_library.h"
 #include "tools/inspect/sysroot.h"
 
 namespace quill::inspect {
 namespace {
 
 using console::Json;
+using Member = BoardLibrary;
 
 constexpr std::size_t kMostLibraries = 500;
 constexpr std::size_t kMostSymbols = 3;
 
-// A library of the board, or the file itself.
-struct Member {
-    std::string name;    // by which it is asked for
-    std::string path;    // on the board; of the file, empty when it lies elsewhere
-    std::string called;  // in messages
-    const Member* asked_by = nullptr;
-    host::ElfDynamic dynamic;
-    std::map<std::string, std::string> highest;  // version that it offers, by family
-    Processor processor;
-};
-
-// The parts of musl itself, which it takes itself for.
-bool IsPartOfMusl(const std::string& name) {
-    constexpr std::array<const char*, 7> kParts = {"libc.",  "libm.",    "libdl.",  "libpthread.",
-                                                   "librt.", "libutil.", "libxnet."};
-    return std::any_of(kParts.begin(), kParts.end(), [&name](const std::string& part) {
-        return name.compare(0, part.size(), part) == 0;
-    });
-}
-
-// The highest version of the family that the library offers; empty when there is none.
-std::string Highest(const Member& library, const std::string& family) {
-    const auto found = library.highest.find(family);
-    return found != library.highest.end() ? found->second : "";
-}
-
 class BoardChecker {
   public:
     BoardChecker(const BoardFile& file, const std::string& folder)
-        : target_(file.target), root_(folder) {
+        : target_(file.target), root_(folder), finder_(root_, target_) {
         auto first = std::make_unique<Member>();
         first->path = root_.NameOf(file.path).value_or("");
         first->called = "the file";
@@ -65,10 +35,6 @@ class BoardChecker {
 
   private:
     void AddNeeded(const Member& member);
-    std::unique_ptr<Member> Load(const std::string& name, const Member& asker);
-    std::unique_ptr<Member> Open(const std::string& path);
-    std::vector<std::string> FoldersFor(const Member& asker) const;
-    void AddRunPath(const Member& member, std::vector<std::string>& folders) const;
     const Member* Called(const std::string& name) const;
     void CheckInterpreter();
     void CheckProcessor(const Member& library);
@@ -82,6 +48,7 @@ class BoardChecker {
 
     host::ElfTarget target_;
     Sysroot root_;
+    LibraryFinder finder_;
     std::vector<std::unique_ptr<Member>> members_;  // in the order of a loader, the file in front
     std::set<std::string> asked_;
     bool is_complete_ = true;  // else symbols may be missing because a library is
@@ -98,105 +65,20 @@ const Member* BoardChecker::Called(const std::string& name) const {
     return found != members_.end() ? found->get() : nullptr;
 }
 
-// What a file names itself, with $ORIGIN for its own folder.
-void BoardChecker::AddRunPath(const Member& member, std::vector<std::string>& folders) const {
-    std::istringstream path(member.dynamic.run_path);
-    std::string folder;
-    while (folders.size() < Sysroot::kMostFolders && std::getline(path, folder, ':')) {
-        for (const std::string origin : {"${ORIGIN}", "$ORIGIN"}) {
-            if (!member.path.empty() && folder.compare(0, origin.size(), origin) == 0) {
-                folder.replace(0, origin.size(),
-                               std::filesystem::path(member.path).parent_path().string());
-            }
-        }
-        if (!folder.empty() && folder[0] == '/') {
-            folders.push_back(folder);
-        }
-    }
-}
-
-std::vector<std::string> BoardChecker::FoldersFor(const Member& asker) const {
-    std::vector<std::string> folders;
-    const bool is_alone = !asker.dynamic.run_path.empty() && !asker.dynamic.run_path_is_inherited;
-    for (const Member* one = is_alone ? nullptr : &asker; one != nullptr; one = one->asked_by) {
-        if (one->dynamic.run_path_is_inherited) {
-            AddRunPath(*one, folders);
-        }
-    }
-    if (is_alone) {
-        AddRunPath(asker, folders);
-    }
-    folders.insert(folders.end(), root_.library_folders().begin(), root_.library_folders().end());
-    return folders;
-}
-
-// Null when there is no such file, or it is for another machine. Throws Failure and DamagedElf.
-std::unique_ptr<Member> BoardChecker::Open(const std::string& path) {
-    const std::optional<std::string> place = root_.Find(path);
-    if (!place) {
-        return nullptr;
-    }
-    const std::string bytes = host::ReadModuleFile(*place, "library");
-    const host::ElfTarget target = host::ElfTargetOf(bytes, *place, "library");
-    if (!(target == target_)) {
-        return nullptr;
-    }
-    auto member = std::make_unique<Member>();
-    member->path = path;
-    member->called = path;
-    member->dynamic = host::ReadElfDynamic(bytes, target);
-    for (const std::string& name : member->dynamic.version_offers) {
-        host::NoteVersion(name, member->highest);
-    }
-    member->processor = ReadProcessor(bytes, target);
-    return member;
-}
-
-std::unique_ptr<Member> BoardChecker::Load(const std::string& name, const Member& asker) {
-    std::vector<std::string> paths;
-    if (name.find('/') != std::string::npos) {
-        paths.push_back(name);
-    } else {
-        for (const std::string& folder : FoldersFor(asker)) {
-            paths.push_back((std::filesystem::path(folder) / name).string());
-        }
-        if (root_.other_c_library() == "musl" && IsPartOfMusl(name)) {
-            paths.push_back(root_.other_loader());
-        }
-    }
-    for (const std::string& path : paths) {
-        try {
-            std::unique_ptr<Member> member = Open(path);
-            if (member != nullptr) {
-                return member;
-            }
-        } catch (const console::Failure& failure) {
-            Complain("library: " + std::string(failure.what()));
-            return nullptr;
-        } catch (const host::DamagedElf& error) {
-            Complain("library: " + path + " is damaged: " + error.what() +
-                     "; copy it to the board again");
-            return nullptr;
-        }
-    }
-    Complain(
-        "library: " + name + ", which " + asker.called + " needs, is not in " + root_.folder() +
-        " for this machine: add it to the board's image, or build with the board's own toolchain");
-    return nullptr;
-}
-
 void BoardChecker::AddNeeded(const Member& member) {
     for (const std::string& name : member.dynamic.needed) {
         if (!asked_.insert(name).second || Called(name) != nullptr ||
             asked_.size() > kMostLibraries) {
             continue;
         }
-        std::unique_ptr<Member> library = Load(name, member);
+        std::string trouble;
+        std::unique_ptr<Member> library = finder_.Find(name, member, trouble);
         sysroot_["libraries"].push_back(
             {{"name", name},
              {"path", library != nullptr ? Json(library->path) : Json(nullptr)},
              {"needed_by", &member == &file() ? Json(nullptr) : Json(member.called)}});
         if (library == nullptr) {
+            Complain(trouble);
             is_complete_ = false;
             continue;
         }
@@ -236,7 +118,7 @@ void BoardChecker::CheckInterpreter() {
 void BoardChecker::ReportVersion(const Member& library, const host::ElfVersion& highest,
                                  bool fits) {
     const std::string joint = highest.number.empty() ? "" : " " + highest.number;
-    const std::string has = Highest(library, highest.family);
+    const std::string has = library.Highest(highest.family);
     sysroot_["versions"].push_back({{"library", library.name},
                                     {"asks", highest.family + joint},
                                     {"offers", has.empty() ? Json(nullptr) : Json(has)},
@@ -265,7 +147,7 @@ void BoardChecker::CheckVersions(const Member& asker) {
             }
         }
         for (const auto& [family, names] : missing) {
-            const std::string most = Highest(*library, family);
+            const std::string most = library->Highest(family);
             std::string line = "version: " + asker.called + " needs " + names + ", and ";
             line.append(library->path).append(" has ");
             if (most.empty()) {
@@ -305,7 +187,7 @@ void BoardChecker::CheckSymbols() {
 // What a C library cannot do that is too old, or too strict.
 void BoardChecker::CheckCLibrary() {
     const Member* const c_library = Called("libc.so.6");
-    const std::string version = c_library != nullptr ? Highest(*c_library, "GLIBC") : "";
+    const std::string version = c_library != nullptr ? c_library->Highest("GLIBC") : "";
     Json& name = sysroot_["c_library"];
     if (version.empty()) {
         name = root_.other_c_library().empty() ? Json(nullptr) : Json(root_.other_c_library());

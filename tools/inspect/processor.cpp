@@ -4,9 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 
 #include "tools/host/elf_image.h"
+#include "tools/inspect/attributes.h"
 
 namespace quill::inspect {
 namespace {
@@ -85,82 +85,6 @@ std::string TextOf(const Word (&words)[count], std::uint64_t value) {
     return "";
 }
 
-// Steps through a table of attributes, whose numbers are in groups of seven bits.
-class Attributes {
-  public:
-    // Of the section's part that the vendor "aeabi" or "gnu" defines; empty when there is none.
-    static std::map<std::uint64_t, std::uint64_t> Read(const ElfReader& file, std::uint64_t start,
-                                                       std::uint64_t size, const char* vendor);
-
-  private:
-    Attributes(const ElfReader& file, std::uint64_t at, std::uint64_t end, bool is_arm)
-        : file_(file), at_(at), end_(end), is_arm_(is_arm) {}
-
-    std::uint64_t Number();
-    void ReadOne(std::map<std::uint64_t, std::uint64_t>& found);
-
-    const ElfReader& file_;
-    std::uint64_t at_;
-    std::uint64_t end_;
-    bool is_arm_;
-};
-
-constexpr char kTable[] = "the table of attributes";
-
-std::uint64_t Attributes::Number() {
-    std::uint64_t number = 0;
-    for (unsigned shift = 0; at_ < end_; shift += 7) {
-        const std::uint64_t byte = file_.Field(kTable, at_++, {0, 0}, 1);
-        number |= shift < 64 ? (byte & 0x7Fu) << shift : 0;
-        if ((byte & 0x80u) == 0) {
-            break;
-        }
-    }
-    return number;
-}
-
-// Odd tags have a text, even ones a number, the compatibility tag both; ARM has three exceptions.
-void Attributes::ReadOne(std::map<std::uint64_t, std::uint64_t>& found) {
-    constexpr std::uint64_t kCompatibility = 32;
-    const std::uint64_t tag = Number();
-    const bool is_text = is_arm_ && tag < kCompatibility ? tag == 4 || tag == 5 : tag % 2 == 1;
-    if (!is_text) {
-        found[tag] = Number();
-    }
-    if (is_text || tag == kCompatibility) {
-        at_ += file_.Text(kTable, at_, end_).size() + 1;
-    }
-}
-
-std::map<std::uint64_t, std::uint64_t> Attributes::Read(const ElfReader& file, std::uint64_t start,
-                                                        std::uint64_t size, const char* vendor) {
-    constexpr std::uint64_t kWholeFile = 1;
-    std::map<std::uint64_t, std::uint64_t> found;
-    file.CheckRange(kTable, start, size);
-    const std::uint64_t end = start + size;
-    std::uint64_t part = start + 1;  // behind the format's letter
-    while (part + 4 < end) {
-        const std::uint64_t length = file.Field(kTable, part, {0, 0}, 4);
-        if (length < 5 || length > end - part) {
-            break;
-        }
-        const std::string name = file.Text(kTable, part + 4, part + length);
-        const std::uint64_t scope = part + 4 + name.size() + 1;
-        if (name == vendor && scope + 5 <= part + length &&
-            file.Field(kTable, scope, {0, 0}, 1) == kWholeFile) {
-            const std::uint64_t bytes = file.Field(kTable, scope + 1, {0, 0}, 4);
-            const std::uint64_t stop =
-                bytes < part + length - scope ? scope + bytes : part + length;
-            Attributes attributes(file, scope + 5, stop, name == "aeabi");
-            while (attributes.at_ < stop) {
-                attributes.ReadOne(found);
-            }
-        }
-        part += length;
-    }
-    return found;
-}
-
 class ProcessorReader {
   public:
     ProcessorReader(std::string_view bytes, const host::ElfTarget& target)
@@ -171,8 +95,7 @@ class ProcessorReader {
     Processor Read(unsigned machine);
 
   private:
-    std::map<std::uint64_t, std::uint64_t> ReadAttributes(std::uint64_t section_type,
-                                                          const char* vendor) const;
+    Attributes ReadSection(std::uint64_t type, const char* vendor) const;
     std::uint64_t MipsFloat() const;
     void ReadArm();
     void ReadMips();
@@ -197,8 +120,7 @@ class ProcessorReader {
 
 // Of the first section of that type. Sections may be stripped, or behind the end of what was
 // copied.
-std::map<std::uint64_t, std::uint64_t> ProcessorReader::ReadAttributes(std::uint64_t section_type,
-                                                                       const char* vendor) const {
+Attributes ProcessorReader::ReadSection(std::uint64_t type, const char* vendor) const {
     const char* const what = "the table of sections";
     try {
         const std::uint64_t table = file_.Word("the ELF header", 0, kSectionTable);
@@ -206,9 +128,9 @@ std::map<std::uint64_t, std::uint64_t> ProcessorReader::ReadAttributes(std::uint
         const std::uint64_t count = file_.Field("the ELF header", 0, kSectionCount, 2);
         for (std::uint64_t i = 0; table != 0 && i < count; ++i) {
             const std::uint64_t at = table + i * size;
-            if (file_.Field(what, at, kSectionType, 4) == section_type) {
-                return Attributes::Read(file_, file_.Word(what, at, kSectionOffset),
-                                        file_.Word(what, at, kSectionBytes), vendor);
+            if (file_.Field(what, at, kSectionType, 4) == type) {
+                return ReadAttributes(file_, file_.Word(what, at, kSectionOffset),
+                                      file_.Word(what, at, kSectionBytes), vendor);
             }
         }
     } catch (const host::DamagedElf&) {
@@ -222,7 +144,7 @@ void ProcessorReader::ReadArm() {
     constexpr std::uint64_t kSoftFloat = 0x200;
     constexpr std::uint64_t kInRegisters = 1;
     constexpr std::uint64_t kEitherWay = 3;
-    std::map<std::uint64_t, std::uint64_t> tags = ReadAttributes(kArmAttributes, "aeabi");
+    Attributes tags = ReadSection(kArmAttributes, "aeabi");
     const auto profile = static_cast<char>(tags[7]);
     const std::string architecture = TextOf(kArmArchitecture, tags[6]);
     const bool has_profile = profile == 'A' || profile == 'R' || profile == 'M';
@@ -250,7 +172,7 @@ std::uint64_t ProcessorReader::MipsFloat() const {
     if (abi_flags != nullptr) {
         return file_.Field("the table of ABI flags", abi_flags->offset, kFloatAbi, 1);
     }
-    return ReadAttributes(SHT_GNU_ATTRIBUTES, "gnu")[4];
+    return ReadSection(SHT_GNU_ATTRIBUTES, "gnu")[4];
 }
 
 void ProcessorReader::ReadMips() {
@@ -278,7 +200,7 @@ void ProcessorReader::ReadMips() {
 }
 
 void ProcessorReader::ReadPower() {
-    std::map<std::uint64_t, std::uint64_t> tags = ReadAttributes(SHT_GNU_ATTRIBUTES, "gnu");
+    Attributes tags = ReadSection(SHT_GNU_ATTRIBUTES, "gnu");
     const std::uint64_t number = tags[4] & 3u;
     if (number != 0) {
         SetFloat(kPowerFloat[number]);
