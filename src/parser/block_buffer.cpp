@@ -1,6 +1,7 @@
 #include "parser/block_buffer.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstring>
 #include <new>
 
@@ -15,6 +16,7 @@ bool BlockBuffer::fgCopyLines(const ChunkLines& lines) {
     const char* line = lines.text.data();
     for (unsigned i = 0;; ++i) {
         const char* const end = lines.ends[i];
+        assert(uLineFeedsIn({line, static_cast<std::size_t>(end - line)}) == 0);
         vPut({line, static_cast<std::size_t>(end - line)});
         if (lines.is_cut) {
             return true;
@@ -34,7 +36,7 @@ bool BlockBuffer::fgAppendText(std::string_view text) {
         return false;
     }
     vPut(text);
-    m_line_feeds += static_cast<unsigned>(std::count(text.begin(), text.end(), '\n'));
+    m_line_feeds += uLineFeedsIn(text);
     return true;
 }
 
@@ -44,12 +46,14 @@ void BlockBuffer::vPut(std::string_view text) {
         m_size += text.size();
     }
     m_data[m_size] = '\0';
+    assert(fgIsTerminated());
 }
 
 /// Makes the text the buffer's own, with room for so many bytes more and the terminating zero.
 bool BlockBuffer::fgReserve(std::size_t uMore) {
     // The sum cannot wrap: what is to be appended lies in memory beside what is held.
     const std::size_t needed = m_size + uMore + 1;
+    assert(fgIsTerminated());
     if (fgOwns() && needed <= m_capacity) {
         return true;
     }
@@ -83,6 +87,7 @@ void BlockBuffer::vTruncate(std::size_t uNewSize, unsigned uNewLineFeeds) {
     }
     m_size = uNewSize;
     m_line_feeds = uNewLineFeeds;
+    assert(fgIsTerminated() && uLineFeedsIn(strText()) == m_line_feeds);
 }
 
 void BlockBuffer::vFreeStorage() {

@@ -1,6 +1,8 @@
 // The text of the block, or of the header line, that is being collected.
 #pragma once
 
+#include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <memory>
 #include <string_view>
@@ -61,7 +63,15 @@ class BlockBuffer {
   private:
     static constexpr std::size_t kFirstCapacity = 256;
 
+    static unsigned uLineFeedsIn(std::string_view text) {
+        return static_cast<unsigned>(std::count(text.begin(), text.end(), '\n'));
+    }
+
     bool fgOwns() const { return m_data != nullptr && m_text == m_data.get(); }
+    /// Whether a text of its own ends in its zero, within its storage.
+    bool fgIsTerminated() const {
+        return !fgOwns() || (m_size < m_capacity && m_data[m_size] == '\0');
+    }
     bool fgCopyLines(const ChunkLines& lines);
     bool fgReserve(std::size_t uMore);
     void vFreeStorage();
@@ -84,6 +94,7 @@ inline bool BlockBuffer::fgAppendLines(const ChunkLines& lines) {
     if (m_size == 0) {
         m_text = lines.text.data();
     }
+    assert(uLineFeedsIn(lines.text) + 1 == lines.count);
     m_size += lines.text.size() + 1;
     m_line_feeds += lines.count;
     return true;
