@@ -25,6 +25,8 @@ STATEMENTS = {CursorKind.BREAK_STMT, CursorKind.CONTINUE_STMT, CursorKind.RETURN
 BODIES = {CursorKind.COMPOUND_STMT, CursorKind.IF_STMT, CursorKind.FOR_STMT, CursorKind.WHILE_STMT,
           CursorKind.DO_STMT, CursorKind.CASE_STMT, CursorKind.DEFAULT_STMT,
           CursorKind.CXX_FOR_RANGE_STMT}
+FUNCTIONS = {CursorKind.FUNCTION_DECL, CursorKind.FUNCTION_TEMPLATE, CursorKind.CXX_METHOD}
+REFERENCES = {CursorKind.DECL_REF_EXPR, CursorKind.OVERLOADED_DECL_REF, CursorKind.MEMBER_REF_EXPR}
 # Spots that only the compiler looks at.
 SKIPPED = {CursorKind.STATIC_ASSERT, CursorKind.ALIGNED_ATTR}
 
@@ -33,8 +35,11 @@ class Reader:
     """The places of one file."""
 
     def __init__(self, path):
-        self.path, self.text, self.places = str(path), path.read_text("utf-8"), []
+        self.path, self.text = str(path), path.read_text("utf-8")
+        self.places = []  # each with the function that it is in
         self.constant = False  # within what the compiler computes
+        self.function = ""  # within this one
+        self.named = set()  # all that is called or read
 
     def read(self, cursor):
         for child in cursor.get_children():
@@ -61,9 +66,13 @@ class Reader:
             self.local(cursor)
         if parent.kind in BODIES:
             self.statement(cursor, parent)
-        was_constant, self.constant = self.constant, self.constant or self.is_constant(cursor)
+        if cursor.kind in REFERENCES:
+            self.named.add(cursor.spelling)
+        was, self.constant = (self.constant, self.function), self.constant or self.is_constant(cursor)
+        if cursor.kind in FUNCTIONS:
+            self.function = cursor.spelling
         self.read(cursor)
-        self.constant = was_constant
+        self.constant, self.function = was
 
     def is_constant(self, cursor):
         begin = cursor.extent.start.offset
@@ -79,7 +88,7 @@ class Reader:
         if self.text.startswith(old, at) and span[0] <= at and at + len(old) <= span[1]:
             line = self.text.count("\n", 0, at) + 1
             form = "" if self.constant else form
-            self.places.append((kind, span, at, old, new, form, line))
+            self.places.append((self.function, (kind, span, at, old, new, form, line)))
 
     def operator(self, cursor, left, right):
         begin, end = left.extent.end.offset, right.extent.start.offset
@@ -192,9 +201,9 @@ def all_faults(root):
     files = sorted(str(path.relative_to(root / "src")) for path in (root / "src").rglob("*")
                    if path.suffix in (".h", ".cpp"))
     index = cindex.Index.create()
-    # Assertions are no part of the module.
+    # Assertions are no part of the module, nor is what they alone call.
     arguments = ["-x", "c++", "-DNDEBUG", *compiler_flags(root)]
-    faults = []
+    readers = []
     with tempfile.TemporaryDirectory() as folder:
         standard = pathlib.Path(folder, "standard.h")  # read once instead of once a file
         standard.write_text(standard_headers(root / "src"), "utf-8")
@@ -203,8 +212,15 @@ def all_faults(root):
         for name in files:
             reader = Reader(root / "src" / name)
             reader.read(parse(index, root / "src" / name, arguments).cursor)
-            for place in sorted(set(reader.places), key=lambda place: place[2:5] + place[1:2]):
-                faults.append(make_drawn(len(faults) + 1, name, reader.text, place))
+            readers.append(reader)
+    asserted = {name for reader in readers for name in re.findall(
+        r"(\w+)\(", "".join(re.findall(r"\bassert\((.*?)\);", reader.text, re.DOTALL)))}
+    asserted -= {name for reader in readers for name in reader.named}
+    faults = []
+    for name, reader in zip(files, readers):
+        places = {place for function, place in reader.places if function not in asserted}
+        for place in sorted(places, key=lambda place: place[2:5] + place[1:2]):
+            faults.append(make_drawn(len(faults) + 1, name, reader.text, place))
     return faults
 
 
@@ -233,16 +249,26 @@ def draw(faults, count, seed):
     return sorted(drawn, key=lambda fault: fault.number)
 
 
+def git(root, *words):
+    try:
+        done = subprocess.run(["git", "-C", root, *words], capture_output=True, text=True)
+    except FileNotFoundError as error:
+        raise FaultError("git, which says what has changed, is not installed") from error
+    if done.returncode != 0:
+        raise FaultError(f"what has changed is not known: {done.stderr.strip()}; --changed BASE "
+                         "(scripts/test --mutate BASE) takes any commit that this clone has")
+    return done.stdout
+
+
 def on_changed_lines(faults, root, base):
     """Those on lines that are not the same in the commit from which the tree was branched off."""
-    done = subprocess.run(["git", "-C", root, "diff", "-U0", "--no-color", "--no-ext-diff",
-                           "--merge-base", base, "--", "src"], capture_output=True, text=True)
-    if done.returncode != 0:
-        raise FaultError(done.stderr.strip())
-    changed, name = set(), ""
-    for line in done.stdout.splitlines():
+    new = git(root, "ls-files", "--others", "--exclude-standard", "--", "src").splitlines()
+    changed = {(fault.file, fault.line) for fault in faults if f"src/{fault.file}" in new}
+    name = ""
+    for line in git(root, "diff", "-U0", "--no-color", "--no-ext-diff", "--no-prefix", "--merge-base",
+                    base, "--", "src").splitlines():
         if line.startswith("+++ "):
-            name = line.removeprefix("+++ b/src/")
+            name = line.removeprefix("+++ src/")
         found = re.match(r"@@ -\S+ \+(\d+)(?:,(\d+))? @@", line)
         if found:
             first, count = int(found[1]), int(found[2] or 1)

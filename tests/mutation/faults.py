@@ -25,6 +25,7 @@ class Fault:
     kind: str = ""
     before: str = ""  # the changed lines, white space apart, as they are
     after: str = ""
+    above: str = ""  # the line above these
 
 
 SEEN_BY = ("tests", "sanitizer", "compiler")
@@ -68,22 +69,28 @@ def make_drawn(number, file, text, place):
     end = text.find("\n", at + len(old))
     before = text[begin:end]
     after = text[begin:at] + new + text[at + len(old):end]
+    above = text[:begin].rstrip().rpartition("\n")[2]
     return Fault(number, file, old, new, kind, "tests", at, line, span, form, kind,
-                 " ".join(before.split()), " ".join(after.split()))
+                 *(" ".join(part.split()) for part in (before, after, above)))
 
 
 def read_equivalent(path, places):
     """The faults, among all that can be drawn, that change nothing, each with the reason."""
     reasons = {}
     for entry in tomllib.loads(pathlib.Path(path).read_text("utf-8")).get("equivalent", []):
-        if entry.keys() != {"file", "before", "after", "why"} or not entry["why"]:
-            raise FaultError(f"{path.name}: an entry has the fields file, before, after and why: {entry}")
+        if entry.keys() - {"above"} != {"file", "before", "after", "why"} or not entry["why"]:
+            raise FaultError(f"{path.name}: an entry has the fields file, before, after and why, and "
+                             f"knows above: {entry}")
         found = [fault for fault in places
-                 if (fault.file, fault.before, fault.after)
-                 == (entry["file"], entry["before"], entry["after"])]
+                 if (fault.file, fault.before, fault.after, entry.get("above", fault.above))
+                 == (entry["file"], entry["before"], entry["after"], fault.above)]
+        text = f"src/{entry['file']}\n- {entry['before']}\n+ {entry['after']}"
         if not found:
-            raise FaultError(f"{path.name}: no fault that can be drawn in src/{entry['file']} is\n"
-                             f"- {entry['before']}\n+ {entry['after']}")
+            raise FaultError(f"{path.name}: no fault like this can be drawn in {text}")
+        lines = sorted({fault.line for fault in found})
+        if len(lines) > 1:
+            raise FaultError(f"{path.name}: lines {', '.join(map(str, lines))} can have this fault; the "
+                             f"field above says which one is meant, by the line above it: {text}")
         reasons.update({fault.number: entry["why"] for fault in found})
     return reasons
 

@@ -28,7 +28,8 @@ class Stage:
 
 
 # A fault goes from one to the next until it is noticed. What a test takes is not twice the same.
-STAGES = [Stage("tests", "plain", "tests", 0, QUICK), Stage("slow tests", "plain", "tests", QUICK / 2),
+STAGES = [Stage("quick tests", "plain", "tests", 0, QUICK),
+          Stage("slow tests", "plain", "tests", QUICK / 2),
           Stage("sanitizer", "sanitized", "sanitizer")]
 
 

@@ -4,7 +4,7 @@ import json
 import subprocess
 from collections import Counter
 
-from laboratory import COMPILER
+from laboratory import COMPILER, STAGES
 
 
 class Score:
@@ -17,7 +17,7 @@ class Score:
     def add(self, fault, stage, killer):
         self.tried.add(fault.number)
         if killer:
-            self.by[fault.number] = "compiler" if killer == COMPILER else stage.seen_by
+            self.by[fault.number] = "compiler" if killer == COMPILER else stage.name
 
     def noticed(self, fault):
         return fault.number in self.by
@@ -38,17 +38,18 @@ class Score:
         equivalent = sum(fault.number in self.equivalent and not self.noticed(fault)
                          for fault in faults)
         survived = len(set(faults) & set(self.survivors()))
-        return {"faults": len(faults), "tests": by["tests"], "sanitizer": by["sanitizer"],
+        return {"faults": len(faults), **{stage.name: by[stage.name] for stage in STAGES},
                 "compiler": by["compiler"], "equivalent": equivalent,
                 "survived": survived, "untried": by[None] - equivalent - survived}
 
     def summary(self):
         counts = self.counts(self.faults)
         files = len({fault.file for fault in self.faults})
-        noticed = counts["tests"] + counts["sanitizer"] + counts["compiler"]
-        text = (f"{len(self.faults)} faults in {files} files: {noticed} noticed ({counts['tests']} by "
-                f"the tests, {counts['sanitizer']} by a sanitizer only, {counts['compiler']} by the "
-                f"compiler), {counts['survived']} survived")
+        noticed = sum(map(self.noticed, self.faults))
+        text = (f"{len(self.faults)} faults in {files} files: {noticed} noticed "
+                f"({counts['quick tests']} by quick tests, {counts['slow tests']} by slow ones, "
+                f"{counts['sanitizer']} by a sanitizer only, {counts['compiler']} by the compiler), "
+                f"{counts['survived']} survived")
         text += f", {counts['equivalent']} change nothing" if self.equivalent else ""
         return text + ("" if self.complete else f"; interrupted, {counts['untried']} not tried yet, "
                        "and not all survivors by every stage")

@@ -22,6 +22,7 @@ SOURCE = """\
 #include <cassert>
 enum Kind { kOne = 1 };
 int twice(int value);
+inline bool is_small(int value) { return value < 99; }
 bool inside(int value, const int* end) {
     int sum = value + 7;
     if (value < 10 && end != nullptr) {
@@ -32,7 +33,7 @@ bool inside(int value, const int* end) {
         break;
     }
     static_assert(sizeof(sum) == 4, "an int");
-    assert(sum >= 0);
+    assert(sum >= 0 && is_small(sum) && twice(sum) == 0);
     return !(sum == 2);
 }
 """
@@ -56,7 +57,9 @@ DRAWN = [
 # What is between the brackets of a for is no statement; assertions are not in the module.
 NOT_DRAWN = [
     ("statement", "for (; sum > 0; --sum) {", "for (; ; --sum) {"),
-    ("statement", "assert(sum >= 0);", ";"),
+    ("statement", "assert(sum >= 0 && is_small(sum) && twice(sum) == 0);", ";"),
+    ("operator", "inline bool is_small(int value) { return value < 99; }",
+     "inline bool is_small(int value) { return value <= 99; }"),
     ("static", 'static_assert(sizeof(sum) == 4, "an int");',
      'static static_assert(sizeof(sum) == 4, "an int");'),
 ]
@@ -126,8 +129,14 @@ class DrawingTest(unittest.TestCase):
             path.write_text(SOURCE, "utf-8")
             faults = drawing.on_changed_lines(self.faults, pathlib.Path(folder), "HEAD")
             self.assertEqual([fault.before for fault in faults], ["twice(sum);"])
-            with self.assertRaises(FaultError):
+            with self.assertRaisesRegex(FaultError, "nowhere.*takes any commit"):
                 drawing.on_changed_lines(self.faults, pathlib.Path(folder), "nowhere")
+            subprocess.run([*git, "config", "diff.mnemonicPrefix", "true"], check=True)
+            self.assertEqual(drawing.on_changed_lines(self.faults, pathlib.Path(folder), "HEAD"), faults)
+            subprocess.run([*git, "rm", "-q", "--cached", "src/a.cpp"], check=True)
+            subprocess.run([*git, "commit", "-qm", "Before there was the file"], check=True)
+            self.assertEqual(drawing.on_changed_lines(self.faults, pathlib.Path(folder), "HEAD"),
+                             self.faults)
 
 
 class SwitchingTest(unittest.TestCase):
@@ -139,21 +148,33 @@ class SwitchingTest(unittest.TestCase):
 
 
 class EquivalentTest(unittest.TestCase):
-    def read(self, entry):
+    def read(self, entry, places):
         with tempfile.TemporaryDirectory() as folder:
             path = pathlib.Path(folder, "equivalent.toml")
             path.write_text("[[equivalent]]\n" + "".join(f"{key} = '''{value}'''\n"
                                                          for key, value in entry.items()), "utf-8")
-            return read_equivalent(path, faults())
+            return read_equivalent(path, places)
 
     def test_faults_are_found_by_their_text(self):
         entry = {"file": "a.cpp", "before": "if (a < b) {", "after": "if (true) {", "why": "b is large"}
-        self.assertEqual(self.read(entry), {2: "b is large"})
-        for wrong, reason in [({"after": "if (false) {"}, "no fault that can be drawn"),
-                              ({"file": "b.cpp"}, "no fault that can be drawn"),
+        self.assertEqual(self.read(entry, faults()), {2: "b is large"})
+        for wrong, reason in [({"after": "if (false) {"}, "no fault like this"),
+                              ({"file": "b.cpp"}, "no fault like this"),
+                              ({"above": "}"}, "no fault like this"),
+                              ({"line": "7"}, "has the fields"),
                               ({"why": ""}, "has the fields")]:
             with self.subTest(wrong), self.assertRaisesRegex(FaultError, reason):
-                self.read(entry | wrong)
+                self.read(entry | wrong, faults())
+
+    def test_the_line_above_tells_lines_apart(self):
+        text = "void f() {\n    c();\n}\nvoid g() {\n\n    c();\n}\n"
+        begin, again = text.index("c();"), text.rindex("c();")
+        places = [make_drawn(number, "a.cpp", text, ("statement", (at, at + 4), at, "c();", ";", "", line))
+                  for number, at, line in ((1, begin, 2), (2, again, 6))]
+        entry = {"file": "a.cpp", "before": "c();", "after": ";", "why": "c is empty"}
+        with self.assertRaisesRegex(FaultError, "lines 2, 6 can have this fault"):
+            self.read(entry, places)
+        self.assertEqual(self.read(entry | {"above": "void g() {"}, places), {2: "c is empty"})
 
 
 class DiaryTest(unittest.TestCase):
@@ -196,8 +217,9 @@ class ScoreTest(unittest.TestCase):
         score.add(third, quick, None)
         self.assertEqual(score.survivors(), [third])
         self.assertEqual(score.refuted(), [first])
-        self.assertEqual(score.counts(faults()), {"faults": 4, "tests": 1, "sanitizer": 1, "compiler": 0,
-                                                  "equivalent": 1, "survived": 1, "untried": 0})
+        self.assertEqual(score.counts(faults()),
+                         {"faults": 4, "quick tests": 0, "slow tests": 1, "sanitizer": 1, "compiler": 0,
+                          "equivalent": 1, "survived": 1, "untried": 0})
 
     def test_a_score_may_not_be_complete(self):
         first, second, *_ = faults()
