@@ -10,6 +10,7 @@ set(CPACK_SOURCE_GENERATOR "")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/debian/date.cmake)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian/package_files.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/root_owned.cmake)
 set(CPACK_QUILLCAPTION_SOURCE ${PROJECT_SOURCE_DIR})
 
 # Debian's names of the architectures; another target's is given with -DQUILLCAPTION_ARCHITECTURE.

@@ -123,6 +123,8 @@ class Packages(InstallTest):
         name = f"quillcaption-{VERSION}-{ARCHITECTURE}"
         self.assertEqual(package, f"{name}.tar.gz")
         with tarfile.open(self.made / "TGZ" / package) as archive:
+            owners = {(member.uid, member.gid, member.uname, member.gname) for member in archive}
+            self.assertEqual(owners, {(0, 0, "root", "root")})
             archive.extractall(self.folder / "unpacked")
         self.assertEqual(files_below(self.folder / "unpacked" / name), files_below(self.install("expected")))
         self.assert_runs(self.folder / "unpacked" / name)
