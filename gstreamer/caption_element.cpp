@@ -133,8 +133,8 @@ void InstallProperties(GObjectClass* object_class) {
     g_object_class_install_property(
         object_class, kQuiet,
         g_param_spec_boolean("quiet", "Quiet",
-                             "Drop what the module prints on standard output; what other threads "
-                             "print there in the same moment is dropped as well",
+                             "Drop what the module prints on standard output, but nothing of "
+                             "what other threads print there",
                              FALSE, kFlags));
 }
 

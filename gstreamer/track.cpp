@@ -4,7 +4,7 @@
 #include <new>
 #include <utility>
 
-#include "gstreamer/muted_output.h"
+#include "guard/printed_capture.h"
 #include "tools/host/exception_text.h"
 
 namespace gstquillcaption {
@@ -45,7 +45,7 @@ Track::~Track() {
 
 void Track::Feed(std::string_view bytes) {
     const std::lock_guard<std::mutex> lock(ModuleLock());
-    const MutedOutput muted(quiet_);
+    const guard::PrintedCapture muted({nullptr, quiet_});
     while (!bytes.empty() && !given_up_) {
         // The line feed of a carriage return that ended the line before ends no line of its own.
         const bool may_follow_return = line_.empty() && bytes.front() == '\n' && after_return_;

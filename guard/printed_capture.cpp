@@ -12,24 +12,25 @@
 namespace guard {
 namespace {
 
-/// Where the thread's output is kept; null when nothing is captured.
-thread_local Bytes* captured_to = nullptr;
+thread_local PrintedCapture::Fate current;
 
 /// While it lives, what a capture passes on is not captured again.
 class PassingOn {
   public:
-    explicit PassingOn(std::string_view bytes) : m_kept(captured_to) {
-        if (captured_to != nullptr) {
-            *captured_to << bytes;
+    explicit PassingOn(std::string_view bytes) : m_fate(current) {
+        if (current.kept_in != nullptr) {
+            *current.kept_in << bytes;
         }
-        captured_to = nullptr;
+        current = {};
     }
     PassingOn(const PassingOn&) = delete;
     PassingOn& operator=(const PassingOn&) = delete;
-    ~PassingOn() { captured_to = m_kept; }
+    ~PassingOn() { current = m_fate; }
+
+    bool is_dropped() const { return m_fate.is_dropped; }
 
   private:
-    Bytes* m_kept;
+    PrintedCapture::Fate m_fate;
 };
 
 /// Stands in for the buffer of std::cout.
@@ -40,7 +41,7 @@ class CoutBuffer : public std::streambuf {
   protected:
     std::streamsize xsputn(const char* bytes, std::streamsize size) override {
         const PassingOn passing_on({bytes, static_cast<std::size_t>(size)});
-        return real.load()->sputn(bytes, size);
+        return passing_on.is_dropped() ? size : real.load()->sputn(bytes, size);
     }
     int_type overflow(int_type byte) override {
         if (traits_type::eq_int_type(byte, traits_type::eof())) {
@@ -48,7 +49,7 @@ class CoutBuffer : public std::streambuf {
         }
         const char one = traits_type::to_char_type(byte);
         const PassingOn passing_on({&one, 1});
-        return real.load()->sputc(one);
+        return passing_on.is_dropped() ? byte : real.load()->sputc(one);
     }
     int sync() override {
         const PassingOn passing_on({});
@@ -103,7 +104,9 @@ class StdoutStream {
   private:
     static ssize_t write(void* self, const char* bytes, std::size_t size) {
         const PassingOn passing_on({bytes, size});
-        std::fwrite(bytes, 1, size, static_cast<StdoutStream*>(self)->m_real);
+        if (!passing_on.is_dropped()) {
+            std::fwrite(bytes, 1, size, static_cast<StdoutStream*>(self)->m_real);
+        }
         // Its failures are that stream's, and nobody has asked for them here.
         return static_cast<ssize_t>(size);
     }
@@ -183,32 +186,31 @@ bool PrintedCapture::is_possible(void* library) {
            dlsym(library, "_ZSt4cout") != nullptr;
 }
 
-PrintedCapture::PrintedCapture(Bytes* bytes)
-    : m_before(captured_to), m_is_capturing(bytes != nullptr) {
+PrintedCapture::PrintedCapture(Fate fate) : m_before(current), m_is_capturing(!fate.is_usual()) {
     if (m_is_capturing) {
         ways().enter();
-        captured_to = bytes;
+        current = fate;
     }
 }
 
 PrintedCapture::~PrintedCapture() {
     if (m_is_capturing) {
-        captured_to = m_before;
+        current = m_before;
         ways().leave();
     }
 }
 
-PrintedCapture::Pause::Pause() : m_kept(captured_to) {
-    if (m_kept != nullptr) {
-        captured_to = nullptr;
+PrintedCapture::Pause::Pause() : m_fate(current) {
+    if (!m_fate.is_usual()) {
+        current = {};
         ways().leave();
     }
 }
 
 PrintedCapture::Pause::~Pause() {
-    if (m_kept != nullptr) {
+    if (!m_fate.is_usual()) {
         ways().enter();
-        captured_to = m_kept;
+        current = m_fate;
     }
 }
 
@@ -223,7 +225,7 @@ void PrintedCapture::after_fork() {
 void PrintedCapture::after_fork_in_child() {
     ways().captures = 0;
     ways().lead_back();
-    captured_to = nullptr;
+    current = {};
     after_fork();
 }
 

@@ -6,7 +6,7 @@
 namespace guard {
 
 /// While it lives, what its thread writes by printf or std::cout is kept, and goes where it goes
-/// otherwise, byte for byte and in the same order.
+/// otherwise, byte for byte and in the same order. Or it is dropped.
 ///
 /// For that the C library's variable `stdout` and the buffer of std::cout lead to the guard as long
 /// as any thread captures. What other threads write meanwhile passes through. The stream that
@@ -19,8 +19,17 @@ class PrintedCapture {
     /// @param library the loaded module
     static bool is_possible(void* library);
 
+    /// What becomes of what a thread writes.
+    struct Fate {
+        Bytes* kept_in = nullptr;
+        bool is_dropped = false;
+
+        bool is_usual() const { return kept_in == nullptr && !is_dropped; }
+    };
+
     /// @param bytes where what is captured is kept; null to capture nothing
-    explicit PrintedCapture(Bytes* bytes);
+    explicit PrintedCapture(Bytes* bytes) : PrintedCapture(Fate{bytes}) {}
+    explicit PrintedCapture(Fate fate);
     PrintedCapture(const PrintedCapture&) = delete;
     PrintedCapture& operator=(const PrintedCapture&) = delete;
     ~PrintedCapture();
@@ -34,7 +43,7 @@ class PrintedCapture {
         ~Pause();
 
       private:
-        Bytes* m_kept;
+        Fate m_fate;
     };
 
     // A process that forks: the child has one thread, and captures nothing more.
@@ -46,7 +55,7 @@ class PrintedCapture {
     static void end();
 
   private:
-    Bytes* m_before = nullptr;
+    Fate m_before;
     bool m_is_capturing;
 };
 

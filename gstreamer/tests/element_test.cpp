@@ -1,6 +1,12 @@
 // What becomes of a track in the element.
 #include <gst/check/gstharness.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdio>
+#include <iostream>
+#include <thread>
 
 #include "gstreamer/tests/harness.h"
 
@@ -164,6 +170,59 @@ TEST(Element, LoadsTheModuleOrTheGuardBesideIt) {
     EXPECT_NE(error_with("/nowhere/quillcaption.so", true).find("quillcaption-guard.so"),
               std::string::npos);
     EXPECT_NE(error_with("/proc/self/exe", false).find("No caption module"), std::string::npos);
+}
+
+/// While it lives, standard output goes into a file.
+class OutputFile {
+  public:
+    OutputFile() : m_file(std::tmpfile()), m_original(dup(STDOUT_FILENO)) {
+        std::fflush(stdout);
+        dup2(fileno(m_file), STDOUT_FILENO);
+    }
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile() {
+        dup2(m_original, STDOUT_FILENO);
+        close(m_original);
+        std::fclose(m_file);
+    }
+
+    std::string text() const {
+        std::fflush(stdout);
+        std::rewind(m_file);
+        std::string text(std::size_t{1} << 20, '\0');
+        text.resize(std::fread(text.data(), 1, text.size(), m_file));
+        return text;
+    }
+
+  private:
+    std::FILE* m_file;
+    int m_original;
+};
+
+TEST(Element, DropsNothingOfWhatOtherThreadsPrint) {
+    constexpr int kTracks = 200;
+    const OutputFile output;
+    std::atomic<bool> is_done{false};
+    std::string printed;
+    std::thread other([&] {
+        for (int i = 0; !is_done; ++i) {
+            const std::string line = std::to_string(i) + "\n";
+            if (i % 2 == 0) {
+                std::fputs(line.c_str(), stdout);
+            } else {
+                std::cout << line << std::flush;
+            }
+            printed += line;
+            std::this_thread::yield();
+        }
+    });
+    for (int i = 0; i < kTracks; ++i) {
+        EXPECT_EQ(played(kTrack), kCues);
+    }
+    is_done = true;
+    other.join();
+    EXPECT_TRUE(output.text() == printed.substr(0, std::size_t{1} << 20));
 }
 
 }  // namespace
