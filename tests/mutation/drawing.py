@@ -200,7 +200,10 @@ def all_faults(root):
     """Every fault that can be drawn in src/, in the order of the files."""
     files = sorted(str(path.relative_to(root / "src")) for path in (root / "src").rglob("*")
                    if path.suffix in (".h", ".cpp"))
-    index = cindex.Index.create()
+    try:
+        index = cindex.Index.create()
+    except cindex.LibclangError as error:
+        raise ImportError(error) from error
     # Assertions are no part of the module, nor is what they alone call.
     arguments = ["-x", "c++", "-DNDEBUG", *compiler_flags(root)]
     readers = []

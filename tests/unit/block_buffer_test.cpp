@@ -222,13 +222,16 @@ TEST(BlockBuffer, KeepsUsualStorageForTheNextText) {
 }
 
 TEST(BlockBuffer, GivesHugeStorageBack) {
-    BlockBuffer buffer;
-    ASSERT_TRUE(buffer.fgAppendText(std::string(200000, 'x')));
-    buffer.vClear();
-    EXPECT_EQ(buffer.pcOwned(), nullptr);
-    EXPECT_TRUE(buffer.fgIsEmpty());
-    ASSERT_TRUE(buffer.fgAppendText("next"));
-    EXPECT_STREQ(buffer.pcOwned(), "next");
+    for (const char* const next : {"next", ""}) {
+        SCOPED_TRACE(next);
+        BlockBuffer buffer;
+        ASSERT_TRUE(buffer.fgAppendText(std::string(200000, 'x')));
+        buffer.vClear();
+        EXPECT_EQ(buffer.pcOwned(), nullptr);
+        EXPECT_TRUE(buffer.fgIsEmpty());
+        ASSERT_TRUE(buffer.fgAppendText(next));
+        EXPECT_STREQ(buffer.pcOwned(), next);
+    }
 }
 
 }  // namespace

@@ -2,7 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
+#include "base/value_parsers.h"
 #include "base/webvtt_string.h"
 #include "support/stdout_capture.h"
 
@@ -73,6 +75,16 @@ TEST(StrToUlong, EmptyTextGivesZeroAndFalseWithoutATrace) {
     EXPECT_EQ(support::output_of([&] { valid = WebvttString("").str_to_ulong(out); }), "");
     EXPECT_FALSE(valid);
     EXPECT_EQ(out, 0u);
+}
+
+TEST(ParseNumbers, ReadNoDigitBehindTheText) {
+    constexpr std::string_view kText = "12345";
+    unsigned int whole = 77;
+    EXPECT_TRUE(parse_uint(kText.substr(0, 2), whole));
+    EXPECT_EQ(whole, 12u);
+    double number = 77;
+    EXPECT_TRUE(parse_double(kText.substr(0, 3), number));
+    EXPECT_EQ(number, 123.0);
 }
 
 TEST(GetAnchorpoint, NeedsTextOnBothSidesOfTheFirstComma) {
