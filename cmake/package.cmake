@@ -88,6 +88,15 @@ if(QUILLCAPTION_TOOLS)
 corrects what is certain, and tries whether a build of the module behaves
 as players rely on.")
 endif()
+if(QUILLCAPTION_GSTREAMER)
+  set(framework "libglib2.0-0 (>= ${GSTREAMER_glib-2.0_VERSION})")
+  string(APPEND framework ", libgstreamer1.0-0 (>= ${GSTREAMER_gstreamer-1.0_VERSION})")
+  quillcaption_package(gstreamer gstreamer1.0-quillcaption ${QUILLCAPTION_ARCHITECTURE} video
+    "${libraries}, ${framework}, quillcaption"
+    "GStreamer element for WebVTT captions"
+    "It takes a WebVTT track, whole or as it arrives, drives the subtitle
+module with it, and gives timed text.")
+endif()
 quillcaption_package(docs quillcaption-doc all doc ""
   "pages and samples of the WebVTT subtitle-track parser module"
   "The host guide, the format of the tracks, an example of a host, and tracks

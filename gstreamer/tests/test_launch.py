@@ -17,7 +17,8 @@ from concurrent.futures import ThreadPoolExecutor
 BUILD = os.environ["BUILD"]
 QUILL = os.path.join(BUILD, "quill")
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), os.pardir, os.pardir)
-sys.path.insert(1, os.path.join(ROOT, "tests", "model"))
+sys.path[1:1] = [os.path.join(ROOT, "tests", folder) for folder in ("model", "docs")]
+import pages  # pylint: disable=wrong-import-position
 from generate import Generator  # pylint: disable=wrong-import-position
 
 TRACKS = 1000
@@ -26,6 +27,7 @@ BLOCKS = (1, 2, 3, 7, 100, 1460, 4096, 65536)
 LINE = re.compile(rb"(?<=\r)\n[^\r\n]*[\r\n]?|[^\r\n]*[\r\n]|[^\r\n]+\Z")
 CHAIN = re.compile(r"\((\d+) bytes, .*?pts: (\d+):(\d+):([\d.]+), duration: (\d+):(\d+):([\d.]+)")
 PATIENCE = 60
+DIFFERING = 150  # pixels of a picture, where another version of a library draws letters; one word is 400
 WORKERS = 8  # a short pipeline waits for its threads more than it computes
 
 
@@ -75,6 +77,14 @@ def cues_of(track):
         ours.close()
         cues = [json.loads(line) for line in quill.stdout.read().splitlines()]
     return [cue for cue in cues if cue["dStartTime"] < cue["dEndTime"] and cue["dEndTime"] > 0]
+
+
+def gray(path):
+    """The brightness of each pixel of the page's picture, but of the noise at the right."""
+    with tempfile.NamedTemporaryFile() as out:
+        launch(f"filesrc location={path} ! pngdec ! videoconvert ! video/x-raw,format=GRAY8 "
+               f"! videocrop right=160 ! filesink location={out.name}")
+        return out.read()
 
 
 def comparable(text):
@@ -155,6 +165,26 @@ class Launch(unittest.TestCase):
         self.assertLess(max(during[:width * height // 2]), 32)
         self.assertGreater(sum(byte > 128 for byte in during[width * height // 2:]), 100)
 
+    def test_the_picture_of_the_page(self):
+        """The page's command draws it, but for what letters of another version's may differ in."""
+        with open(os.path.join(ROOT, "docs", "gstreamer.md"), encoding="utf-8") as file:
+            command, = (command.text for block in pages.blocks(file.read()) if block.language == "console"
+                        for command in pages.commands(block) if "pngenc" in command.text)
+        with open(os.path.join(ROOT, "samples", "dialogue.vtt"), "rb") as file:
+            track = file.read()
+        drawn = gray(os.path.join(ROOT, "docs", "gstreamer.png"))
+        for old, new, is_the_same in ((b"", b"", True), (b"ferry", b"train", False), (b"ferry", b"fern", False),
+                                      (b"00:00:01.000 -->", b"00:00:02.500 -->", False)):
+            with tempfile.TemporaryDirectory() as folder:
+                for name in ("build", "samples"):
+                    os.mkdir(os.path.join(folder, name))
+                with open(os.path.join(folder, "samples", "dialogue.vtt"), "wb") as file:
+                    file.write(track.replace(old, new, 1))
+                subprocess.run(["bash", "-c", command], cwd=folder, check=True, timeout=PATIENCE)
+                differing = sum(abs(one - other) > 64 for one, other in
+                                zip(gray(os.path.join(folder, "build", "caption-1.png")), drawn))
+                self.assertEqual(differing < DIFFERING, is_the_same, f"{differing} pixels")
+
     def test_what_the_module_prints_goes_to_standard_output_unless_quiet(self):
         path = os.path.join(ROOT, "samples", "dialogue.vtt")
         for quiet in ("true", "false"):
@@ -176,10 +206,11 @@ class Launch(unittest.TestCase):
             for component in ("module", "gstreamer"):
                 subprocess.run(["cmake", "--install", BUILD, "--prefix", prefix, "--component",
                                 component], check=True, stdout=subprocess.DEVNULL)
+            plugin, = glob.glob(f"{prefix}/lib/**/libgstquillcaption.so", recursive=True)
             path = os.path.join(ROOT, "samples", "dialogue.vtt")
             said = launch(f"filesrc location={path} ! quillcaption quiet=true ! fdsink", env={
                 **os.environ, "GST_REGISTRY": f"{prefix}/registry",
-                "GST_PLUGIN_PATH": f"{prefix}/lib/gstreamer-1.0"})
+                "GST_PLUGIN_PATH": os.path.dirname(plugin)})
             self.assertTrue(said.stdout.startswith(b"The ferry is late again.\n"))
 
 
