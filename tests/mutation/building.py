@@ -52,6 +52,7 @@ class Build:
     def __init__(self, tree, folder, options=()):
         self.tree, self.folder, self.options = tree, folder, list(options)
         self.compile, self.link, self.read_by, self.left_out = {}, {}, {}, {}
+        self.words = {}  # that stand in a test of classes, by its object
 
     def is_sanitized(self):
         return any("SANITIZE" in option for option in self.options)
@@ -69,6 +70,8 @@ class Build:
             made = words[words.index("-o") + 1]
             if made in linked:
                 self.compile[made] = words
+                if made.endswith("_test.cpp.o"):
+                    self.words[made] = set(re.findall(r"\w+", pathlib.Path(entry["file"]).read_text("utf-8")))
         # The linker takes out of an archive what is needed: see not_for.
         must("ar", "--thin", "-crs", self.folder / "sources.a",
              *(self.folder / word for word in sorted(self.sources())))

@@ -6,7 +6,7 @@ from dataclasses import dataclass
 
 from building import MODULE, NOT_COPIED, UNIT_TESTS, Build, Trial
 from choosing import SwitchedBuild
-from testing import TARGETS, TestError, find_tests, measure, near_tests
+from testing import TARGETS, TestError, find_tests, measure, naming_tests, near_tests
 
 QUICK = 0.3  # seconds; slower tests come last
 FEW = 3  # objects that are compiled anew before the module is tried
@@ -101,7 +101,7 @@ class Laboratory:
 
     def in_order(self, trial, stage, tests):
         """The tests, each with the objects that its program is linked without."""
-        near = near_tests(trial.build, trial.fault.file)
+        near = naming_tests(trial.build, trial.fault).union(near_tests(trial.build, trial.fault.file))
         if near and not stage.least:
             units = next(test for test in tests if test.product == UNIT_TESTS)
             yield units, trial.build.not_for(near)

@@ -5,7 +5,7 @@ import tempfile
 import unittest
 
 from faults import FaultError, apply, make_fault, read_faults
-from testing import near_tests
+from testing import naming_tests, near_tests
 
 HERE = pathlib.Path(__file__).resolve().parent
 SOURCES = HERE.parent.parent / "src"
@@ -44,10 +44,18 @@ class FaultsTest(unittest.TestCase):
         self.assertEqual(apply(make_fault(1, ENTRY), "  int a;\n"), "  int b;\n")
 
 
+TESTS = ("cue_settings", "cue_text", "tokenizer_tags", "tokenizer_text", "node")
+
+
+def test_objects(*names):
+    return [f"tests/{name}_test.cpp.o" for name in names]
+
+
 class FakeBuild:
+    words = {**dict.fromkeys(test_objects(*TESTS), {"node"}), "tests/node_test.cpp.o": {"node", "kRoot"}}
+
     def unit_tests(self):
-        return [f"tests/{name}_test.cpp.o" for name in
-                ("cue_settings", "cue_text", "tokenizer_tags", "tokenizer_text", "node")]
+        return test_objects(*TESTS)
 
 
 class NearTest(unittest.TestCase):
@@ -59,7 +67,13 @@ class NearTest(unittest.TestCase):
                                ("api/exports.map", [])]:
             with self.subTest(file):
                 near = near_tests(FakeBuild(), file)
-                self.assertEqual(near, [f"tests/{name}_test.cpp.o" for name in expected])
+                self.assertEqual(near, test_objects(*expected))
+
+    def test_a_name_counts_that_few_tests_know(self):
+        for old, expected in [("kRoot = 0", ["node"]), ("node = 0", []), ("kOther = 0", [])]:
+            with self.subTest(old):
+                fault = make_fault(1, ENTRY | {"old": old})
+                self.assertEqual(naming_tests(FakeBuild(), fault), set(test_objects(*expected)))
 
 
 if __name__ == "__main__":

@@ -18,6 +18,7 @@ KEPT = re.compile(r"^(unit_tests|memory_tests|arena_tests|host_(?!case_thorough)
 # What these tests need, in the words of the build.
 TARGETS = ("quillcaption", "tests/unit/all", "tests/host/all", "script_player", "failing_player",
            "examples/all", "tests/examples/all")
+FEW = 3  # tests that name the same
 SLOW = 0.1  # seconds that a quick case does not take
 ADDRESS_SPACE = 3 << 30  # a fault may make a test eat all memory
 
@@ -161,6 +162,16 @@ def run(test):
 def processor_time():
     used = resource.getrusage(resource.RUSAGE_CHILDREN)
     return used.ru_utime + used.ru_stime
+
+
+def naming_tests(build, fault):
+    """The few tests of classes that name what stands on a fault's lines."""
+    near = set()
+    for word in set(re.findall(r"[A-Za-z_]\w{3,}", fault.before or fault.old)):
+        naming = {made for made in build.unit_tests() if word in build.words[made]}
+        if len(naming) <= FEW:
+            near |= naming
+    return near
 
 
 def near_tests(build, file):
