@@ -86,7 +86,8 @@ def read_equivalent(path, places):
                  == (entry["file"], entry["before"], entry["after"], fault.above)]
         text = f"src/{entry['file']}\n- {entry['before']}\n+ {entry['after']}"
         if not found:
-            raise FaultError(f"{path.name}: no fault like this can be drawn in {text}")
+            raise FaultError(f"{path.name}: no fault like this can be drawn in {text}\n"
+                             "put the entry right, or take it out if its lines are gone")
         lines = sorted({fault.line for fault in found})
         if len(lines) > 1:
             raise FaultError(f"{path.name}: lines {', '.join(map(str, lines))} can have this fault; the "

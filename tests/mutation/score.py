@@ -60,7 +60,7 @@ class Score:
                                 capture_output=True, text=True, check=True).stdout.split()
         kinds = sorted({fault.kind for fault in self.faults})
         content = {"commit": commit[0], "date": commit[1], "seed": arguments.seed,
-                   "complete": self.complete, "all": self.counts(self.faults),
+                   "all": self.counts(self.faults),
                    "kinds": {kind: self.counts([fault for fault in self.faults if fault.kind == kind])
                              for kind in kinds}}
         path.write_text(json.dumps(content, indent=2) + "\n", "utf-8")
