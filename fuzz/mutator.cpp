@@ -183,10 +183,10 @@ void change(Draft& draft, Format format) {
 
 std::size_t mutate(Format format, std::uint8_t* data, std::size_t size, std::size_t largest,
                    unsigned seed) {
-    Draft draft({reinterpret_cast<const char*>(data), size}, seed);
-    if (draft.random().one_in(2)) {
+    if (seed % 2 == 0) {
         return LLVMFuzzerMutate(data, size, largest);
     }
+    Draft draft({reinterpret_cast<const char*>(data), size}, seed);
     do {
         change(draft, format);
     } while (draft.random().one_in(2));

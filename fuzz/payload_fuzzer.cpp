@@ -1,5 +1,4 @@
 // The text of a cue: tokens, tree and plain text. An input is a payload.
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -8,17 +7,23 @@
 #include "cue/cue.h"
 #include "fuzz/check.h"
 #include "fuzz/mutator.h"
+#include "fuzz/shown_pieces.h"
 #include "payload/node_walk.h"
 #include "payload/tokenizer.h"
-#include "support/exact_block.h"
 
 namespace {
 
 using webvtt::Cue;
+using webvtt::Outcome;
 using webvtt::WebvttNode;
 
+constexpr std::string_view kHead = "00:00.000 --> 00:01.000\n";
+
 /// Cuts the payload into tokens: each takes something, and together they take everything.
-void check_tokens(const char* payload, int size) {
+void check_tokens(std::string_view text) {
+    const fuzz::ShownText shown(text);
+    const char* const payload = shown.text().data();
+    const auto size = static_cast<int>(text.size());
     Cue cue;
     for (int position = 0; position < size;) {
         Cue::Tokenizer_Data token(payload + position, size - position);
@@ -30,9 +35,9 @@ void check_tokens(const char* payload, int size) {
     }
 }
 
-/// What a walk over the tree finds.
+/// Compares a tree with the text that it is said to have.
 struct Census {
-    std::string text;
+    std::string_view text_left;
     std::size_t languages = 0;
     std::size_t nodes = 0;
 
@@ -47,34 +52,21 @@ struct Census {
         }
         languages += type == webvtt::NODE_LANGUAGE ? 1 : 0;
         if (type == webvtt::NODE_TEXT) {
-            text += static_cast<const webvtt::WebvttTextNode*>(node)->strText.text;
+            const std::string& part =
+                static_cast<const webvtt::WebvttTextNode*>(node)->strText.text;
+            FUZZ_CHECK(text_left.substr(0, part.size()) == part);
+            text_left.remove_prefix(part.size());
         }
     }
 };
 
-/// Parses a payload into the cue. False when it was given up at a start tag that is not known.
-bool parse(Cue& cue, std::string_view payload) {
-    support::ExactBlock block(payload);
-    try {
-        FUZZ_CHECK(cue.fgParseCuePayload(block.data(), block.size()));
-        FUZZ_CHECK(!payload.empty());
-        return true;
-    } catch (const webvtt::BadAllocException& error) {
-        FUZZ_CHECK(error.strGetMessage() == "create new Node Failed\n");
-        FUZZ_CHECK(payload.find('<') != std::string_view::npos);
-    } catch (const webvtt::InvalidArgumentException& error) {
-        FUZZ_CHECK(error.strGetMessage() == "Input pcLine is empty");
-        FUZZ_CHECK(payload.empty());
-    }
-    return false;
-}
-
 /// @param payload may hold a zero byte, with which or behind which its last token ends
-void check_cue(Cue& cue, std::string_view payload) {
-    const std::string content = cue.strGetCueContent().text;
-    Census census;
+/// @return its text
+std::string check_cue(Cue& cue, std::string_view payload) {
+    std::string content = cue.strGetCueContent().text;
+    Census census{content};
     webvtt::walk_tree(cue.pRootNode, [&census](const WebvttNode* node) { census.visit(node); });
-    FUZZ_CHECK(content == census.text);
+    FUZZ_CHECK(census.text_left.empty());
     FUZZ_CHECK(content.size() <= payload.size());
     if (payload.find_first_of("<&") == std::string_view::npos) {
         FUZZ_CHECK(content == payload);
@@ -86,50 +78,79 @@ void check_cue(Cue& cue, std::string_view payload) {
         FUZZ_CHECK(language.text == "lang");
     }
     cue.vPrintCueNodeList();
+    return content;
 }
 
-/// What comes of a whole block, which the module reads for its text alone, without a tree.
-struct Parsed {
-    enum class Outcome { kParsed, kEmpty, kUnknownTag } outcome;
-    std::string text;
-};
-
-Parsed parse_with_tree(std::string_view block) {
-    support::ExactText terminated(block);
+/// What comes of a payload: kDone, kEmptyInput, or kNoNode for a start tag that is not known.
+template <typename Parse>
+Outcome outcome_of(Parse parse, std::string_view payload) {
     try {
-        Cue cue;
-        FUZZ_CHECK(cue.fgParse(terminated.c_str(), terminated.length()));
-        return {Parsed::Outcome::kParsed, cue.strGetCueContent().text};
-    } catch (const webvtt::BadAllocException&) {
-        return {Parsed::Outcome::kUnknownTag, ""};
-    } catch (const webvtt::InvalidArgumentException&) {
-        return {Parsed::Outcome::kEmpty, ""};
+        FUZZ_CHECK(parse());
+        FUZZ_CHECK(!payload.empty());
+        return Outcome::kDone;
+    } catch (const webvtt::BadAllocException& error) {
+        FUZZ_CHECK(error.strGetMessage() == "create new Node Failed\n");
+        FUZZ_CHECK(payload.find('<') != std::string_view::npos);
+        return Outcome::kNoNode;
+    } catch (const webvtt::InvalidArgumentException& error) {
+        FUZZ_CHECK(error.strGetMessage() == "Input pcLine is empty");
+        FUZZ_CHECK(payload.empty());
+        return Outcome::kEmptyInput;
     }
 }
 
-Parsed parse_without_tree(std::string_view text) {
-    support::ExactBlock block(text);
+Outcome parse_payload(Cue& cue, std::string_view payload) {
+    const fuzz::ShownText shown(payload);
+    const auto size = static_cast<unsigned>(payload.size());
+    return outcome_of([&] { return cue.fgParseCuePayload(shown.text().data(), size); }, payload);
+}
+
+/// Parses a whole block.
+Outcome parse_block(Cue& cue, const std::string& block) {
+    const fuzz::ShownText terminated({block.c_str(), block.size() + 1});
+    const auto size = static_cast<unsigned>(block.size());
+    return outcome_of([&] { return cue.fgParse(terminated.text().data(), size); },
+                      std::string_view(block).substr(kHead.size()));
+}
+
+/// The module reads a block for its text alone, without a tree: the same must come of it.
+void check_without_tree(const std::string& block, Outcome outcome, std::string_view text) {
+    fuzz::ShownText shown(block);
     Cue cue;
-    const webvtt::Outcome outcome = cue.eParseForText({block.data(), block.size()}, block.data());
-    switch (outcome) {
-        case webvtt::Outcome::kDone:
-            FUZZ_CHECK(cue.pRootNode == nullptr && cue.vecApplicableClasses.empty());
-            return {Parsed::Outcome::kParsed, std::string(cue.strPlainText())};
-        case webvtt::Outcome::kEmptyInput:
-            return {Parsed::Outcome::kEmpty, ""};
-        default:
-            FUZZ_CHECK(outcome == webvtt::Outcome::kNoNode);
-            return {Parsed::Outcome::kUnknownTag, ""};
+    FUZZ_CHECK(cue.eParseForText(shown.text(), shown.data()) == outcome);
+    if (outcome == Outcome::kDone) {
+        FUZZ_CHECK(cue.pRootNode == nullptr && cue.vecApplicableClasses.empty());
+        FUZZ_CHECK(cue.strPlainText() == text);
     }
 }
 
-/// With and without a tree the same comes of it.
-void check_both_ways(std::string_view payload) {
-    const std::string text = std::string("00:00.000 --> 00:01.000\n").append(payload);
-    const Parsed with_tree = parse_with_tree(text);
-    const Parsed without_tree = parse_without_tree(text);
-    FUZZ_CHECK(with_tree.outcome == without_tree.outcome);
-    FUZZ_CHECK(with_tree.text == without_tree.text);
+/// What was read before has no influence: the same again goes under the same root.
+void check_once_more(Cue& cue, std::string_view payload, const std::string& text) {
+    const std::size_t classes = cue.vecApplicableClasses.size();
+    FUZZ_CHECK(parse_payload(cue, payload) == Outcome::kDone);
+    FUZZ_CHECK(cue.strGetCueContent().text == text + text);
+    FUZZ_CHECK(cue.vecApplicableClasses.size() == 2 * classes);
+}
+
+void check_block(std::string_view payload) {
+    const std::string block = std::string(kHead).append(payload);
+    Cue cue;
+    const Outcome outcome = parse_block(cue, block);
+    const std::string text = check_cue(cue, payload);
+    check_without_tree(block, outcome, text);
+    if (outcome == Outcome::kDone) {
+        check_once_more(cue, payload, text);
+    }
+}
+
+/// What is behind a zero byte cannot be part of a block.
+void check_payload(std::string_view payload) {
+    Cue cue;
+    const Outcome outcome = parse_payload(cue, payload);
+    const std::string text = check_cue(cue, payload);
+    if (outcome == Outcome::kDone) {
+        check_once_more(cue, payload, text);
+    }
 }
 
 }  // namespace
@@ -142,22 +163,10 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view payload(reinterpret_cast<const char*>(data), size);
     const std::string_view text = payload.substr(0, payload.find('\0'));
-
-    support::ExactBlock block(text);
-    check_tokens(block.data(), static_cast<int>(block.size()));
-
-    check_both_ways(text);
-
-    Cue cue;
-    const bool is_whole = parse(cue, payload);
-    check_cue(cue, payload);
-    if (is_whole) {
-        // What was read before has no influence: the same again goes under the same root.
-        const std::string once = cue.strGetCueContent().text;
-        const std::size_t classes = cue.vecApplicableClasses.size();
-        FUZZ_CHECK(parse(cue, payload));
-        FUZZ_CHECK(cue.strGetCueContent().text == once + once);
-        FUZZ_CHECK(cue.vecApplicableClasses.size() == 2 * classes);
+    check_tokens(text);
+    check_block(text);
+    if (text.size() != payload.size()) {
+        check_payload(payload);
     }
     return 0;
 }
