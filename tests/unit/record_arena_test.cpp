@@ -105,5 +105,20 @@ TEST(RecordArena, OnlyLargePieces) {
     arena.expect_intact();
 }
 
+#ifdef WEBVTT_RED_ZONES
+TEST(RecordArena, UnderTheSanitizerOnlyPiecesMayBeTouched) {
+    RecordArena arena;
+    for (int round = 0; round < 2; ++round) {
+        std::vector<char*> pieces;
+        for (const std::size_t size : {8u, 64u, 5000u}) {
+            pieces.push_back(static_cast<char*>(arena.pvTake(size)));
+            EXPECT_EQ(__asan_region_is_poisoned(pieces.back(), size + 1), pieces.back() + size);
+        }
+        arena.vFreeAll();
+        EXPECT_TRUE(__asan_address_is_poisoned(pieces.front()));  // in the slab that is kept
+    }
+}
+#endif
+
 }  // namespace
 }  // namespace webvtt
