@@ -11,7 +11,7 @@ CONTRACT = {"WEBVTT_MODULE_INFO": 144, "WebVtt_Module_Methods": 24} | {
                          "_Z30IZorWebVtt_Parser_vSetVideoPTSjm")}
 STRTAB, SYMTAB, STRSZ, SONAME, RPATH, TEXTREL, HASH, RUNPATH, RELR = 5, 6, 10, 14, 15, 22, 4, 29, 36
 GNU_HASH, VERDEF, VERDEFNUM, VERNEED, VERNEEDNUM = 0x6ffffef5, 0x6ffffffc, 0x6ffffffd, 0x6ffffffe, 0x6fffffff
-FLAGS_1 = 0x6ffffffb
+FLAGS, FLAGS_1 = 30, 0x6ffffffb
 
 
 def attributes(vendor, tags, order="<"):
@@ -22,11 +22,11 @@ def attributes(vendor, tags, order="<"):
     return b"A" + struct.pack(order + "I", 4 + len(name) + len(scope)) + name + scope
 
 
-def elf_file(machine=ARM, *, order="<", kind=3, flags=0x05000000, needed=(), versions=(), offers=(),
-             exports=None, imports=(), stack=6, interpreter=None, entries=(), names=(), hashed=True,
+def elf_file(machine=ARM, *, order="<", kind=3, flags=0x05000000, needed=(), versions=(), weak=(), offers=(),
+             exports=None, imports=(), stack=6, interpreter=None, entries=(), names=(), hash_table=HASH,
              sections=(), segments=()):
-    """versions: (library, (name, ...)); names: (tag, text) and entries: (tag, number) of the dynamic
-    section; sections and segments: (type, bytes)."""
+    """versions: (library, (name, ...)), weak: some of these names; names: (tag, text) and entries:
+    (tag, number) of the dynamic section; sections and segments: (type, bytes)."""
     strings = bytearray(b"\0")
 
     def name(text):
@@ -48,12 +48,15 @@ def elf_file(machine=ARM, *, order="<", kind=3, flags=0x05000000, needed=(), ver
         size = 16 * (1 + len(asked))
         needs += pack("HHIII", 1, len(asked), name(library), 16, 0 if number == len(versions) - 1 else size)
         for place, version in enumerate(asked, 1):
-            needs += pack("IHHII", 0, 0, 2, name(version), 0 if place == len(asked) else 16)
+            needs += pack("IHHII", 0, 2 if version in weak else 0, 2, name(version), 0 if place == len(asked) else 16)
     own = b"".join(pack("HHHHIIIII", 1, 0, place, 1, 0, 20, 0 if place == len(offers) else 28, name(version), 0)
                    for place, version in enumerate(offers, 1))
     tables = [(STRTAB, bytes(strings)), (SYMTAB, symbols), (VERNEED, needs), (VERDEF, own)]
-    if hashed:
-        tables.append((HASH, pack("II", 1, len(symbols) // 16) + bytes(4 + len(symbols) // 4)))
+    count = len(symbols) // 16
+    if hash_table == HASH:
+        tables.append((HASH, pack("II", 1, count) + bytes(4 + 4 * count)))
+    elif hash_table == GNU_HASH:  # one list of all symbols, whose last one is marked
+        tables.append((GNU_HASH, pack("6I", 1, 1, 1, 0, 0xffffffff, 1) + bytes(4 * (count - 2)) + pack("I", 1)))
     extra = ([(3, interpreter.encode() + b"\0")] if interpreter else []) + list(segments)
     headers = 3 + len(extra)
     content = bytearray(52 + 32 * headers)

@@ -2,16 +2,19 @@
 
 import json
 import os
+import re
 import resource
 import shutil
+import struct
 import subprocess
 import unittest
 
 import elf_maker
 from elf_maker import ARM, CONTRACT, MIPS, POWERPC, attributes, elf_file
-from quill_runner import EMULATOR, QUILL, SANITIZED, QuillTest
+from quill_runner import EMULATOR, PATIENCE, QUILL, SANITIZED, QuillTest
 
 FINE = "what the file shows is as it must be"
+COPIES = int(os.environ.get("QUILL_DAMAGED_COPIES", "100"))  # more in a campaign
 OWN = "build it with the board's own toolchain"
 C_LIBRARY = {"exports": {"strlen": 0}, "names": [(elf_maker.SONAME, "libc.so.6")],
              "offers": ["GLIBC_2.4", "GLIBC_2.9", "GLIBC_2.31"]}
@@ -28,6 +31,19 @@ def abi_flags(float_abi):
 def power(float_abi, order=">"):
     return {"flags": 0, "machine": POWERPC, "order": order,
             "sections": [(0x6ffffff5, attributes("gnu", {4: float_abi, 8: 2}, order))]}
+
+
+def parts_of(path):
+    """Where a 32-bit file's headers lie, and what loaders and the processor's description are read from."""
+    with open(path, "rb") as file:
+        start = file.read(52)
+    order = "<" if start[5] == 1 else ">"
+    table, sections = struct.unpack_from(order + "I", start, 32)[0], struct.unpack_from(order + "HH", start, 46)
+    listed = subprocess.run(["readelf", "-SW", path], capture_output=True, text=True, check=True).stdout
+    found = re.findall(r"\] (\S+) +\S+ +\S+ (\S+) (\S+) ", listed)
+    return [(0, 52 + 32 * 8), (table, table + sections[0] * sections[1])] + [
+        (int(offset, 16), int(offset, 16) + int(size, 16)) for name, offset, size in found
+        if re.search(r"dyn|hash|gnu.version|attributes|abiflags", name)]
 
 
 class Boards(QuillTest):
@@ -56,6 +72,15 @@ class Boards(QuillTest):
         report = json.loads(result.out)
         return report, report["problems"]
 
+    def damage(self, damaged, module, parts=(), board="board"):
+        """How many ended in which verdict."""
+        parts = parts or [(0, os.path.getsize(damaged))]
+        done = subprocess.run([*EMULATOR, os.environ["QUILL_DAMAGED_INSPECTIONS"], str(COPIES), "1", damaged, module,
+                               board, *(f"{start}-{end}" for start, end in parts)],
+                              cwd=self.folder, stdout=subprocess.PIPE, timeout=PATIENCE + COPIES, text=True, check=False)
+        self.assertEqual(done.returncode, 0, done.stdout)
+        return done.stdout
+
     def module(self, **how):
         return self.file("m.so", elf_file(**{**MODULE, **how}))
 
@@ -70,14 +95,18 @@ class OfTheFile(Boards):
                 ({"stack": None}, 0, []), ({"stack": 7, **abi_flags(1)}, 0, []),
                 ({"entries": [(elf_maker.TEXTREL, 0)]}, 1,
                  ["relocations: the loader has to write into its code; compile with -fPIC, link with -Wl,-z,text"]),
+                ({"entries": [(elf_maker.FLAGS, 4)]}, 1,
+                 ["relocations: the loader has to write into its code; compile with -fPIC, link with -Wl,-z,text"]),
+                ({"hash_table": elf_maker.GNU_HASH}, 0, []),
                 ({"entries": [(elf_maker.FLAGS_1, 0x40)]}, 3,
                  ["load: it is marked to refuse dlopen; link without -Wl,-z,nodlopen"]),
                 ({"kind": 1}, 3, ["load: no loader takes a file of its type (object file)"]),
-                ({"hashed": False}, 3, ["load: it has no hash table, without which no symbol of it is found; link "
+                ({"hash_table": None}, 3, ["load: it has no hash table, without which no symbol of it is found; link "
                                         "with -Wl,--hash-style=both",
                                         "exports: WEBVTT_MODULE_INFO is missing: this is no caption module"]),
                 ({"exports": {**CONTRACT, "WEBVTT_MODULE_INFO": 140}}, 1,
                  ["exports: WEBVTT_MODULE_INFO has 140 bytes, not 144"]),
+                ({"order": ">"}, 0, []),
                 ({"exports": {}, "interpreter": "/lib/ld.so"}, 0, [])):
             with self.subTest(how):
                 self.assertEqual(self.ask(self.module(**how), code, None)[1], problems)
@@ -86,6 +115,8 @@ class OfTheFile(Boards):
         for how, words in (
                 (HARD, ["ARMv7-A", "Thumb-2", "VFPv3-D16", "NEON", "hard-float ABI", "EABI 5"]),
                 (SOFT, ["ARMv7-A", "Thumb-2", "VFPv3-D16", "NEON", "soft-float ABI", "EABI 5"]),
+                ({"sections": [(0x70000003, HARD["sections"][0][1] + bytes(8))]},  # up to what is damaged
+                 ["ARMv7-A", "Thumb-2", "VFPv3-D16", "NEON", "hard-float ABI", "EABI 5"]),
                 ({"flags": 0x05000400}, ["hard-float ABI", "EABI 5"]),
                 ({"flags": 0x05000200}, ["soft-float ABI", "EABI 5"]),
                 ({"flags": 0}, ["no EABI"]),
@@ -120,6 +151,11 @@ class OfTheBoard(Boards):
                 ({"versions": [("libc.so.6", ["GLIBC_ABI_DT_RELR"])]}, {}, 3,
                  [f"version: the file needs GLIBC_ABI_DT_RELR, and /lib/libc.so.6 has none of them; {OWN}"]),
                 ({"versions": [ask]}, {"offers": []}, 0, []),
+                ({"versions": [ask], "weak": ["GLIBC_2.34"]}, {}, 0, []),
+                ({"hash_table": elf_maker.GNU_HASH}, {"offers": ["GLIBC_2.4", "GLIBC_2.5"]}, 0, []),
+                ({"hash_table": elf_maker.GNU_HASH}, {"offers": ["GLIBC_2.4"]}, 3,
+                 ["hash table: glibc 2.4 finds no symbol in one of the GNU kind (2.5 does); link with "
+                  "-Wl,--hash-style=both"]),
                 ({"entries": [(elf_maker.RELR, 0)]}, {}, 3,
                  ["relocations: they are packed, which glibc 2.31 cannot read (2.36 can); link with "
                   "-Wl,-z,nopack-relative-relocs"]),
@@ -166,9 +202,13 @@ class OfTheBoard(Boards):
     def test_where_libraries_are_found(self):
         library = elf_file(**C_LIBRARY)
         other = elf_file(**{**C_LIBRARY, "machine": POWERPC})
+        wide = library[:4] + b"\2" + library[5:]
+        big_endian = elf_file(**{**C_LIBRARY, "order": ">"})
         for files, how, path in (
                 ({"usr/lib/arm-linux-gnueabihf/libc.so.6": library}, {}, "/usr/lib/arm-linux-gnueabihf/libc.so.6"),
                 ({"usr/lib/powerpc-linux-gnu/libc.so.6": other, "usr/lib/libc.so.6": library}, {}, "/usr/lib/libc.so.6"),
+                ({"lib/libc.so.6": wide, "usr/lib/libc.so.6": library}, {}, "/usr/lib/libc.so.6"),
+                ({"lib/libc.so.6": big_endian, "usr/lib/libc.so.6": library}, {}, "/usr/lib/libc.so.6"),
                 ({"etc/ld.so.conf": b"# opt\ninclude ld.so.conf.d/*.conf\ninclude ld.so.conf\n",
                   "etc/ld.so.conf.d/a.conf": b"/opt/a, /opt/b # here\n", "opt/b/libc.so.6": library}, {},
                  "/opt/b/libc.so.6"),
@@ -277,6 +317,20 @@ class OfHostileBoards(Boards):
             self.assert_fails(result, 2, f'--sysroot takes a folder with the board\'s files, not "{folder}"')
 
 
+class OfDamage(Boards):
+    """Of the module and of the board's library, anywhere: hundreds of copies in one process."""
+
+    def test_made_files(self):
+        for machine in (HARD, {**abi_flags(5), "sections": [(0x6ffffff5, attributes("gnu", {4: 5}))]}, power(1)):
+            with self.subTest(machine):
+                self.board({"lib/libc.so.6": elf_file(**{**C_LIBRARY, **machine})})
+                module = self.module(**machine)
+                library = os.path.join(self.folder, "board/lib/libc.so.6")
+                self.assertRegex(self.damage(module, module), f"(?s) file\n.* {FINE}\n")
+                self.assertRegex(self.damage(library, module), f"(?s) library\n.* {FINE}\n")
+                self.assertEqual(self.ask(module)[1], [])  # each was put back
+
+
 class OfRealBoards(Boards):
     """The libraries that cross compilers bring, where they are installed."""
 
@@ -296,11 +350,14 @@ class OfRealBoards(Boards):
                 subprocess.run([compiler, "-shared", "-fPIC", "-o", "real.so", source], cwd=self.folder, check=True)
                 library = subprocess.run([compiler, "-print-file-name=libc.so.6"], capture_output=True, text=True,
                                          check=True).stdout.strip()
-                report, problems = self.ask("real.so", 0, os.path.dirname(os.path.dirname(os.path.realpath(library))))
+                board = os.path.dirname(os.path.dirname(os.path.realpath(library)))
+                report, problems = self.ask("real.so", 0, board)
                 self.assertEqual(problems, [])
                 self.assertLessEqual(set(words), set(report["processor"]))
                 self.assertTrue(all(version["fits"] for version in report["sysroot"]["versions"]))
                 self.assertRegex(report["sysroot"]["c_library"], "^glibc 2")
+                verdicts = self.damage("real.so", "real.so", parts_of(os.path.join(self.folder, "real.so")), board)
+                self.assertIn(FINE, verdicts)
         if tried == 0:
             self.skipTest("there is no cross compiler")
 

@@ -1,5 +1,6 @@
 """quill inspect: what it says of the module, of broken ones and of those for other machines."""
 
+import concurrent.futures
 import json
 import os
 import re
@@ -7,6 +8,7 @@ import shutil
 import struct
 import subprocess
 import sys
+import time
 import unittest
 
 from quill_runner import EMULATOR, MODULE, QUILL, SANITIZED, QuillTest, broken, fixture
@@ -97,6 +99,9 @@ class OfTheModule(Inspecting):
         report = self.inspect_json()
         needed = re.findall(r"\(NEEDED\).*\[(.*)\]", readelf("-d", MODULE))
         self.assertEqual(report["needed"], needed)
+        loaded = [(int(start, 16), int(start, 16) + int(size, 16)) for start, size in re.findall(
+            r"LOAD +0x\w+ (0x\w+) 0x\w+ 0x\w+ (0x\w+)", readelf("-l", MODULE))]
+        self.assertEqual(report["loading"]["memory"], max(end for _, end in loaded) - min(loaded)[0])
         versions = re.findall(r"Name: (\w+_[0-9.]+)", readelf("-V", MODULE))
         self.assertEqual(report["versions"], highest(versions))
         symbols = re.findall(r"(\d+) (OBJECT|FUNC) +(?:GLOBAL|WEAK) +DEFAULT +\d+ (\S+)",
@@ -169,6 +174,18 @@ class OfBrokenModules(Inspecting):
                 result = self.quill("inspect", fixture("broken"), env=broken(fault))
                 self.assertEqual(result.code, code)
                 self.assertEqual(result.out.decode().splitlines()[-1], problem)
+
+    def test_hangs_end_in_time(self):
+        words = "did not end in time while it was"
+        faults = (("hang-at-load", 3, f"load: the module {words} loaded and its descriptor was read"),
+                  ("hang-at-unload", 1, f"unload: the module {words} unloaded"))
+        began = time.monotonic()
+        with concurrent.futures.ThreadPoolExecutor() as pool:
+            results = list(pool.map(lambda fault: self.quill("inspect", fixture("broken"), env=broken(fault[0])),
+                                    faults))
+        self.assertLess(time.monotonic() - began, 25)  # ten, and what a busy machine takes
+        for result, (_, code, problem) in zip(results, faults):
+            self.assertEqual((result.code, result.out.decode().splitlines()[-1]), (code, problem))
 
     def test_modules_that_lack_something(self):
         for name, code, problem in (
