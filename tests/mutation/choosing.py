@@ -13,6 +13,7 @@ from switching import find_errors, write_switched
 from testing import TARGETS, TestError, find_tests, processor_time
 
 QUICK = 0.1  # seconds; such cases of one program run together
+SLOWER = 10  # a test with sanitizers than without, at most
 # They look at the module's file, in which the choice shows.
 OF_THE_FILE = {"contract.binary"}
 
@@ -38,8 +39,11 @@ class SwitchedBuild:
         # Made once, so nothing is gained by compiling its files one by one.
         self.build = Build(self.tree, folder / "build", [*options, "-DQUILL_UNITY=ON"])
         self.chosen, self.runs = set(), []
+        self.slower = 1  # than what was measured
+        self.passes = set()  # what was seen to pass without a fault, if it was not measured
 
-    def make(self, faults, scripts, jobs):
+    def make(self, faults, scripts, jobs, measured):
+        """Measures the tests, but for those that another build has measured: its runs."""
         made = self.tree.parent / "made"  # of what, when it is complete
         wanted = {"sources": digest(self.original / "src"),
                   "tests": digest(self.original / "tests", {"mutation"}),
@@ -55,11 +59,16 @@ class SwitchedBuild:
             made.write_text(json.dumps(known), "utf-8")
         self.chosen = set(known["chosen"])
         size = max((fault.number for fault in faults), default=0) + 1
+        known = {(test.name, case): (seconds, passed) for test, case, seconds, passed in measured}
+        self.slower = SLOWER if known else 1
         for test in find_tests(self.build, scripts):
             if test.name in OF_THE_FILE:
                 continue
             for case in test.cases():
-                self.measure(test, case, size)
+                if (test.name, case) in known:
+                    self.runs.append((test, case, *known[test.name, case]))
+                else:
+                    self.measure(test, case, size)
 
     def measure(self, test, case, size):
         """What a case takes without a fault, and which faults it comes past."""
@@ -90,8 +99,21 @@ class SwitchedBuild:
         for run in self.in_order(fault):
             if not stage.has(run.slowest):
                 continue
-            noticed = run.test.notices(self.build.folder / run.test.product, run.cases,
-                                       {"QUILL_FAULT": str(fault.number)}, run.seconds)
+            noticed = self.notices(run, {"QUILL_FAULT": str(fault.number)})
             if noticed:
+                self.check_without(run)
                 return noticed
         return None
+
+    def notices(self, run, chosen):
+        return run.test.notices(self.build.folder / run.test.product, run.cases, chosen,
+                                run.seconds * self.slower)
+
+    def check_without(self, run):
+        """A test that was not measured here was not seen to pass either."""
+        key = (run.test.name, *run.cases)
+        if self.slower != 1 and key not in self.passes:
+            noticed = self.notices(run, {})
+            if noticed:
+                raise TestError(f"{noticed} fails without a fault")
+            self.passes.add(key)

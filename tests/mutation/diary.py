@@ -9,16 +9,18 @@ class Diary:
     """A file with a line for each fault that was tried in a stage.
 
     What was noticed stays so while src/ is as it was; what was not is tried again when the tests
-    have changed."""
+    have changed, unless there is an argument that nothing can notice it."""
 
-    def __init__(self, path, root):
+    def __init__(self, path, root, argued=()):
         self.path, self.lock, self.known = path, threading.Lock(), {}
         self.sources = digest(root / "src")
         self.tests = digest(root / "tests", {"mutation"})
         path.parent.mkdir(parents=True, exist_ok=True)
         lines = path.read_text("utf-8").splitlines() if path.exists() else []
+        argued = {key(fault, "")[:-1] for fault in argued}
         for entry in map(json.loads, lines):
-            if entry["sources"] == self.sources and (entry["by"] or entry["tests"] == self.tests):
+            if entry["sources"] == self.sources and (entry["by"] or entry["tests"] == self.tests
+                                                     or tuple(entry["fault"][:-1]) in argued):
                 self.known[tuple(entry["fault"])] = entry["by"]
 
     def has(self, fault, stage):

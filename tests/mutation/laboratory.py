@@ -60,7 +60,11 @@ class Laboratory:
         """One build for all of these that can be chosen when a test is started."""
         switched = self.builds[stage.build].switched
         if any(fault.form and fault.number not in switched.chosen for fault in faults):
-            switched.make(faults, self.scripts, self.jobs)
+            plain = self.builds["plain"].switched
+            if not plain.runs:
+                plain.make(faults, self.scripts, self.jobs, [])
+            if switched is not plain:
+                switched.make(faults, self.scripts, self.jobs, plain.runs)
 
     def ready(self, builds):
         """Builds and measures when a fault first needs it."""

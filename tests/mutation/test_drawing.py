@@ -179,11 +179,11 @@ class EquivalentTest(unittest.TestCase):
 
 class DiaryTest(unittest.TestCase):
     def test_what_a_run_that_was_interrupted_had_found_is_known(self):
-        noticed, survived, untried, _ = faults()
+        noticed, survived, argued, untried = faults()
         changes = [  # what has changed since, and which faults are known then
-            ("", [noticed, survived]),
-            ("tests/a_test.cpp", [noticed]),
-            ("tests/mutation/run", [noticed, survived]),
+            ("", [noticed, survived, argued]),
+            ("tests/a_test.cpp", [noticed, argued]),
+            ("tests/mutation/run", [noticed, survived, argued]),
             ("src/a.cpp", []),
         ]
         for changed, known in changes:
@@ -195,10 +195,12 @@ class DiaryTest(unittest.TestCase):
                 diary = Diary(path, root)
                 diary.add(noticed, "tests", "unit_tests Case")
                 diary.add(survived, "tests", None)
+                diary.add(argued, "tests", None)
                 if changed:
                     (root / changed).write_text("changed", "utf-8")
-                diary = Diary(path, root)
-                found = [fault for fault in (noticed, survived, untried) if diary.has(fault, "tests")]
+                diary = Diary(path, root, [argued])
+                found = [fault for fault in (noticed, survived, argued, untried)
+                         if diary.has(fault, "tests")]
                 self.assertEqual(found, known)
                 self.assertFalse(diary.has(noticed, "sanitizer"))
                 for fault in known:
