@@ -1,4 +1,4 @@
-"""Executions of all runs, for as long as src/ stays what it is."""
+"""Executions of all runs, for as long as the sources in src/ stay what they are."""
 
 import hashlib
 import json
@@ -9,7 +9,7 @@ class Tally:
 
     def __init__(self, path, sources):
         self.path = path
-        files = sorted(path for path in sources.rglob("*") if path.is_file())
+        files = sorted(path for path in sources.rglob("*") if path.suffix in (".cpp", ".h"))
         self.source = hashlib.sha256(b"".join(file.read_bytes() for file in files)).hexdigest()
         kept = json.loads(path.read_text("ascii")) if path.exists() else {}
         self.targets = kept["targets"] if kept.get("source") == self.source else {}
