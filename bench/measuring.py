@@ -72,7 +72,13 @@ class Build:
 
     def play(self, program, *arguments):
         """Runs a bench program and returns what it prints."""
-        return run([self.folder / "run", self.programs / program, *arguments]).stdout
+        return self._run([self.folder / "run", self.programs / program, *arguments]).stdout
+
+    def _run(self, command, **environment):
+        """Runs a command in the build's folder, where the programs load the module by a name that is
+        equally long for every build: where the heap's blocks lie depends on it, and counts on that."""
+        return run(command, cwd=self.folder,
+                   env={**os.environ, "QUILLCAPTION_MODULE": f"./{self.module.name}", **environment})
 
     def count(self, program, *arguments):
         """Counts the instructions of the part that matters. Returns (count, what was printed)."""
@@ -98,9 +104,9 @@ class Build:
         module prints is not counted, and its calls are counted apart. i386 only."""
         with tempfile.TemporaryDirectory() as folder:
             dump = Path(folder) / "out"
-            done = run(["valgrind", "--tool=callgrind", f"--callgrind-out-file={dump}",
-                        f"--toggle-collect={MEASURED}", f"--dump-after={MEASURED}",
-                        self.programs / "shape", "--all", divisor])
+            done = self._run(["valgrind", "--tool=callgrind", f"--callgrind-out-file={dump}",
+                              f"--toggle-collect={MEASURED}", f"--dump-after={MEASURED}",
+                              self.programs / "shape", "--all", divisor])
             shapes = [line.split("\t") for line in done.stdout.splitlines()]
             counts = [int(re.search(r"^totals: (\d+)$", Path(f"{dump}.{number}").read_text("utf-8"),
                                     re.M).group(1)) for number in range(1, 2 * len(shapes) + 1)]
@@ -108,8 +114,8 @@ class Build:
                 in zip(shapes, counts[::2], counts[1::2])}
 
     def _count_i386(self, program, arguments):
-        done = run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
-                    f"--toggle-collect={MEASURED}", self.programs / program, *arguments])
+        done = self._run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
+                          f"--toggle-collect={MEASURED}", self.programs / program, *arguments])
         collected = int(re.search(r"Collected : (\d+)", done.stderr).group(1))
         if collected == 0:
             raise Failure(f"{program} has no function {MEASURED} that callgrind could find")
@@ -117,8 +123,8 @@ class Build:
 
     def _count_arm(self, program, arguments):
         def count_all(passes):
-            done = run([self.folder / "run", self.programs / program, *arguments,
-                        "--passes", passes], env={**os.environ, "QEMU_PLUGIN": self.plugin()})
+            done = self._run([self.folder / "run", self.programs / program, *arguments,
+                              "--passes", passes], QEMU_PLUGIN=self.plugin())
             counted = re.search(r"^instructions (\d+)$", done.stderr, re.M)
             if counted is None:
                 raise Unable("this machine's qemu-arm takes no plugins, so nothing is counted")
