@@ -12,20 +12,20 @@
 namespace guard {
 namespace {
 
-thread_local PrintedCapture::Fate current;
+thread_local PrintedCapture::Fate threads_fate;
 
 /// While it lives, what a capture passes on is not captured again.
 class PassingOn {
   public:
-    explicit PassingOn(std::string_view bytes) : m_fate(current) {
-        if (current.kept_in != nullptr) {
-            *current.kept_in << bytes;
+    explicit PassingOn(std::string_view bytes) : m_fate(threads_fate) {
+        if (threads_fate.kept_in != nullptr) {
+            *threads_fate.kept_in << bytes;
         }
-        current = {};
+        threads_fate = {};
     }
     PassingOn(const PassingOn&) = delete;
     PassingOn& operator=(const PassingOn&) = delete;
-    ~PassingOn() { current = m_fate; }
+    ~PassingOn() { threads_fate = m_fate; }
 
     bool is_dropped() const { return m_fate.is_dropped; }
 
@@ -186,23 +186,24 @@ bool PrintedCapture::is_possible(void* library) {
            dlsym(library, "_ZSt4cout") != nullptr;
 }
 
-PrintedCapture::PrintedCapture(Fate fate) : m_before(current), m_is_capturing(!fate.is_usual()) {
+PrintedCapture::PrintedCapture(Fate fate)
+    : m_before(threads_fate), m_is_capturing(!fate.is_usual()) {
     if (m_is_capturing) {
         ways().enter();
-        current = fate;
+        threads_fate = fate;
     }
 }
 
 PrintedCapture::~PrintedCapture() {
     if (m_is_capturing) {
-        current = m_before;
+        threads_fate = m_before;
         ways().leave();
     }
 }
 
-PrintedCapture::Pause::Pause() : m_fate(current) {
+PrintedCapture::Pause::Pause() : m_fate(threads_fate) {
     if (!m_fate.is_usual()) {
-        current = {};
+        threads_fate = {};
         ways().leave();
     }
 }
@@ -210,7 +211,7 @@ PrintedCapture::Pause::Pause() : m_fate(current) {
 PrintedCapture::Pause::~Pause() {
     if (!m_fate.is_usual()) {
         ways().enter();
-        current = m_fate;
+        threads_fate = m_fate;
     }
 }
 
@@ -225,7 +226,7 @@ void PrintedCapture::after_fork() {
 void PrintedCapture::after_fork_in_child() {
     ways().captures = 0;
     ways().lead_back();
-    current = {};
+    threads_fate = {};
     after_fork();
 }
 
