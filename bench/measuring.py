@@ -22,6 +22,9 @@ LIMITS = {"scan": ("usual", "scan"), "copy": ("usual", "copy")}
 DIALOGUES = {"64KB": ("usual", 65536), "1460B": ("usual", 1460), "crlf": ("crlf", 65536),
              "no-hours": ("no-hours", 65536), "four-settings": ("four-settings", 65536)}
 
+ARM = 40  # the machine in an ELF header
+HARD_FLOAT = 0x400  # among ARM's flags there
+
 
 class Failure(Exception):
     """Something that the user must fix; told in one line."""
@@ -63,12 +66,14 @@ class Build:
             raise Failure(f"{self.folder} holds no bench programs: build it with "
                           "-DQUILLCAPTION_BENCH=ON")
         self.module = self.folder / "quillcaption.so"
-        self.is_arm = elf_machine(self.module) == 40
+        self.is_arm = elf_number(self.module, 18, 2) == ARM
         self._plugin = None
 
     @property
     def target(self):
-        return "armhf" if self.is_arm else "i386"
+        if not self.is_arm:
+            return "i386"
+        return "armhf" if elf_number(self.module, 36, 4) & HARD_FLOAT else "armel"
 
     def play(self, program, *arguments):
         """Runs a bench program and returns what it prints."""
@@ -142,10 +147,10 @@ class Build:
         return Path(self._plugin.name) / "counter.so"
 
 
-def elf_machine(path):
-    """The number of the machine that an ELF file is for; 40 is ARM."""
+def elf_number(path, offset, size):
+    """A number in the header of a 32-bit ELF file: its machine is at 18, the machine's flags at 36."""
     with open(path, "rb") as file:
-        return int.from_bytes(file.read(20)[18:20], "little")
+        return int.from_bytes(file.read(52)[offset:offset + size], "little")
 
 
 def parser_for(script_doc):
