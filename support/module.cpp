@@ -2,22 +2,14 @@
 
 #include <dlfcn.h>
 
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 
 namespace support {
-namespace {
-
-/// Of one size whatever the folder's name: what a count of instructions comes to depends on where
-/// the other texts of a program lie.
-constexpr char kBuiltModule[PATH_MAX] = QUILLCAPTION_BUILT_MODULE;
-
-}  // namespace
 
 std::string module_path() {
     const char* const path = std::getenv("QUILLCAPTION_MODULE");
-    return path != nullptr ? path : kBuiltModule;
+    return path != nullptr ? path : QUILLCAPTION_BUILT_MODULE;
 }
 
 Module::Module() : m_library(dlopen(module_path().c_str(), RTLD_NOW | RTLD_LOCAL)) {
