@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -26,10 +27,10 @@ constexpr unsigned char kBandByte = 0xB5;
 unsigned long blocks_made = 0;
 unsigned long damaged_blocks = 0;
 
-/// What stands in front of a block, and the first band behind it.
-struct alignas(16) Head {
-    std::size_t size;
-    unsigned char band[kBand];
+/// What stands in front of a block, up to its first byte. Aligned as the blocks of malloc are.
+struct Head {
+    alignas(std::max_align_t) std::size_t size;
+    alignas(std::max_align_t) unsigned char band[kBand];
 };
 
 void* make_block(std::size_t size) noexcept {
