@@ -153,9 +153,14 @@ settings(b"align:end\tsize:50%", b"align:end size:50%", "3:Q408 3:Q408")
 settings(b"align:end,size:50%;line:0", b"align:end size:50% line:0", "3:Q408 3:Q408 3:Q408")
 settings(b"size:50%,position:10%,start", b"size:50% position:10%,start", "3:Q406 3:Q406")
 settings(b"align:center size:40% position:10%", b"align:middle size:40% position:10%", "3:Q408")
+for before, after, code in ((b"position:50,5%", b"position:50.5%", "Q406"),
+                            (b"size=33,25%", b"size:33.25%", "Q406"),
+                            (b"line:12,5%,end", b"line:12.5%,end", "Q409")):
+    settings(before, after, "3:" + code, "3:Q411")
 for kept, left in ((b"align:center align:left", "3:Q408"), (b"align: x", "3:Q404 3:Q405"),
-                   (b"size:half", "3:Q406"), (b"colour:red", "3:Q403"), (b"region:a", "3:Q412"),
-                   (b"position:120%", "3:Q407"), (b"align:end  size:50% ", "")):
+                   (b"position:100,5%", "3:Q406"), (b"line:1,5", ""), (b"size:half", "3:Q406"),
+                   (b"colour:red", "3:Q403"), (b"region:a", "3:Q412"), (b"position:120%", "3:Q407"),
+                   (b"align:end  size:50% ", "")):
     settings(kept, kept, "", left)
 
 # Blank lines.

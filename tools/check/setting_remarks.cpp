@@ -82,7 +82,7 @@ std::vector<std::string> MeantBy(const std::string& item) {
                                       Replaced(small, ":center", ":middle"),
                                       Replaced(small, ":centre", ":middle"),
                                       parted,
-                                      Rounded(Split(item)),
+                                      Rounded(Split(WithDecimalPoint(small))),
                                       WithName(small, "a:", "align:"),
                                       WithName(small, "l:", "line:"),
                                       WithName(small, "t:", "position:"),
@@ -167,6 +167,17 @@ Findings Used(const Setting& setting, const CueCopy& cue) {
 }
 
 }  // namespace
+
+std::string WithDecimalPoint(std::string setting) {
+    const std::size_t comma = std::min(setting.find(','), setting.size());
+    const std::size_t sign =
+        std::min(setting.find_first_not_of("0123456789", comma + 1), setting.size());
+    if (comma > 0 && console::IsDigit(setting[comma - 1]) && sign > comma + 1 &&
+        setting[sign] == '%' && (sign + 1 == setting.size() || setting[sign + 1] == ',')) {
+        setting[comma] = '.';
+    }
+    return setting;
+}
 
 SettingRemarks::SettingRemarks(LoneParser& parser) : parser_(parser) {
     plain_ = AskCueWith("").cue;

@@ -12,6 +12,10 @@
 
 namespace quill::check {
 
+// "50,5%" and "12,5%,end", with or without a name, with the point that was meant: no alignment is a
+// number. All else as it is.
+std::string WithDecimalPoint(std::string setting);
+
 // Has the module read every setting alone, on two cues that differ in everything: a setting that
 // changes neither of them is dropped. Settings repeat all over a track, so answers are kept.
 class SettingRemarks {

@@ -8,6 +8,7 @@
 
 #include "tools/check/characters.h"
 #include "tools/check/meant_timing.h"
+#include "tools/check/setting_remarks.h"
 
 namespace quill::fix {
 namespace {
@@ -209,32 +210,6 @@ std::string FixValue(const std::string& name, const std::string& value, const ch
     return value;
 }
 
-void FixItem(Item& item) {
-    const std::size_t mark = item.text.find_first_of(":=");
-    if (mark == std::string::npos || !IsName(item.text.substr(0, mark))) {
-        return;
-    }
-    const std::string name = NameOf(item.text.substr(0, mark));
-    std::string value = item.text.substr(mark + 1);
-    if (item.text == "D:vertical" || item.text == "D:vertical-lr") {
-        value = value == "vertical" ? "rl" : "lr";
-    }
-    if (item.text.compare(0, mark, name) != 0) {
-        item.code = "unknown-setting";
-    }
-    if (item.text[mark] == '=') {
-        item.code = "no-setting";
-    }
-    const std::string number = SplitValue(value).number;
-    if (name == "line" && !value.empty() && (number.empty() || number == "-")) {
-        item.code = "line-setting";
-        item.dropped = true;
-        return;
-    }
-    value = FixValue(name, value, item.code);
-    item.text = name + ":" + value;
-}
-
 // What a setting that is in order comes to; nothing for one that a player is not told, or whose
 // value is not for us to say.
 std::optional<Effect> EffectOf(const std::string& text) {
@@ -277,6 +252,37 @@ std::optional<Effect> EffectOf(const std::string& text) {
         return Effect{Effect::Field::kPosition, whole};
     }
     return std::nullopt;
+}
+
+void FixItem(Item& item) {
+    const std::size_t mark = item.text.find_first_of(":=");
+    if (mark == std::string::npos || !IsName(item.text.substr(0, mark))) {
+        return;
+    }
+    const std::string name = NameOf(item.text.substr(0, mark));
+    std::string value = item.text.substr(mark + 1);
+    if (item.text == "D:vertical" || item.text == "D:vertical-lr") {
+        value = value == "vertical" ? "rl" : "lr";
+    }
+    if (item.text.compare(0, mark, name) != 0) {
+        item.code = "unknown-setting";
+    }
+    if (item.text[mark] == '=') {
+        item.code = "no-setting";
+    }
+    const std::string number = SplitValue(value).number;
+    if (name == "line" && !value.empty() && (number.empty() || number == "-")) {
+        item.code = "line-setting";
+        item.dropped = true;
+        return;
+    }
+    const std::string pointed = check::WithDecimalPoint(value);
+    if (pointed != value && EffectOf(name + ":" + pointed)) {
+        value = pointed;
+        item.code = name == "line" ? "alignment-part" : "setting-value";
+    }
+    value = FixValue(name, value, item.code);
+    item.text = name + ":" + value;
 }
 
 bool HasDoubles(const std::vector<Item>& items) {
