@@ -1,7 +1,6 @@
 #include "tools/check/setting_remarks.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <string>
 #include <vector>
@@ -41,12 +40,6 @@ bool IsPercentage(const std::string& value) {
            value.find_first_not_of("0123456789.") == value.size() - 1;
 }
 
-std::string InSmallLetters(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
-
 std::string WithName(const std::string& item, const std::string& known, const std::string& name) {
     return item.substr(0, known.size()) == known ? name + item.substr(known.size()) : item;
 }
@@ -72,7 +65,7 @@ std::string Rounded(const Setting& setting) {
 // What an author may have meant by the setting, likely things first.
 std::vector<std::string> MeantBy(const std::string& item) {
     const std::string plain = Plain(item);
-    const std::string small = InSmallLetters(plain);
+    const std::string small = console::InSmallLetters(plain);
     std::string parted = small;
     std::replace(parted.begin(), parted.end(), ',', ' ');
     std::replace(parted.begin(), parted.end(), ';', ' ');

@@ -1,10 +1,11 @@
 #include "tools/check/tag_reason.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <string>
+
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
@@ -37,8 +38,7 @@ std::string TagOfTrack(std::string name) {
         const char* of_page;
         const char* of_track;
     } kTags[] = {{"em", "i"}, {"strong", "b"}, {"ins", "u"}};
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    name = console::InSmallLetters(name);
     for (const auto& tag : kTags) {
         if (name == tag.of_page) {
             return tag.of_track;

@@ -1,11 +1,11 @@
 #include "tools/check/text_remarks.h"
 
 #include <algorithm>
-#include <cctype>
 #include <set>
 
 #include "tools/check/module_words.h"
 #include "tools/check/references.h"
+#include "tools/console/text.h"
 
 namespace quill::check {
 namespace {
@@ -159,8 +159,7 @@ std::string TextRemarks::WriteUnknown(std::string name) {
     if (!character.empty()) {
         return WriteCharacter(character);
     }
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    name = console::InSmallLetters(name);
     return AnswerFor("&" + name + ";") == Reference::kFine ? "write &" + name + ";"
                                                            : "write the character itself";
 }

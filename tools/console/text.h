@@ -4,6 +4,7 @@
 #define TOOLS_CONSOLE_TEXT_H_
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace quill::console {
@@ -18,11 +19,21 @@ constexpr bool BeginsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-// The same for a prefix in small letters, whatever the case of the text.
+constexpr char InSmallLetters(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+inline std::string InSmallLetters(std::string text) {
+    for (char& c : text) {
+        c = InSmallLetters(c);
+    }
+    return text;
+}
+
+// Whether it begins with a prefix that is given in small letters, whatever the case of the text.
 constexpr bool BeginsWithAnyCase(std::string_view text, std::string_view prefix) {
     for (std::size_t index = 0; index < prefix.size(); ++index) {
-        const char c = index < text.size() ? text[index] : '\0';
-        if ((c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c) != prefix[index]) {
+        if (index == text.size() || InSmallLetters(text[index]) != prefix[index]) {
             return false;
         }
     }

@@ -1,7 +1,6 @@
 #include "tools/console/track_list.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <iostream>
 #include <system_error>
@@ -9,6 +8,7 @@
 
 #include "tools/console/descriptor.h"
 #include "tools/console/failure.h"
+#include "tools/console/text.h"
 
 namespace quill::console {
 namespace {
@@ -16,9 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 bool HasTrackName(const fs::path& path) {
-    std::string extension = path.extension().string();
-    std::transform(extension.begin(), extension.end(), extension.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string extension = InSmallLetters(path.extension().string());
     return extension == ".vtt" || extension == ".webvtt";
 }
 
