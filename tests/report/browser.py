@@ -134,6 +134,13 @@ class PageTest(unittest.TestCase):
             return new Set(Array.from({length: 15}, (_, at) => Array.from(context.getImageData(
                 Math.round(part * canvas.width) + at, y, 1, 1).data).join())).size;""", part, y)
 
+    def follow(self, link):
+        """Clicks a link to another place in the page, and waits until the page has heard of it."""
+        self.js("window.gone = new Promise(done => addEventListener('hashchange', done, {once: true}))")
+        link.click()
+        self.browser.execute_async_script("const done = arguments[0]; window.gone.then(() => done())")
+        self.frame()
+
     def press(self, element, *keys):
         for key in keys:
             element.send_keys(key)

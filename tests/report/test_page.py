@@ -43,7 +43,7 @@ class Hostile(PageTest):
         shown = [link.get_attribute("textContent") for link in self.all("#overview th a")]
         self.assertEqual(sorted(shown), sorted("./" + name for name in names))
         for number in range(len(names)):
-            self.all("#overview th a")[number].click()
+            self.follow(self.all("#overview th a")[number])
             self.assertIn(shown[number], self.one("h1").get_attribute("textContent"))
             self.assert_inert()
 
@@ -250,8 +250,7 @@ class Several(PageTest):
         headings["Track"].click()
         headings["Track"].click()
         self.assertEqual(self.names(), ["c.vtt", "b.vtt", "a.vtt"])
-        self.one("#overview a[href='#T2']").click()
-        self.frame()
+        self.follow(self.one("#overview a[href='#T2']"))
         self.assertEqual(self.text("h1"), "Track 2: b.vtt")
 
     def test_side_by_side(self):
@@ -266,8 +265,7 @@ class Several(PageTest):
         kinds = [row.text for row in self.all("#comparison tbody th")]
         self.assertEqual(kinds, ["moved by +00:00:01.000", "went", "changed text", "came",
                                  "changed settings"])
-        self.one("#comparison tr.came a").click()
-        self.frame()
+        self.follow(self.one("#comparison tr.came a"))
         self.assertEqual(self.text("h1"), f"Track 2: {other}")
         self.assertEqual(self.chosen(), "line 12, chunk 1")
 

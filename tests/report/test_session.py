@@ -197,8 +197,7 @@ class Calls(SessionTest):
         said = self.text("#call")
         self.assertIn("It fed chunk 2, bytes 9 to 58: lines 3 to 5, which completed", said)
         self.assertIn("0.000305 s, thread 1, took 0.000014 s", said)
-        self.one("#call .notes a").click()
-        self.frame()
+        self.follow(self.one("#call .notes a"))
         self.assertEqual((self.location(), self.chosen()), ("#L3", "line 3, chunk 2"))
 
     def test_a_delivery(self):
@@ -232,8 +231,7 @@ class Blocks(SessionTest):
         self.open("--log", MISTAKES, address="#L3")
         self.assertRegex(self.text("#details .calls-of"),
                          "^Completed by the chunk of call 4; delivered by call 6, .* before its start[.]$")
-        self.all("#details .calls-of a")[1].click()
-        self.frame()
+        self.follow(self.all("#details .calls-of a")[1])
         self.assertIn("call 6, pfnGetParseResult", self.call())
 
     def test_a_cue_that_did_not_come(self):
