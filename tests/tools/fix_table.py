@@ -159,6 +159,7 @@ for before, after, code in ((b"position:50,5%", b"position:50.5%", "Q406"),
     settings(before, after, "3:" + code, "3:Q411")
 for kept, left in ((b"align:center align:left", "3:Q408"), (b"align: x", "3:Q404 3:Q405"),
                    (b"position:100,5%", "3:Q406"), (b"line:1,5", ""), (b"size:half", "3:Q406"),
+                   (b"size:50%,Start", "3:Q406"), (b"size=12,5%,end", "3:Q405"),
                    (b"colour:red", "3:Q403"), (b"region:a", "3:Q412"), (b"position:120%", "3:Q407"),
                    (b"align:end  size:50% ", "")):
     settings(kept, kept, "", left)

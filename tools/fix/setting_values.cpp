@@ -130,7 +130,7 @@ std::optional<Effect> EffectOf(const std::string& text) {
     if (name == "line" && (!percent || (!negative && real <= 100))) {
         return Effect{percent ? Effect::Field::kLinePercent : Effect::Field::kLine, whole};
     }
-    if (name == "size" && percent && !negative && real <= 100) {
+    if (name == "size" && second.empty() && percent && !negative && real <= 100) {
         return Effect{Effect::Field::kSize, whole};
     }
     if (name == "position" && percent && !negative && real <= 100) {
