@@ -22,9 +22,9 @@ SANITIZED = bool(os.environ.get("QUILL_SANITIZE"))
 # repeats with ever other input, a part will do there.
 SLOW = os.environ["QUILL_SLOW"] == "1"
 
-# Seconds, longer than any run takes on a machine that is busy with others, so that a hang is a failure and
-# not the end of the tests: all cases of quill conform under an emulator have taken more than 60.
-PATIENCE = 240 if SLOW else 60
+# Seconds, longer than any run takes, so that a hang is a failure and not the end of the tests. On a busy
+# machine all cases of quill conform have taken more than 60 under an emulator.
+PATIENCE = 240 if EMULATOR else 60
 
 Result = collections.namedtuple("Result", "code out err")
 
